@@ -1,0 +1,186 @@
+#include "counter/CBookGenerator.h"
+
+#include "counter/sample_securities.h"
+#include "rdservice/rdservice_enums.h"
+
+#include <QDir>
+#include <QSaveFile>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iterator>
+#include <random>
+
+namespace counter {
+
+namespace {
+
+struct CSampleAccount {
+  const char* id;
+  int brokerType;
+  int counterType;
+  const char* name;
+  const char* alias;
+  int autoLogin;
+  std::int64_t compacts;  ///< BULK for the account that takes the number asked for
+};
+
+constexpr std::int64_t BULK = -1;
+
+constexpr CSampleAccount ACCOUNTS[] = {
+    {"60010001", rdservice::BrokerTypeCredit, 90, "张伟", "主账户", 1, BULK},
+    {"60010002", rdservice::BrokerTypeCredit, 100, "王芳", "", 1, 320},
+    {"60010003", rdservice::BrokerTypeCredit, 102, "李静", "量化", 1, 86},
+    {"60010004", rdservice::BrokerTypeCredit, 200, "刘洋", "", 1, 0},
+    {"60010005", rdservice::BrokerTypeCreditInstitution, 200, "远山稳健一号", "机构户", 1, 48},
+    {"60010006", rdservice::BrokerTypeCredit, 90, "陈磊", "备用", 0, 64},
+    {"10020001", rdservice::BrokerTypeStock, 90, "张伟", "普通户", 1, 0},
+};
+
+constexpr const char* COMPACT_HEADER =
+    "account,exchange,code,compact_type,source,financing_volume,lending_volume,compact_amount,unpaid_amount,"
+    "repaid_amount,interest_amount,fee_amount,penalty_amount,compact_no,open_date,expiry_date,renewal_flag,"
+    "repay_priority,equity_compensation\n";
+
+// Days.
+constexpr std::int64_t TERM = 180;     ///< from opening to expiry, and what a renewal adds
+constexpr std::int64_t HISTORY = 176;  ///< compacts were opened over so many days
+
+// Shares of compacts, one in so many.
+constexpr unsigned ONE_IN_RENEWED = 12;
+constexpr unsigned ONE_IN_OVERDUE = 80;
+constexpr unsigned ONE_IN_PRIORITISED = 15;
+constexpr unsigned ONE_IN_SPECIAL = 5;
+
+// Rates in ten thousandths: interest a year, penalty a day.
+constexpr std::int64_t FINANCING_RATE = 835;
+constexpr std::int64_t SPECIAL_FINANCING_RATE = 680;
+constexpr std::int64_t LENDING_RATE = 1060;
+constexpr std::int64_t PENALTY_RATE = 5;
+
+/// Collects text and writes it to a file that replaces the former one only when it is complete.
+class CFileWriter {
+ public:
+  explicit CFileWriter(const QString& path) : m_file(path) { m_file.open(QIODevice::WriteOnly); }
+
+  template <class... Args>
+  void add(fmt::format_string<Args...> format, const Args&... args) {
+    fmt::format_to(std::back_inserter(m_text), format, args...);
+    if (m_text.size() >= FLUSH_BYTES) flush();
+  }
+
+  /// What went wrong, empty for nothing.
+  std::string finish() {
+    flush();
+    if (m_file.commit()) return {};
+    return (m_file.fileName() + QStringLiteral(": ") + m_file.errorString()).toStdString();
+  }
+
+ private:
+  static constexpr std::size_t FLUSH_BYTES = 256 * 1024;
+
+  void flush() {
+    if (m_file.isOpen()) m_file.write(m_text.data(), static_cast<qint64>(m_text.size()));
+    m_text.clear();
+  }
+
+  QSaveFile m_file;
+  fmt::memory_buffer m_text;
+};
+
+/// "today", "today-30", "today+5".
+std::string dateWord(std::int64_t days) { return days == 0 ? "today" : fmt::format("today{:+}", days); }
+
+std::string yuan(std::int64_t cents) { return fmt::format("{}.{:02}", cents / 100, cents % 100); }
+
+/// The standard's engine gives the same numbers everywhere, its distributions do not.
+class CRandom {
+ public:
+  explicit CRandom(std::uint32_t seed) : m_engine(seed) {}
+  std::int64_t between(std::int64_t low, std::int64_t high) {
+    return low + static_cast<std::int64_t>(m_engine() % static_cast<std::uint64_t>(high - low + 1));
+  }
+  bool oneIn(unsigned n) { return m_engine() % n == 0; }
+
+ private:
+  std::mt19937_64 m_engine;
+};
+
+/// Writes compact number `index` of `count`; the last of an account were opened today.
+void addCompact(CFileWriter& file, CRandom& random, const char* account, std::int64_t index, std::int64_t count,
+                int& priority) {
+  const auto* const securities = beginSampleSecurities();
+  const auto& security = securities[random.between(0, endSampleSecurities() - securities - 1)];
+  const bool isLending = random.between(1, 10) <= 3;
+  const bool isSpecial = random.oneIn(ONE_IN_SPECIAL);
+  const bool isRenewed = random.oneIn(ONE_IN_RENEWED);
+  const bool isOverdue = !isRenewed && index < count / 2 && random.oneIn(ONE_IN_OVERDUE);
+
+  auto age = (count - 1 - index) * HISTORY / count;
+  if (isRenewed) age += TERM / 2;
+  if (isOverdue) age = TERM + random.between(1, 20);
+  const auto term = isRenewed ? 2 * TERM : TERM;
+
+  const auto lots = random.between(1, security.price > 100'000 ? 20 : 300);
+  const auto repaidTenths = random.oneIn(3) ? random.between(1, 9) : 0;
+  const auto amount = lots * 100 * security.price / 10 * random.between(90, 110) / 100;  // cents
+  const auto repaid = amount * repaidTenths / 10;
+  const auto unpaid = amount - repaid;
+  const auto openLots = std::max<std::int64_t>(1, lots * (10 - repaidTenths) / 10);
+  const auto rate = isLending ? LENDING_RATE : isSpecial ? SPECIAL_FINANCING_RATE : FINANCING_RATE;
+  const auto interest = unpaid * rate * std::max<std::int64_t>(age, 1) / (365 * 10'000);
+  const auto fee = isLending ? unpaid / 2000 : 0;
+  const auto penalty = isOverdue ? unpaid * PENALTY_RATE * (age - TERM) / 10'000 : 0;
+  const auto compensation = isLending && random.oneIn(8) ? openLots * 100 * 12 : 0;
+  const bool isPrioritised = random.oneIn(ONE_IN_PRIORITISED);
+
+  file.add("{},{},{},{},{},{},{},{},{},{},{},{},{},{:08},{},{},{},{},{}\n", account, security.exchange, security.code,
+           isLending ? 1 : 0, isSpecial ? 1 : 0, isLending ? 0 : openLots * 100, isLending ? openLots * 100 : 0,
+           yuan(amount), yuan(unpaid), yuan(repaid), yuan(interest), yuan(fee), yuan(penalty), 10'000'001 + index,
+           dateWord(-age), dateWord(term - age), isRenewed ? 1 : 0, isPrioritised ? ++priority : 0, yuan(compensation));
+}
+
+std::string writeAccounts(const QString& path) {
+  CFileWriter file(path);
+  file.add("account_id,broker_type,counter_type,name,alias,auto_login\n");
+  for (const auto& account : ACCOUNTS)
+    file.add("{},{},{},{},{},{}\n", account.id, account.brokerType, account.counterType, account.name, account.alias,
+             account.autoLogin);
+  return file.finish();
+}
+
+std::string writeInstruments(const QString& path) {
+  CFileWriter file(path);
+  file.add("exchange,code,name,pinyin,price_tick\n");
+  std::for_each(beginSampleSecurities(), endSampleSecurities(), [&](const CSampleSecurity& security) {
+    file.add("{},{},{},{},{}\n", security.exchange, security.code, security.name, security.pinyin,
+             security.fund ? "0.001" : "0.01");
+  });
+  return file.finish();
+}
+
+std::string writeCompacts(const QString& path, const CBookGeneratorOptions& options) {
+  CFileWriter file(path);
+  CRandom random(options.seed);
+  file.add("{}", COMPACT_HEADER);
+  for (const auto& account : ACCOUNTS) {
+    const auto count = account.compacts == BULK ? options.compacts : account.compacts;
+    int priority = 0;
+    for (std::int64_t i = 0; i < count; ++i) addCompact(file, random, account.id, i, count, priority);
+  }
+  return file.finish();
+}
+
+}  // namespace
+
+std::string CBookGenerator::write(const std::string& folder) const {
+  const QDir directory(QString::fromStdString(folder));
+  if (!QDir().mkpath(directory.path())) return folder + ": the folder cannot be created";
+  auto error = writeAccounts(directory.filePath(QStringLiteral("accounts.csv")));
+  if (error.empty()) error = writeInstruments(directory.filePath(QStringLiteral("instruments.csv")));
+  if (error.empty()) error = writeCompacts(directory.filePath(QStringLiteral("unclosed_compacts.csv")), m_options);
+  return error;
+}
+
+}  // namespace counter

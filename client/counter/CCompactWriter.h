@@ -1,0 +1,39 @@
+#pragma once
+
+#include "rdservice/IData.h"
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace counter {
+
+class CBrokerAccounts;
+class CSqlConnection;
+
+/// Changes records on the broker's side. Only the counter's writer thread uses it. Errors are logged and leave the
+/// database as it was.
+class CCompactWriter {
+ public:
+  explicit CCompactWriter(CBrokerAccounts& accounts);
+
+  /// Inserts or replaces the records in one transaction. Returns copies of them with the counter's shared accounts;
+  /// nothing when one of them cannot be written.
+  std::vector<rdservice::IDataPtr> write(const CSqlConnection& connection,
+                                         const std::vector<rdservice::IDataPtr>& records);
+
+  /// Lets interest grow and a part of the principal be repaid for `count` unclosed compacts of the account, or for all
+  /// when it has fewer. The same seed on the same records makes the same changes.
+  std::vector<rdservice::IDataPtr> changeRandom(const CSqlConnection& connection, const std::string& accountKey,
+                                                int count, unsigned seed);
+
+ private:
+  /// Row numbers of the account's unclosed compacts, read once; a row that is gone since is skipped later.
+  const std::vector<std::int64_t>& rowIds(const CSqlConnection& connection, const std::string& accountKey);
+
+  CBrokerAccounts& m_accounts;
+  std::map<std::string, std::vector<std::int64_t>> m_rowIds;  ///< by account key
+};
+
+}  // namespace counter

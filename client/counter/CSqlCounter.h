@@ -1,0 +1,61 @@
+#pragma once
+
+#include "counter/ICounter.h"
+
+#include <chrono>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace counter {
+
+struct CSqlCounterOptions {
+  std::string databasePath;              ///< UTF-8
+  std::chrono::milliseconds latency{0};  ///< from taking a request to its reply
+  int failEvery = 0;                     ///< every so many requests one is answered with an error; 0 for never
+  int silentEvery = 0;                   ///< every so many requests one is never answered; 0 for never
+  int readers = 2;                       ///< threads that answer requests
+  std::map<int, int> maxCompacts;        ///< by counter type: most compacts in one reply; a type left out has no limit
+};
+
+/// The broker's side on a SQLite database that `loadBook` has filled. Needs a QCoreApplication.
+///
+/// The database is opened on the counter's own threads; an unusable one answers every request with an error that says
+/// why. Error codes are those of counter_errors.h, texts are for users. Every account is logged out at first; a log-in
+/// is answered, then reported to the sink. Compacts come in the order of their position strings. Requests taken before
+/// `start` wait for it, those taken after `stop` are dropped.
+///
+/// Replies come from the reader threads, or from a timer thread while there is a latency, which holds no reader up;
+/// pushes come from a writer thread.
+class CSqlCounter final : public ICounter {
+ public:
+  explicit CSqlCounter(CSqlCounterOptions options);
+  /// Stops.
+  ~CSqlCounter() override;
+
+  void start(ICounterSink& sink) override;
+  void request(const rdservice::IDataPtr& request, CCounterReply reply) override;
+  /// Waits for the statements and replies that run, not for the latency. Not from inside a reply or push.
+  void stop() override;
+
+  // For requests from now on; setting a rate starts its count anew. Any thread.
+  void setLatency(std::chrono::milliseconds latency);
+  void setFailEvery(int requests);
+  void setSilentEvery(int requests);
+
+  /// Something happens at the broker: inserts or replaces the records, all of them or, when one cannot be written,
+  /// none (then an error is logged), and pushes them. Each has its account, and the position of the record that it
+  /// replaces or one that its account does not have. Any thread; returns at once.
+  void changeCompacts(std::vector<rdservice::IDataPtr> records);
+
+  /// Changes interest and unpaid amount of `count` unclosed compacts of the account a little and pushes them. The same
+  /// seed on the same book makes the same changes. Any thread; returns at once.
+  void changeRandomCompacts(const std::string& accountKey, int count, unsigned seed);
+
+ private:
+  struct Private;
+  std::unique_ptr<Private> m_d;
+};
+
+}  // namespace counter

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "counter/CBrokerAccounts.h"
+#include "rdservice/IData.h"
+#include "utils/RDError.h"
+
+#include <QString>
+#include <QVariant>
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace rdservice {
+class CLoginReq;
+class CQueryCompactReqV2;
+class CQueryDataReq;
+}  // namespace rdservice
+
+namespace counter {
+
+class CSqlConnection;
+struct CRecordKind;
+
+/// What a request is answered with.
+struct CSqlAnswer {
+  utils::RDError error;
+  std::vector<rdservice::IDataPtr> records;
+};
+
+/// Works out the answers of the SQL counter. Any thread, each with its own connection.
+class CSqlRequests {
+ public:
+  /// `maxCompacts`: by counter type, the most compacts in one answer. `giveUp` is asked now and then during long work;
+  /// when it says true the answer's content no longer matters.
+  CSqlRequests(CBrokerAccounts& accounts, std::map<int, int> maxCompacts, std::function<bool()> giveUp);
+
+  /// Never throws. Errors of the database are logged.
+  CSqlAnswer answer(const CSqlConnection& connection, const rdservice::IData& request);
+
+ private:
+  CSqlAnswer queryAccounts(const CSqlConnection& connection);
+  CSqlAnswer queryInstruments(const CSqlConnection& connection);
+  CSqlAnswer login(const CSqlConnection& connection, const rdservice::CLoginReq& request);
+  CSqlAnswer queryCompacts(const CSqlConnection& connection, const rdservice::CQueryCompactReqV2& request);
+  CSqlAnswer queryData(const CSqlConnection& connection, const rdservice::CQueryDataReq& request);
+  /// The account when it may be queried; otherwise null, and `error` says why not.
+  rdservice::CAccountInfoPtr readyAccount(const CSqlConnection& connection, const std::string& accountKey,
+                                          utils::RDError& error);
+  CSqlAnswer select(const CSqlConnection& connection, const CRecordKind& kind, const QString& condition,
+                    const std::vector<QVariant>& values, const rdservice::CAccountInfoPtr& account) const;
+
+  CBrokerAccounts& m_accounts;
+  const std::map<int, int> m_maxCompacts;
+  const std::function<bool()> m_giveUp;
+};
+
+}  // namespace counter

@@ -1,0 +1,116 @@
+#include "CMainWindow.h"
+
+#include "CLogView.h"
+#include "CMessageView.h"
+#include "CPanelHost.h"
+#include "compacts/CCompactsPanel.h"
+#include "gw/controls.h"
+#include "runtime/CClientRuntime.h"
+#include "vn/CTradeClient.h"
+
+#include <QActionGroup>
+#include <QDockWidget>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QStatusBar>
+
+namespace {
+
+constexpr int METER_PERIOD_MS = 1000;
+constexpr int FIRST_PANEL_ID = 1;
+constexpr int LATENCIES_MS[] = {0, 200, 1000, 3000};
+constexpr int PUSH_COUNTS[] = {1, 20, 200};
+
+QString loginText(const rdservice::CAccountInfo& account, rdservice::EBROKER_LOGIN_STATUS status, const std::string& why) {
+  const char* text = "未登录";
+  switch (status) {
+    case rdservice::LoginStatusLoggingIn: text = "正在登录"; break;
+    case rdservice::LoginStatusReady: text = "登录成功"; break;
+    case rdservice::LoginStatusFailed: text = "登录失败"; break;
+    default: break;
+  }
+  QString line = QStringLiteral("资金账号[%1]%2").arg(QString::fromStdString(account.accountId), QString::fromUtf8(text));
+  if (!why.empty()) line += QStringLiteral(": ") + QString::fromStdString(why);
+  return line;
+}
+
+}  // namespace
+
+CMainWindow::CMainWindow() {
+  setWindowTitle(QStringLiteral("融资融券交易台"));
+  resize(1280, 760);
+  setDockNestingEnabled(true);
+  m_viewMenu = menuBar()->addMenu(QStringLiteral("视图(&V)"));
+  m_counterMenu = menuBar()->addMenu(QStringLiteral("柜台(&C)"));
+  m_counterMenu->setEnabled(false);
+  m_state = new QLabel(this);
+  m_gap = new QLabel(this);
+  m_gap->setToolTip(QStringLiteral("界面线程未响应的最长时间"));
+  statusBar()->addWidget(m_state, 1);
+  statusBar()->addPermanentWidget(m_gap);
+  startTimer(METER_PERIOD_MS);
+}
+
+CMainWindow::~CMainWindow() {
+  // Panels and views use the client's services to their last moment.
+  qDeleteAll(findChildren<QDockWidget*>(QString(), Qt::FindDirectChildrenOnly));
+}
+
+void CMainWindow::showState(const QString& text) { m_state->setText(text); }
+
+QDockWidget* CMainWindow::addDock(const QString& name, const QString& title, QWidget* widget, Qt::DockWidgetArea area) {
+  auto* dock = new QDockWidget(title, this);
+  dock->setObjectName(name);
+  dock->setWidget(widget);
+  addDockWidget(area, dock);
+  m_viewMenu->addAction(dock->toggleViewAction());
+  return dock;
+}
+
+void CMainWindow::startClient(std::unique_ptr<runtime::CClientRuntime> client) {
+  m_client = std::move(client);
+
+  m_panel = new VN::CCompactsPanel(FIRST_PANEL_ID, this, 0);
+  addDock(QStringLiteral("compacts1"), m_panel->dockInfo().title, m_panel, Qt::TopDockWidgetArea);
+  new CPanelHost(m_panel);
+  m_messages = new CMessageView(this);
+  QDockWidget* messages = addDock(QStringLiteral("messages"), QStringLiteral("消息"), m_messages, Qt::BottomDockWidgetArea);
+  QDockWidget* log = addDock(QStringLiteral("log"), QStringLiteral("日志"), new CLogView(this), Qt::BottomDockWidgetArea);
+  resizeDocks({messages, log}, {180, 180}, Qt::Vertical);
+  resizeDocks({messages, log}, {420, 860}, Qt::Horizontal);
+
+  connect(VN::CTradeClient::instance(), &VN::CTradeClient::sigLoginStatus, this,
+          [this](const rdservice::CAccountInfoPtr& account, rdservice::EBROKER_LOGIN_STATUS status, const std::string& why) {
+            m_messages->addMessage(loginText(*account, status, why));
+          });
+  connect(VN::CTradeClient::instance(), &VN::CTradeClient::sigAccountsChanged, this,
+          [this] { showState(QStringLiteral("柜台已连接")); });
+  buildCounterMenu();
+  showState(QStringLiteral("正在连接柜台…"));
+  m_client->start();
+}
+
+void CMainWindow::buildCounterMenu() {
+  QMenu* latency = m_counterMenu->addMenu(QStringLiteral("应答延迟"));
+  auto* group = new QActionGroup(latency);
+  for (const int ms : LATENCIES_MS) {
+    QAction* action = latency->addAction(QStringLiteral("%1 毫秒").arg(ms));
+    action->setCheckable(true);
+    group->addAction(action);
+    connect(action, &QAction::triggered, this, [this, ms] { m_client->setCounterLatency(ms); });
+  }
+  for (const int count : PUSH_COUNTS)
+    connect(m_counterMenu->addAction(QStringLiteral("推送当前账号的 %1 条合约变动").arg(count)), &QAction::triggered, this,
+            [this, count] { changeShownAccount(count); });
+  m_counterMenu->setEnabled(true);
+}
+
+void CMainWindow::changeShownAccount(int compacts) {
+  if (const auto* combo = m_panel->findChild<GW::CComboBox*>())
+    m_client->changeSomeCompacts(combo->currentKey().toStdString(), compacts);
+}
+
+void CMainWindow::timerEvent(QTimerEvent*) {
+  m_gap->setText(QStringLiteral("最长停顿 %1 毫秒").arg(m_meter.longestGap(), 0, 'f', 1));
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "utils/CEventLoopMeter.h"
+
+#include <QMainWindow>
+
+#include <memory>
+
+class CMessageView;
+class QDockWidget;
+class QLabel;
+class QMenu;
+
+namespace runtime {
+class CClientRuntime;
+}
+namespace VN {
+class CCompactsPanel;
+}
+
+/// The desk's window: docks the compacts panel beside messages and log. Empty until a client runs.
+class CMainWindow : public QMainWindow {
+ public:
+  CMainWindow();
+  ~CMainWindow() override;
+
+  /// Text of the status bar.
+  void showState(const QString& text);
+
+  /// Docks the panels on a running client, which the window owns from now on, and starts it.
+  void startClient(std::unique_ptr<runtime::CClientRuntime> client);
+
+  VN::CCompactsPanel* panel() const { return m_panel; }
+  runtime::CClientRuntime& client() const { return *m_client; }
+
+ protected:
+  void timerEvent(QTimerEvent* event) override;
+
+ private:
+  QDockWidget* addDock(const QString& name, const QString& title, QWidget* widget, Qt::DockWidgetArea area);
+  void buildCounterMenu();
+  void changeShownAccount(int compacts);
+
+  std::unique_ptr<runtime::CClientRuntime> m_client;  ///< outlives the panels, which the destructor deletes first
+  VN::CCompactsPanel* m_panel = nullptr;
+  CMessageView* m_messages = nullptr;
+  QMenu* m_viewMenu = nullptr;
+  QMenu* m_counterMenu = nullptr;
+  QLabel* m_state = nullptr;
+  QLabel* m_gap = nullptr;
+  utils::CEventLoopMeter m_meter{nullptr};
+};

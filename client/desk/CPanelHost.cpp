@@ -1,0 +1,32 @@
+#include "CPanelHost.h"
+
+#include "gw/controls.h"
+#include "vn/CTradeClient.h"
+#include "vn/CUserConfig.h"
+#include "vn/ITradeDockableWidget.h"
+
+CPanelHost::CPanelHost(VN::ITradeDockableWidget* panel) : QObject(panel), m_panel(panel) {
+  VN::CTradeClient* client = VN::CTradeClient::instance();
+  connect(client, &VN::CTradeClient::sigAccountsChanged, this, [this] { m_panel->refreshAccounts(); });
+  connect(client, &VN::CTradeClient::sigLoginStatus, this,
+          [this](const rdservice::CAccountInfoPtr& account) { onLoginStatus(account); });
+  // Queued: the panel first handles the choice itself.
+  const auto combos = panel->findChildren<GW::CComboBox*>();
+  for (GW::CComboBox* combo : combos)
+    connect(combo, QOverload<int>::of(&QComboBox::currentIndexChanged), this, [this] { requestShownAccount(); },
+            Qt::QueuedConnection);
+  requestShownAccount();
+}
+
+CPanelHost::~CPanelHost() = default;
+
+void CPanelHost::onLoginStatus(const rdservice::CAccountInfoPtr& account) {
+  if (account) m_panel->requestAccount(*account);
+}
+
+void CPanelHost::requestShownAccount() {
+  const auto combos = m_panel->findChildren<GW::CComboBox*>();
+  for (const GW::CComboBox* combo : combos)
+    if (const VN::CAccountPtr account = VN::getUserConfig()->getAccountData(combo->currentKey()))
+      m_panel->requestAccount(*account);
+}

@@ -1,0 +1,79 @@
+#include "CShotWalk.h"
+
+#include "CMainWindow.h"
+#include "compacts/CCompactsPanel.h"
+#include "gw/CBaseHighPerformanceTable.h"
+#include "gw/controls.h"
+#include "vn/CCountDownButton.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QPixmap>
+
+#include <cstdio>
+
+namespace {
+
+constexpr int POLL_MS = 20;
+constexpr int STEP_LIMIT_MS = 30000;
+
+}  // namespace
+
+CShotWalk::CShotWalk(CMainWindow& window, const QString& folder, QObject* parent)
+    : QObject(parent), m_window(window), m_folder(folder) {
+  const auto combo = [this] { return m_window.panel() != nullptr ? m_window.panel()->findChild<GW::CComboBox*>() : nullptr; };
+  m_steps.push_back({QStringLiteral("01-start"), [] {}, [combo] { return combo() != nullptr && combo()->count() > 0; }});
+  m_steps.push_back({QString(), [this] { addAccountSteps(); }, [] { return true; }});
+  m_waited.start();
+  startTimer(POLL_MS);
+}
+
+/// Each account of the combo box: choose it, refresh, wait for the answer.
+void CShotWalk::addAccountSteps() {
+  auto* combo = m_window.panel()->findChild<GW::CComboBox*>();
+  auto* refresh = m_window.panel()->findChild<VN::CCountDownButton*>();
+  auto* table = m_window.panel()->findChild<QWidget*>(QStringLiteral("compactsTable0"));
+  auto* rows = dynamic_cast<GW::CBaseHighPerformanceTable*>(table);
+  for (int i = 0; i < combo->count(); ++i) {
+    const QString name = QStringLiteral("%1-account-%2").arg(m_steps.size() + 1, 2, 10, QLatin1Char('0')).arg(i + 1);
+    m_steps.push_back({QString(), [combo, i] { combo->setCurrentIndex(i); }, [refresh] { return !refresh->isLocked(); }});
+    m_steps.push_back({name, [refresh] { refresh->click(); },
+                       [combo, rows] { return combo->isEnabled() && (rows == nullptr || rows->isUpToDate()); }});
+  }
+}
+
+void CShotWalk::timerEvent(QTimerEvent*) {
+  if (m_next >= m_steps.size()) return finish(0);
+  if (!m_acted) {
+    m_acted = true;
+    m_waited.restart();
+    const std::function<void()> act = m_steps[m_next].act;  // a step may add steps
+    act();
+    return;
+  }
+  if (!m_steps[m_next].done()) {
+    if (m_waited.elapsed() < STEP_LIMIT_MS) return;
+    std::fprintf(stderr, "step %zu did not come about within %d s\n", m_next + 1, STEP_LIMIT_MS / 1000);
+    return finish(1);
+  }
+  const QString picture = m_steps[m_next].picture;
+  if (!picture.isEmpty() && !save(picture)) return finish(1);
+  ++m_next;
+  m_acted = false;
+}
+
+bool CShotWalk::save(const QString& picture) {
+  const QString path = QDir(m_folder).filePath(picture + QStringLiteral(".png"));
+  if (!QDir().mkpath(m_folder) || !m_window.grab().save(path)) {
+    std::fprintf(stderr, "cannot write %s\n", qPrintable(path));
+    return false;
+  }
+  std::printf("%s\n", qPrintable(path));
+  std::fflush(stdout);
+  return true;
+}
+
+void CShotWalk::finish(int exitCode) {
+  deleteLater();
+  QApplication::exit(exitCode);
+}

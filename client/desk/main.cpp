@@ -1,0 +1,93 @@
+// compacts-desk: a trading desk on an embedded counter.
+
+#include "CDeskOptions.h"
+#include "CMainWindow.h"
+#include "CShotWalk.h"
+#include "runtime/CClientRuntime.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QFutureWatcher>
+#include <QMessageBox>
+#include <QtConcurrent>
+
+#include <cstdio>
+
+namespace {
+
+constexpr int EXIT_USAGE = 2;
+constexpr int EXIT_INPUT = 3;
+
+using runtime::CClientRuntime;
+
+/// Tells why the desk cannot start, on standard error and, with a display, in a box.
+void showFailure(CMainWindow& window, const CDeskOptions& options, const QString& what, const QString& errors) {
+  std::fprintf(stderr, "%s\n%s\n", qPrintable(what), qPrintable(errors));
+  if (options.shots.isEmpty()) QMessageBox::critical(&window, window.windowTitle(), what + QStringLiteral("\n\n") + errors.left(4000));
+  QApplication::exit(EXIT_INPUT);
+}
+
+void openClient(CMainWindow& window, const CDeskOptions& options, const QString& database) {
+  CClientRuntime::CPaths paths;
+  paths.configFolder = options.config.toStdString();
+  paths.database = database.toStdString();
+  paths.logFile = QDir(options.data).filePath(QStringLiteral("desk.log")).toStdString();
+  std::vector<std::string> errors;
+  std::unique_ptr<CClientRuntime> client = CClientRuntime::open(paths, errors);
+  if (!client) {
+    QString text;
+    for (const std::string& error : errors) text += QString::fromStdString(error) + QLatin1Char('\n');
+    showFailure(window, options, QStringLiteral("配置文件有误"), text);
+    return;
+  }
+  window.startClient(std::move(client));
+  if (!options.shots.isEmpty()) new CShotWalk(window, options.shots, &window);
+}
+
+/// Loads the book on a worker thread, then opens the client; the window stays alive meanwhile.
+void loadBookThenOpen(CMainWindow& window, const CDeskOptions& options, const QString& book, const QString& database) {
+  window.showState(QStringLiteral("正在载入账本 %1 …").arg(book));
+  auto* watcher = new QFutureWatcher<CClientRuntime::CLoadedBook>(&window);
+  QObject::connect(watcher, &QFutureWatcherBase::finished, &window, [&window, options, database, watcher] {
+    const CClientRuntime::CLoadedBook loaded = watcher->result();
+    watcher->deleteLater();
+    if (!loaded.loaded) {
+      showFailure(window, options, QStringLiteral("账本有误，未载入"), QString::fromStdString(loaded.errorText));
+      return;
+    }
+    std::fprintf(stderr, "book loaded: %s\n", loaded.summary.c_str());
+    openClient(window, options, database);
+  });
+  watcher->setFuture(QtConcurrent::run(
+      [folder = book.toStdString(), file = database.toStdString()] { return CClientRuntime::loadBook(folder, file); }));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+  QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+  QApplication application(argc, argv);
+  QApplication::setApplicationName(QStringLiteral("compacts-desk"));
+  CDeskOptions options;
+  if (!readDeskOptions(QApplication::arguments(), options)) return EXIT_USAGE;
+  if (!QDir().mkpath(options.data)) {
+    std::fprintf(stderr, "cannot make the folder %s\n", qPrintable(options.data));
+    return EXIT_INPUT;
+  }
+
+  CMainWindow window;
+  window.show();
+  const QString database = QDir(options.data).filePath(QStringLiteral("counter.db"));
+  QString book = options.book;
+  if (book.isEmpty() && !QFileInfo::exists(database)) book = options.config + QStringLiteral("/../sample_book");
+  QMetaObject::invokeMethod(
+      &window,
+      [&] {
+        if (book.isEmpty()) openClient(window, options, database);
+        else loadBookThenOpen(window, options, book, database);
+      },
+      Qt::QueuedConnection);
+  return QApplication::exec();
+}

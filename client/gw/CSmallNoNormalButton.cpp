@@ -1,0 +1,23 @@
+#include "gw/controls.h"
+
+#include "gw/ui_resources.h"
+#include "gw/widget_events.h"
+
+#include "utils/threads.h"
+
+namespace GW {
+
+CSmallNoNormalButton::CSmallNoNormalButton(int id, const QString& text, QWidget* parent)
+    : QPushButton(text, parent), CEventDeliverer(this), m_id(id) {
+  utils::assertGui();
+  setStyleSheet(smallButtonStyle());
+  setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+  connect(this, &QPushButton::clicked, this,
+          [this] { deliverEvent(EventButtonClicked, m_id, 0, QString(), nullptr); });
+}
+
+CSmallNoNormalButton::~CSmallNoNormalButton() = default;
+
+int CSmallNoNormalButton::id() const { return m_id; }
+
+}  // namespace GW

@@ -1,0 +1,94 @@
+#include "rdservice/CAccountData.h"
+
+#include "rdservice/CAccountData_p.h"
+#include "rdservice/CStructDes.h"
+#include "rdservice/data_centre_factory.h"
+
+#include <boost/smart_ptr/make_shared.hpp>
+
+#include <cassert>
+#include <utility>
+
+namespace rdservice {
+
+CAccountDataPtr makeAccountData(CAccountInfoPtr account) {
+  return boost::make_shared<CAccountData>(std::make_unique<CAccountData::Private>(std::move(account)));
+}
+
+CAccountData::CAccountData(std::unique_ptr<Private> d) : m_d(std::move(d)) {}
+CAccountData::~CAccountData() = default;
+
+CAccountInfoPtr CAccountData::getAccountInfo() const { return m_d->accountInfo; }
+
+std::vector<IDataPtr> CAccountData::getData(int typeId) const {
+  const utils::CReadLock lock(m_d->mutex);
+  const auto type = m_d->types.find(typeId);
+  return type == m_d->types.end() ? std::vector<IDataPtr>() : type->second.store.records();
+}
+
+IDataPtr CAccountData::getData(int typeId, const std::string& key) const {
+  const utils::CReadLock lock(m_d->mutex);
+  const auto type = m_d->types.find(typeId);
+  if (type == m_d->types.end()) return nullptr;
+  const CTypeStore& store = type->second.store;
+  const std::size_t place = store.find(key);
+  return place == CTypeStore::NONE ? nullptr : store.at(place);
+}
+
+IDataPtr CAccountData::updateData(const IDataPtr& record, bool keepNewer) {
+  return m_d->store(&record, 1, keepNewer).front();
+}
+
+std::vector<IDataPtr> CAccountData::updateDatas(const std::vector<IDataPtr>& records) {
+  return m_d->store(records.data(), records.size(), false);
+}
+
+void CAccountData::updateCompacts(int typeId, const std::vector<IDataPtr>& records) {
+  m_d->replaceAll(typeId, records);
+}
+
+void CAccountData::removeMetaData(int typeId) {
+  CTypeStore removed;  // freed after the lock is given up
+  const utils::CWriteLock lock(m_d->mutex);
+  const auto type = m_d->types.find(typeId);
+  if (type == m_d->types.end()) return;
+  std::swap(removed, type->second.store);
+  ++type->second.generation;
+}
+
+IDataPtr CAccountData::modifyData(int typeId, const std::string& key, const std::function<void(IData&)>& edit) {
+  IDataPtr replaced;
+  IDataPtr held;
+  const Private::CListeners* listeners = nullptr;
+  {
+    const utils::CWriteLock lock(m_d->mutex);
+    const auto type = m_d->types.find(typeId);
+    if (type == m_d->types.end()) return nullptr;
+    Private::CTypeEntry& entry = type->second;
+    const std::size_t place = entry.store.find(key);
+    if (place == CTypeStore::NONE) return nullptr;
+    held = entry.store.at(place);
+    const IDataPtr edited = held->copy();
+    edit(*edited);
+    assert(edited->getKey() == key && "an edit may not change what makes up the key");
+    if (sameFields(*edited, *held)) return held;
+    held = m_d->publish(edited);
+    replaced = entry.store.replace(place, held);
+    ++entry.generation;
+    listeners = &entry.listeners;
+  }
+  listeners->call(key, held);
+  return held;
+}
+
+utils::CSubscriptionPtr CAccountData::subscribe(int typeId, const std::string& key, CDataCallback callback) {
+  const utils::CWriteLock lock(m_d->mutex);
+  auto& listeners = m_d->types[typeId].listeners;
+  if (key.empty())
+    return listeners.add([f = std::move(callback)](const std::string&, const IDataPtr& record) { f(record); });
+  return listeners.add([f = std::move(callback), key](const std::string& changed, const IDataPtr& record) {
+    if (changed == key) f(record);
+  });
+}
+
+}  // namespace rdservice

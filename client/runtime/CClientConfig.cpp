@@ -1,0 +1,73 @@
+#include "runtime/CClientConfig.h"
+
+#include "luawrapper/LuaModuleCtrl.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace runtime {
+
+namespace {
+
+struct CRight {
+  int level;
+  const char* group;
+  const char* key;
+};
+
+constexpr CRight RIGHTS[] = {
+    {luawrapper::LuaModuleCtrl::Order, "mdl_order", "mdl_order_credit_compact_change_detail"},
+    {luawrapper::LuaModuleCtrl::Order, "mdl_order", "mdl_order_compact_renewal_apply"},
+    {luawrapper::LuaModuleCtrl::Order, "mdl_order", "mdl_order_credit_priority"},
+    {luawrapper::LuaModuleCtrl::Auth, "mdl_auth", "mdl_auth_credit_compact_order_disable_select"},
+    {luawrapper::LuaModuleCtrl::Auth, "mdl_auth", "mdl_auth_credit_interest_fee_no_fare"},
+};
+
+void readGroup(const utils::CConfigFile& file, int level, const char* group,
+               std::map<int, std::set<std::string>>& rights) {
+  for (const std::string& key : file.getTexts(group)) {
+    const bool known = std::any_of(std::begin(RIGHTS), std::end(RIGHTS),
+                                   [&](const CRight& right) { return right.level == level && key == right.key; });
+    if (known) {
+      rights[level].insert(key);
+      continue;
+    }
+    std::string allowed;
+    for (const CRight& right : RIGHTS)
+      if (right.level == level) allowed += (allowed.empty() ? "" : ", ") + std::string(right.key);
+    file.addError(group, "unknown module \"" + key + "\"; allowed are " + allowed);
+  }
+}
+
+std::map<int, std::set<std::string>> readRights(const std::string& path, std::vector<utils::CConfigError>& errors) {
+  std::map<int, std::set<std::string>> rights;
+  const utils::CConfigFile file(path, errors);
+  readGroup(file, luawrapper::LuaModuleCtrl::Order, "mdl_order", rights);
+  readGroup(file, luawrapper::LuaModuleCtrl::Auth, "mdl_auth", rights);
+  file.reportUnknownKeys();
+  return rights;
+}
+
+CCounterSettings readCounterSettings(const std::string& path, std::vector<utils::CConfigError>& errors) {
+  CCounterSettings settings;
+  const utils::CConfigFile file(path, errors);
+  settings.latencyMs = file.getInt("latency_ms", 0, 60000, settings.latencyMs);
+  settings.failEvery = file.getInt("fail_every", 0, 1000000, settings.failEvery);
+  settings.silentEvery = file.getInt("silent_every", 0, 1000000, settings.silentEvery);
+  settings.requestTimeoutMs = file.getInt("request_timeout_ms", 100, 600000, settings.requestTimeoutMs);
+  file.reportUnknownKeys();
+  return settings;
+}
+
+}  // namespace
+
+CClientConfig readClientConfig(const std::string& folder, std::vector<utils::CConfigError>& errors) {
+  CClientConfig config;
+  config.broker = rdservice::readBrokerConfig(folder + "/broker.toml", errors);
+  config.user = VN::readUserSettings(folder + "/user.toml", errors);
+  config.counter = readCounterSettings(folder + "/counter.toml", errors);
+  config.rights = readRights(folder + "/rights.toml", errors);
+  return config;
+}
+
+}  // namespace runtime

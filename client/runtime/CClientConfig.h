@@ -1,0 +1,34 @@
+#pragma once
+
+#include "rdservice/broker_config.h"
+#include "utils/CConfigFile.h"
+#include "vn/user_settings.h"
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace runtime {
+
+/// Contents of counter.toml: how the embedded counter behaves, and how long the client waits for it.
+struct CCounterSettings {
+  int latencyMs = 0;             ///< every reply comes that much later
+  int failEvery = 0;             ///< every n-th request fails; 0 never
+  int silentEvery = 0;           ///< every n-th request is not answered; 0 never
+  int requestTimeoutMs = 15000;  ///< the client gives a request up after that
+};
+
+/// Everything that the configuration folder says.
+struct CClientConfig {
+  rdservice::CBrokerConfig broker;  ///< broker.toml
+  VN::CUserSettings user;           ///< user.toml
+  CCounterSettings counter;         ///< counter.toml
+  /// rights.toml: enabled module keys by group, see luawrapper::LuaModuleCtrl::ELevel.
+  std::map<int, std::set<std::string>> rights;
+};
+
+/// Reads the folder's files; every wrong value is added to `errors` with file, line and key, and keeps its default.
+CClientConfig readClientConfig(const std::string& folder, std::vector<utils::CConfigError>& errors);
+
+}  // namespace runtime

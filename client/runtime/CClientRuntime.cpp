@@ -1,0 +1,100 @@
+#include "runtime/CClientRuntime.h"
+
+#include "counter/CBookLoader.h"
+#include "counter/CSqlCounter.h"
+#include "luawrapper/lua_factory.h"
+#include "net/engine_factory.h"
+#include "rdservice/data_centre_factory.h"
+#include "rdservice/meta_types.h"
+#include "runtime/CClientConfig.h"
+#include "utils/log_factory.h"
+#include "vn/trade_client_factory.h"
+
+#include <QDate>
+
+#include <algorithm>
+#include <chrono>
+#include <random>
+#include <thread>
+
+namespace runtime {
+
+namespace {
+
+unsigned workerThreads() { return std::clamp(std::thread::hardware_concurrency(), 2U, 8U); }
+
+}  // namespace
+
+/// Members stand in the order in which they are made; they are destroyed in the opposite one.
+struct CClientRuntime::Private {
+  std::unique_ptr<utils::CLogCenter> log;
+  std::unique_ptr<luawrapper::LuaModuleCtrl> rights;
+  std::unique_ptr<rdservice::ConfigCollector> broker;
+  std::unique_ptr<VN::CUserConfig> user;
+  std::unique_ptr<VN::CConfig> config;
+  std::unique_ptr<net::RPCEngine> engine;
+  std::unique_ptr<rdservice::TraderCenter> trader;
+  std::unique_ptr<counter::ICounter> theCounter;
+  counter::CSqlCounter* sqlCounter = nullptr;  ///< `theCounter`, when it is the embedded one
+  std::unique_ptr<VN::CTradeClient> client;
+};
+
+CClientRuntime::CClientRuntime(const CClientConfig& config, std::unique_ptr<counter::ICounter> theCounter,
+                               const std::string& logFile)
+    : m_d(std::make_unique<Private>()) {
+  rdservice::registerMetaTypes();
+  utils::CLogOptions log;
+  log.filePath = logFile;
+  m_d->log = utils::makeLogCenter(log);
+  m_d->rights = luawrapper::makeLuaModuleCtrl(config.rights);
+  m_d->broker = rdservice::makeConfigCollector(config.broker);
+  m_d->user = VN::makeUserConfig(config.user);
+  m_d->config = VN::makeConfig(config.user);
+  m_d->engine = net::makeRPCEngine(workerThreads());
+  m_d->trader = rdservice::makeTraderCenter();
+  m_d->sqlCounter = dynamic_cast<counter::CSqlCounter*>(theCounter.get());
+  m_d->theCounter = std::move(theCounter);
+  m_d->client = VN::makeTradeClient(*m_d->theCounter, std::chrono::milliseconds(config.counter.requestTimeoutMs));
+}
+
+CClientRuntime::~CClientRuntime() { stop(); }
+
+std::unique_ptr<CClientRuntime> CClientRuntime::open(const CPaths& paths, std::vector<std::string>& errors) {
+  std::vector<utils::CConfigError> found;
+  const CClientConfig config = readClientConfig(paths.configFolder, found);
+  for (const utils::CConfigError& error : found) errors.push_back(error.text());
+  if (!found.empty()) return nullptr;
+  counter::CSqlCounterOptions options;
+  options.databasePath = paths.database;
+  options.latency = std::chrono::milliseconds(config.counter.latencyMs);
+  options.failEvery = config.counter.failEvery;
+  options.silentEvery = config.counter.silentEvery;
+  return std::make_unique<CClientRuntime>(config, std::make_unique<counter::CSqlCounter>(options), paths.logFile);
+}
+
+void CClientRuntime::start() { VN::startTradeClient(*m_d->client); }
+
+void CClientRuntime::stop() {
+  VN::stopTradeClient(*m_d->client);
+  net::stopEngine(*m_d->engine);
+}
+
+CClientRuntime::CLoadedBook CClientRuntime::loadBook(const std::string& folder, const std::string& database) {
+  CLoadedBook result;
+  const counter::CBookResult book = counter::CBookLoader(folder, QDate::currentDate()).load(database);
+  result.loaded = book.isLoaded();
+  result.errorText = book.errorText();
+  for (const counter::CBookCount& count : book.counts)
+    result.summary += (result.summary.empty() ? "" : ", ") + count.kind + " " + std::to_string(count.records);
+  return result;
+}
+
+void CClientRuntime::setCounterLatency(int milliseconds) {
+  if (m_d->sqlCounter != nullptr) m_d->sqlCounter->setLatency(std::chrono::milliseconds(milliseconds));
+}
+
+void CClientRuntime::changeSomeCompacts(const std::string& accountKey, int count) {
+  if (m_d->sqlCounter != nullptr) m_d->sqlCounter->changeRandomCompacts(accountKey, count, std::random_device()());
+}
+
+}  // namespace runtime

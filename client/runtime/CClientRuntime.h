@@ -1,0 +1,64 @@
+#pragma once
+
+#include "host_api.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace counter {
+class ICounter;
+}
+
+namespace runtime {
+
+struct CClientConfig;
+
+/// A running client: owns every service, each `instance()` answers from it. One at a time in a process. GUI thread.
+///
+/// Panels and tables are destroyed before it.
+class HOST_API CClientRuntime {
+ public:
+  /// Where the client finds and puts its files; paths are UTF-8.
+  struct CPaths {
+    std::string configFolder;  ///< broker.toml, counter.toml, rights.toml, user.toml
+    std::string database;      ///< the embedded counter's database file; made when absent
+    std::string logFile;       ///< empty: no file
+  };
+
+  /// A client on the embedded counter. Null when a configuration file is wrong; `errors` then says where and what.
+  static std::unique_ptr<CClientRuntime> open(const CPaths& paths, std::vector<std::string>& errors);
+
+  /// A client on any counter.
+  CClientRuntime(const CClientConfig& config, std::unique_ptr<counter::ICounter> counter, const std::string& logFile);
+
+  /// Stops.
+  ~CClientRuntime();
+  CClientRuntime(const CClientRuntime&) = delete;
+  CClientRuntime& operator=(const CClientRuntime&) = delete;
+
+  /// Connects to the counter: accounts and instruments arrive, then the log-ins.
+  void start();
+  /// Ends counter, requests, strands, in this order. Idempotent.
+  void stop();
+
+  /// What a book holds, after it has replaced the database's contents; or every error, and the database as it was.
+  struct CLoadedBook {
+    bool loaded = false;
+    std::string summary;    ///< "accounts 7, instruments 120, ..."
+    std::string errorText;  ///< one line each, file:line:column: what is wrong and what was expected
+  };
+  /// Loads a folder of CSV files into a counter database. Any thread; takes seconds for a large book.
+  static CLoadedBook loadBook(const std::string& folder, const std::string& database);
+
+  /// Embedded counter only: replies come that much later from now on. Milliseconds.
+  void setCounterLatency(int milliseconds);
+  /// Embedded counter only: changes some of the account's compacts at the counter, which pushes them.
+  void changeSomeCompacts(const std::string& accountKey, int count);
+
+ private:
+  struct Private;
+  std::unique_ptr<Private> m_d;
+};
+
+}  // namespace runtime

@@ -1,0 +1,8 @@
+#include "utils/CSubscription.h"
+
+namespace utils {
+
+CSubscription::CSubscription() = default;
+CSubscription::~CSubscription() = default;
+
+}  // namespace utils

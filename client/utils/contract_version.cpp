@@ -1,0 +1,3 @@
+#include "host_api.h"
+
+int host::contractVersion() { return CONTRACT_VERSION; }

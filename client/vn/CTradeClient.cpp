@@ -1,0 +1,228 @@
+#include "vn/CTradeClient.h"
+
+#include "vn/CRequestBook.h"
+#include "rdservice/CStructDes.h"
+#include "rdservice/TraderCenter.h"
+#include "rdservice/service_requests.h"
+#include "vn/trade_client_factory.h"
+#include "utils/CCallbackList.h"
+#include "utils/CInstance.h"
+#include "utils/CLogCenter.h"
+#include "vn/CUserConfig.h"
+
+#include <boost/make_shared.hpp>
+
+#include <map>
+
+namespace VN {
+
+using rdservice::IDataPtr;
+
+namespace {
+
+constexpr const char* FILE_NAME = "CTradeClient.cpp";
+
+constexpr utils::CLogSite START_SITE{FILE_NAME, "void VN::startTradeClient(CTradeClient&)"};
+
+rdservice::CDataCenter* dataCentre() {
+  rdservice::TraderCenter* centre = rdservice::TraderCenter::instance();
+  return centre != nullptr ? centre->getDataCenter() : nullptr;
+}
+
+/// The account of a pushed record: the value of its type's account field.
+rdservice::CAccountInfoPtr accountOf(const rdservice::IData& record) {
+  for (const rdservice::CFieldDes& field : record.getStructDes())
+    if (field.type == rdservice::EFieldType::Account) return field.get<rdservice::CAccountInfoPtr>(record);
+  return nullptr;
+}
+
+bool isCompactType(int dataType) {
+  return dataType == rdservice::RecordStkUnClosedCompacts || dataType == rdservice::RecordStkClosedCompacts;
+}
+
+}  // namespace
+
+struct CTradeClient::Private : counter::ICounterSink {
+  Private(counter::ICounter& c, std::chrono::milliseconds timeout) : theCounter(c), requests(c, timeout) {}
+  static Private& of(CTradeClient& client) { return *client.m_d; }
+
+  void start();
+  void stop();
+
+  void onPush(const std::vector<IDataPtr>& records) override;
+  void onLoginStatus(const std::string& accountKey, rdservice::EBROKER_LOGIN_STATUS status,
+                     const std::string& text) override;
+  void queryAccounts();
+  void takeAccounts(const std::vector<IDataPtr>& records);
+  void queryCompacts(int dataType, const rdservice::CQueryCompactReqV2Ptr& request, CCompactReply reply);
+  void takeData(const std::string& accountKey, int dataType, const utils::RDError& error,
+                const std::vector<IDataPtr>& records);
+
+  counter::ICounter& theCounter;
+  CRequestBook requests;
+  utils::CCallbackList<bool, const std::string&, int> compactChange;
+  CTradeClient* q = nullptr;
+
+  mutable utils::CMutex mutex;
+  std::map<std::string, rdservice::EBROKER_LOGIN_STATUS> loginStatus TS_GUARDED_BY(mutex);
+  std::map<std::string, rdservice::CAccountInfoPtr> accounts TS_GUARDED_BY(mutex);
+
+  std::unique_ptr<utils::CInstance<CTradeClient>> registration;
+};
+
+CTradeClient* CTradeClient::instance() { return utils::CInstance<CTradeClient>::get(); }
+
+CTradeClient::CTradeClient(std::unique_ptr<Private> d) : m_d(std::move(d)) {
+  m_d->q = this;
+  m_d->registration = std::make_unique<utils::CInstance<CTradeClient>>(this);
+}
+
+CTradeClient::~CTradeClient() { m_d->stop(); }
+
+rdservice::EBROKER_LOGIN_STATUS CTradeClient::getLoginStatus(const std::string& accountKey) const {
+  const utils::CMutexLock lock(m_d->mutex);
+  const auto found = m_d->loginStatus.find(accountKey);
+  return found != m_d->loginStatus.end() ? found->second : rdservice::LoginStatusNone;
+}
+
+void CTradeClient::queryUnclosedCompacts(const rdservice::CQueryCompactReqV2Ptr& request, CCompactReply reply) {
+  m_d->queryCompacts(rdservice::RecordStkUnClosedCompacts, request, std::move(reply));
+}
+
+void CTradeClient::queryClosedCompacts(const rdservice::CQueryCompactReqV2Ptr& request, CCompactReply reply) {
+  m_d->queryCompacts(rdservice::RecordStkClosedCompacts, request, std::move(reply));
+}
+
+void CTradeClient::Private::queryCompacts(int dataType, const rdservice::CQueryCompactReqV2Ptr& request,
+                                          CCompactReply reply) {
+  const auto sent = boost::make_shared<rdservice::CQueryCompactReqV2>(*request);
+  sent->dataType = dataType;
+  requests.send(sent, [reply = std::move(reply)](const utils::RDError& error, const std::vector<IDataPtr>& records,
+                                                 const bson::BSONObj& extra) { reply(error, records, 0, extra); });
+}
+
+void CTradeClient::queryData(const rdservice::CQueryDataReqPtr& request, CDataReply reply, int, int) {
+  const auto sent = boost::make_shared<rdservice::CQueryDataReq>(*request);
+  const std::string accountKey = sent->accountInfo ? sent->accountInfo->getKey() : std::string();
+  m_d->requests.send(sent, [this, accountKey, dataType = sent->dataType, reply = std::move(reply)](
+                               const utils::RDError& error, const std::vector<IDataPtr>& records,
+                               const bson::BSONObj& extra) {
+    if (isCompactType(dataType)) m_d->takeData(accountKey, dataType, error, records);
+    if (reply) reply(error, records, extra);
+  });
+}
+
+void CTradeClient::Private::takeData(const std::string& accountKey, int dataType, const utils::RDError& error,
+                                     const std::vector<IDataPtr>& records) {
+  if (error.isSuccess()) {
+    rdservice::CDataCenter* centre = dataCentre();
+    if (const auto account = centre != nullptr ? centre->getAccountData(accountKey) : nullptr)
+      account->updateCompacts(dataType, records);
+  } else {
+    constexpr utils::CLogSite SITE{FILE_NAME, "void VN::CTradeClient::queryData(const rdservice::CQueryDataReqPtr&, "
+                                              "CDataReply, int, int)"};
+    utils::logInfo(SITE, "[query data] fail : acc = {0}, data type = {1}, errmsg = {2}", accountKey, dataType,
+                   error.errorMsg());
+  }
+  compactChange.call(error.isSuccess(), accountKey, dataType);
+}
+
+utils::CSubscriptionPtr CTradeClient::subscribeCompactChange(CCompactChange callback) {
+  return m_d->compactChange.add(std::move(callback));
+}
+
+void CTradeClient::setLogin(const std::string& accountKey, bool login) {
+  const auto request = boost::make_shared<rdservice::CLoginReq>();
+  request->accountKey = accountKey;
+  request->login = login ? 1 : 0;
+  if (login) m_d->onLoginStatus(accountKey, rdservice::LoginStatusLoggingIn, std::string());
+  m_d->requests.send(request, [this, accountKey, login](const utils::RDError& error, const std::vector<IDataPtr>&,
+                                                        const bson::BSONObj&) {
+    // Success is told by the counter itself, through the sink.
+    if (!error.isSuccess() && login)
+      m_d->onLoginStatus(accountKey, rdservice::LoginStatusFailed, error.errorMsg());
+  });
+}
+
+void CTradeClient::Private::onPush(const std::vector<IDataPtr>& records) {
+  rdservice::CDataCenter* centre = dataCentre();
+  if (centre == nullptr) return;
+  std::map<std::string, std::vector<IDataPtr>> byAccount;
+  for (const IDataPtr& record : records) {
+    const rdservice::CAccountInfoPtr account = record ? accountOf(*record) : nullptr;
+    if (account) byAccount[account->getKey()].push_back(record);
+  }
+  for (const auto& [key, changed] : byAccount)
+    if (const auto account = centre->getAccountData(key)) account->updateDatas(changed);
+}
+
+void CTradeClient::Private::onLoginStatus(const std::string& accountKey, rdservice::EBROKER_LOGIN_STATUS status,
+                                          const std::string& text) {
+  rdservice::CAccountInfoPtr account;
+  {
+    const utils::CMutexLock lock(mutex);
+    const auto found = accounts.find(accountKey);
+    if (found == accounts.end()) return;
+    account = found->second;
+    loginStatus[accountKey] = status;
+  }
+  Q_EMIT q->sigLoginStatus(account, status, text);
+}
+
+void CTradeClient::Private::takeAccounts(const std::vector<IDataPtr>& records) {
+  QList<CAccountPtr> listed;
+  std::vector<rdservice::CAccountInfoPtr> infos;
+  for (const IDataPtr& record : records) {
+    const auto info = boost::dynamic_pointer_cast<rdservice::CAccountInfo>(record);
+    if (!info) continue;
+    infos.push_back(info);
+    listed.push_back(boost::make_shared<CAccount>(*info));
+  }
+  if (rdservice::CDataCenter* centre = dataCentre()) centre->setAccounts(infos);
+  if (CUserConfig* user = getUserConfig()) user->setAccountDatas(listed);
+  {
+    const utils::CMutexLock lock(mutex);
+    for (const auto& info : infos) {
+      accounts[info->getKey()] = info;
+      loginStatus.emplace(info->getKey(), rdservice::LoginStatusLoggedOut);
+    }
+  }
+  Q_EMIT q->sigAccountsChanged();
+  for (const auto& info : infos)
+    if (info->autoLogin != 0) q->setLogin(info->getKey(), true);
+}
+
+void CTradeClient::Private::start() {
+  theCounter.start(*this);
+  // Instruments first, so that names are known by the time an account can be queried.
+  requests.send(boost::make_shared<rdservice::CQueryInstrumentsReq>(),
+                [this](const utils::RDError& error, const std::vector<IDataPtr>& instruments, const bson::BSONObj&) {
+                  rdservice::CDataCenter* centre = dataCentre();
+                  if (error.isSuccess() && centre != nullptr) centre->setInstruments(instruments);
+                  if (!error.isSuccess())
+                    utils::logError(START_SITE, "[start] instruments : errmsg = {0}", error.errorMsg());
+                  queryAccounts();
+                });
+}
+
+void CTradeClient::Private::queryAccounts() {
+  requests.send(boost::make_shared<rdservice::CQueryAccountsReq>(),
+                [this](const utils::RDError& error, const std::vector<IDataPtr>& records, const bson::BSONObj&) {
+                  if (error.isSuccess()) takeAccounts(records);
+                  else utils::logError(START_SITE, "[start] accounts : errmsg = {0}", error.errorMsg());
+                });
+}
+
+void CTradeClient::Private::stop() {
+  theCounter.stop();
+  requests.close();
+}
+
+void startTradeClient(CTradeClient& client) { CTradeClient::Private::of(client).start(); }
+void stopTradeClient(CTradeClient& client) { CTradeClient::Private::of(client).stop(); }
+
+std::unique_ptr<CTradeClient> makeTradeClient(counter::ICounter& counter, std::chrono::milliseconds timeout) {
+  return std::make_unique<CTradeClient>(std::make_unique<CTradeClient::Private>(counter, timeout));
+}
+
+}  // namespace VN

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "utils/CConfigFile.h"
+#include "vn/CUserConfig.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace VN {
+
+/// Contents of user.toml.
+struct CUserSettings {
+  int variantCode = 0;
+  int counterType = 0;
+  int queryCompactInterval = 3;  ///< seconds
+};
+
+/// Reads user.toml; errors are added to `errors`, with file and line.
+CUserSettings readUserSettings(const std::string& path, std::vector<utils::CConfigError>& errors);
+
+std::unique_ptr<CUserConfig> makeUserConfig(const CUserSettings& settings);
+std::unique_ptr<CConfig> makeConfig(const CUserSettings& settings);
+
+}  // namespace VN

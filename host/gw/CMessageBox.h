@@ -1,0 +1,23 @@
+#pragma once
+
+#include "host_api.h"
+
+#include <QMessageBox>
+#include <QString>
+
+class QWidget;
+
+namespace GW {
+
+/// Modal prompts in the client's look. GUI thread; each returns the button that closed the box.
+class HOST_API CMessageBox {
+ public:
+  static int information(QWidget* parent, const QString& title, const QString& text,
+                         QMessageBox::StandardButtons buttons = QMessageBox::Ok);
+  static int warning(QWidget* parent, const QString& title, const QString& text,
+                     QMessageBox::StandardButtons buttons = QMessageBox::Ok);
+  static int question(QWidget* parent, const QString& title, const QString& text,
+                      QMessageBox::StandardButtons buttons = QMessageBox::Yes | QMessageBox::No);
+};
+
+}  // namespace GW

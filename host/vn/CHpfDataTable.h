@@ -1,0 +1,39 @@
+#pragma once
+
+#include "gw/CBaseHighPerformanceTable.h"
+#include "host_api.h"
+
+namespace VN {
+
+/// A column that a table adds to those of its record type.
+struct CHpfDataColumnProperty {
+  QString title;
+  int kind = 0;         ///< 0 control, 2 number editor, 4 integer, 10 text
+  int alignment = 132;  ///< Qt::Alignment; 132 is centred both ways
+  int setting1 = 0;     ///< for the client
+  int setting2 = 0;     ///< for the client
+};
+
+/// A table of the records of one type, with the columns of the type's field table. GUI thread unless the base says
+/// otherwise.
+class HOST_API CHpfDataTable : public GW::CStandardHpfTable {
+ public:
+  /// `recordType` is the type id of the rows; `menuFlags` selects entries of the context menu, 255 for all.
+  CHpfDataTable(int tableId, int recordType, QWidget* parent, int menuFlags);
+  ~CHpfDataTable() override;
+
+  int recordType() const;
+  /// Trader type by which enumeration names are looked up. Before any column is added.
+  void setTradeType(int tradeType);
+  int tradeType() const;
+
+  /// Adds a column and returns its id. `statistics`: take part in the statistics row; `movable`: the user may move it;
+  /// `group`: heading it belongs to, empty for none.
+  int addColumn(const CHpfDataColumnProperty& property, bool statistics, bool movable, const QString& group);
+
+ private:
+  struct Private;
+  std::unique_ptr<Private> m_d;
+};
+
+}  // namespace VN

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "bson/BSONObj.h"
+#include "host_api.h"
+#include "rdservice/CAccountInfo.h"
+#include "rdservice/CQueryCompactReqV2.h"
+#include "rdservice/CQueryDataReq.h"
+#include "rdservice/rdservice_enums.h"
+#include "utils/CSubscription.h"
+#include "utils/RDError.h"
+
+#include <QObject>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace VN {
+
+/// The client's connection to its counter. Requests may be made from any thread.
+///
+/// Every request is answered exactly once: by the counter's first reply, by a time-out error when the counter is
+/// silent (`RDError::TimedOut`), or by `RDError::Stopped` when the client ends. Replies are called on a service
+/// thread, never from inside the request.
+class HOST_API CTradeClient : public QObject {
+  Q_OBJECT
+ public:
+  struct Private;
+
+  /// Records, a number that this client always gives as 0, and extra data of the reply.
+  using CCompactReply = std::function<void(const utils::RDError& error, const std::vector<rdservice::IDataPtr>& records,
+                                           int reserved, const bson::BSONObj& extra)>;
+  using CDataReply = std::function<void(const utils::RDError& error, const std::vector<rdservice::IDataPtr>& records,
+                                        const bson::BSONObj& extra)>;
+  /// The compacts of `accountKey` of type `dataType` changed in the data centre. `replaced`: its whole set was
+  /// replaced; false: a query for it failed and the set is as it was.
+  using CCompactChange = std::function<void(bool replaced, const std::string& accountKey, int dataType)>;
+
+  /// The running client's; null when no client runs.
+  static CTradeClient* instance();
+
+  explicit CTradeClient(std::unique_ptr<Private> d);
+  ~CTradeClient() override;
+
+  /// `LoginStatusNone` for an unknown account key.
+  rdservice::EBROKER_LOGIN_STATUS getLoginStatus(const std::string& accountKey) const;
+
+  /// The request is copied. The records are the counter's, not yet stored in the data centre.
+  void queryUnclosedCompacts(const rdservice::CQueryCompactReqV2Ptr& request, CCompactReply reply);
+  void queryClosedCompacts(const rdservice::CQueryCompactReqV2Ptr& request, CCompactReply reply);
+
+  /// The generic query: every record of the request's type that the account has. Compacts are stored in the account's
+  /// data centre as its new set and announced to `subscribeCompactChange`, failures too. `reply` may be null; it comes
+  /// after the announcement. The last two arguments are for the client, 0 by default.
+  void queryData(const rdservice::CQueryDataReqPtr& request, CDataReply reply, int reserved1 = 0, int reserved2 = 0);
+
+  /// Called on a service thread.
+  [[nodiscard]] utils::CSubscriptionPtr subscribeCompactChange(CCompactChange callback);
+
+  /// Logs an account in or out; the outcome comes through `sigLoginStatus`.
+  void setLogin(const std::string& accountKey, bool login);
+
+ Q_SIGNALS:
+  /// The log-in status of an account changed; `message` tells why and may be empty. Emitted on a service thread.
+  void sigLoginStatus(const rdservice::CAccountInfoPtr& account, rdservice::EBROKER_LOGIN_STATUS status,
+                      std::string message);
+  /// The user's accounts became known or changed. Emitted on a service thread.
+  void sigAccountsChanged();
+
+ private:
+  std::unique_ptr<Private> m_d;
+};
+
+}  // namespace VN

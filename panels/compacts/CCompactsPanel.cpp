@@ -1,0 +1,146 @@
+// The panel's frame: construction, layout, parameter string, events.
+
+#include "compacts/CCompactsPanel.h"
+
+#include "compacts/panel_ids.h"
+#include "compacts/tables/CCompactsTable.h"
+#include "compacts/tables/compact_fields.h"
+#include "gw/containers.h"
+#include "gw/controls.h"
+#include "gw/widget_events.h"
+#include "host_api.h"
+#include "utils/CLogCenter.h"
+#include "utils/threads.h"
+#include "vn/CCountDownButton.h"
+#include "vn/CTradeClient.h"
+
+#include <QStringList>
+#include <QTimer>
+
+namespace VN {
+
+namespace {
+
+constexpr int REFRESH_PERIOD_MS = 100;
+constexpr QChar PARAM_SEPARATOR = u'|';
+
+struct CViewButton {
+  int id;
+  const char* text;
+};
+
+constexpr CViewButton VIEW_BUTTONS[] = {{ViewUnclosed, "未了结合约"}};
+
+QString typeKeyText() { return QStringLiteral("cpt"); }
+QString refreshText() { return QStringLiteral("刷新"); }
+
+}  // namespace
+
+CCompactsPanel::CCompactsPanel(int panelId, QWidget* parent, int mode)
+    : ITradeDockableWidget(typeKeyText(), panelId, getDockWidgetInfo(typeKeyText()), parent), m_mode(mode) {
+  if (host::contractVersion() != host::CONTRACT_VERSION) {
+    constexpr utils::CLogSite SITE{"CCompactsPanel.cpp", "VN::CCompactsPanel::CCompactsPanel(int, QWidget*, int)"};
+    utils::logError(SITE, "[CCompactsPanel] contract version {0} of the client, {1} of the panel", host::contractVersion(),
+                    host::CONTRACT_VERSION);
+    return;
+  }
+  rdservice::registerMetaTypes();
+  createUi();
+  m_uiReady = true;
+  connect(CTradeClient::instance(), &CTradeClient::sigLoginStatus, this, &CCompactsPanel::slotLoginStatus);
+  m_refreshTimer = new QTimer(this);
+  connect(m_refreshTimer, &QTimer::timeout, this, &CCompactsPanel::slotTimeout);
+  m_refreshTimer->start(REFRESH_PERIOD_MS);
+}
+
+CCompactsPanel::~CCompactsPanel() {
+  QObject::disconnect(this, nullptr, nullptr, nullptr);
+  m_unclosedSubscriptions.clear();
+}
+
+void CCompactsPanel::createUi() {
+  if (m_mode != 0) return;
+
+  auto* list = new GW::CWidgetList(Qt::Vertical, this);
+  list->setMargins(0, 0, 0, 0);
+  list->setSpacing(0);
+  m_toolbar = new GW::CAutoExpandToolBar(list);
+  m_toolbar->setBackgroundImage(QStringLiteral("vn_img_op_hedge_type_bg"));
+  m_radioGroup = new GW::CRadioButtonGroup(m_toolbar);
+  m_refreshButton = new CCountDownButton(IdRefreshButton, refreshText(), m_toolbar);
+  m_refreshButton->setFont(GW::CUiResource::getFont(QStringLiteral("fnt_default_normal_fix")));
+  m_toolbar->addWidget(m_refreshButton);
+  m_toolbar->addSeparator();
+  m_accountCombo = new GW::CComboBox(IdAccountCombo, m_toolbar);
+  m_accountCombo->setAccessibleName(QStringLiteral("资金账号"));
+  m_toolbar->addWidget(m_accountCombo);
+  m_toolbar->addSeparator();
+  initAccountCombobox();
+
+  for (const CViewButton& view : VIEW_BUTTONS) m_radioGroup->addButton(view.id, QString::fromUtf8(view.text));
+  m_toolbar->addWidget(m_radioGroup);
+  list->addFixedWidget(m_toolbar);
+
+  const std::string account = m_accountCombo->currentKey().toStdString();
+  m_unclosedTable = new CCompactsTable(TableUnclosedCompacts, rdservice::RecordStkUnClosedCompacts, list);
+  m_unclosedTable->setTradeType(rdservice::TraderTypeStockCredit);
+  m_unclosedTable->setAccount(account, false, false);
+  connect(m_unclosedTable, &CCompactsTable::sigQueryData, this, &CCompactsPanel::slotQueryData);
+  list->addStretchWidget(m_unclosedTable);
+
+  setInnerWidget(list);
+  m_radioGroup->setChecked(ViewUnclosed);
+  handleButtonClicked(ViewUnclosed);
+}
+
+QString CCompactsPanel::param() const {
+  QStringList fields;
+  if (m_unclosedTable != nullptr) fields << m_unclosedTable->saveConfigStr();
+  fields << QString() << QString();
+  if (m_radioGroup != nullptr) fields << QString::number(m_radioGroup->checkedId());
+  return fields.join(PARAM_SEPARATOR);
+}
+
+void CCompactsPanel::setParam(const QString& param) {
+  const QStringList fields = param.split(PARAM_SEPARATOR);
+  if (m_unclosedTable != nullptr && fields.size() > ParamUnclosedTable)
+    m_unclosedTable->loadConfigStr(fields.at(ParamUnclosedTable));
+  if (m_radioGroup != nullptr && fields.size() > ParamView) {
+    bool isNumber = false;
+    const int view = fields.at(ParamView).toInt(&isNumber, 10);
+    if (isNumber && m_radioGroup->button(view) != nullptr) {
+      m_radioGroup->setChecked(view);
+      handleButtonClicked(view);
+    }
+  }
+}
+
+void CCompactsPanel::clear() {
+  utils::assertGui();
+  if (m_unclosedTable != nullptr) m_unclosedTable->clearData(true);
+  constexpr utils::CLogSite SITE{"CCompactsPanel.cpp", "virtual void VN::CCompactsPanel::clear()"};
+  utils::logInfo(SITE, "[CCompactsPanel] clear");
+  m_requestedAccounts.clear();
+}
+
+void CCompactsPanel::adjustTableWidth() {
+  if (m_unclosedTable != nullptr) m_unclosedTable->adjustVisibleRowsColumnWidth();
+}
+
+bool CCompactsPanel::handleEvent(int type, int p1, int p2, QString text, void* data) {
+  utils::assertGui();
+  if (!m_uiReady) return true;
+  switch (type) {
+    case GW::EventButtonClicked:
+    case GW::EventItemClicked:
+      handleButtonClicked(p1);
+      return true;
+    case GW::EventComboChanged:
+      if (p1 == IdAccountCombo) setAccount(m_accountCombo->currentKey().toStdString(), true, true);
+      return true;
+    default:
+      return ITradeDockableWidget::handleEvent(type, p1, p2, text, data);
+  }
+}
+
+}  // namespace VN

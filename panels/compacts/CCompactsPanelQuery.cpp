@@ -1,0 +1,71 @@
+// The panel's query cycle: when tables may query, the manual refresh, the view switch.
+
+#include "compacts/CCompactsPanel.h"
+#include "compacts/panel_ids.h"
+#include "compacts/tables/CCompactsTable.h"
+#include "gw/containers.h"
+#include "gw/controls.h"
+#include "rdservice/ConfigCollector.h"
+#include "utils/CLogCenter.h"
+#include "vn/CCountDownButton.h"
+#include "vn/CUserConfig.h"
+
+namespace VN {
+
+namespace {
+
+constexpr utils::CLogSite BUTTON_SITE{"CCompactsPanel.cpp", "void VN::CCompactsPanel::handleButtonClicked(int)"};
+
+}  // namespace
+
+bool CCompactsPanel::startQuery(bool byRefreshButton) {
+  if (m_refreshButton == nullptr) return false;
+  const rdservice::ConfigCollector& broker = *rdservice::ConfigCollector::instance();
+  // Without paging the sense of the switch is inverted: then compacts by type are queried by the refresh button only.
+  if (!byRefreshButton) return broker.useSplitPageOfStkCompact() == broker.calcCompactType();
+  if (m_accountCombo != nullptr) m_accountCombo->setEnabled(false);
+  if (m_refreshButton->isLocked() || !m_refreshButton->isEnabled()) return false;
+  if (!broker.calcCompactType()) return true;
+  m_refreshButton->setTimeInterval(getConfig()->getQueryCompacInterval());
+  return true;
+}
+
+void CCompactsPanel::handleButtonClicked(int id) {
+  if (id == ViewUnclosed) {
+    switchView(id);
+  } else if (id == IdRefreshButton) {
+    const bool query = startQuery(true);
+    if (query) {
+      m_toolbar->updateItemLength();
+      refreshTablesData(std::string());
+    }
+    if (m_radioGroup == nullptr) return;
+    utils::logInfo(BUTTON_SITE,
+                   query ? "[CCompactsPanel] query, current radioButton: {0}"
+                         : "[CCompactsPanel] not query, current radioButton: {0}",
+                   m_radioGroup->checkedId());
+  }
+}
+
+void CCompactsPanel::switchView(int id) {
+  m_toolbar->updateItemLength();
+  if (m_unclosedTable == nullptr) return;
+  m_unclosedTable->setVisible(id == ViewUnclosed);
+  if (id == ViewUnclosed) m_unclosedTable->refresh(std::string(), true, false);
+}
+
+void CCompactsPanel::refreshTablesData(const std::string& accountKey) {
+  if (m_unclosedTable != nullptr && m_unclosedTable->isVisible()) m_unclosedTable->refresh(accountKey, true, true);
+}
+
+void CCompactsPanel::slotTimeout() {
+  if (m_unclosedTable != nullptr && m_unclosedTable->isVisible()) m_unclosedTable->updateTable();
+}
+
+void CCompactsPanel::slotQueryData() {
+  if (m_refreshButton != nullptr && !rdservice::ConfigCollector::instance()->calcCompactType())
+    m_refreshButton->setEnabled(true);
+  if (m_accountCombo != nullptr) m_accountCombo->setEnabled(true);
+}
+
+}  // namespace VN

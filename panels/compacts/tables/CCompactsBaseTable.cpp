@@ -1,0 +1,68 @@
+#include "compacts/tables/CCompactsBaseTable.h"
+
+#include "rdservice/rdservice_enums.h"
+#include "utils/CLogCenter.h"
+
+#include <exception>
+
+namespace VN {
+
+namespace {
+
+constexpr const char* STRAND_NAME = "hpfmodel";
+constexpr int MENU_FLAGS = 255;
+constexpr utils::CLogSite TASK_SITE{"CCompactsTable.cpp", "void VN::CCompactsBaseTable::runTask(const std::function<void()>&)"};
+
+}  // namespace
+
+CCompactsBaseTable::CCompactsBaseTable(int tableId, int secondId, QWidget* parent)
+    : CHpfDataTable(tableId, secondId, parent, MENU_FLAGS),
+      m_strand(net::RPCEngine::instance()->getStrand(STRAND_NAME)),
+      m_compactType(rdservice::CompactTypeAll),
+      m_lifeline(this) {
+  setScope({std::string(), rdservice::CompactTypeAll, 0});
+}
+
+CCompactsBaseTable::~CCompactsBaseTable() = default;
+
+void CCompactsBaseTable::close() { m_lifeline.close(); }
+
+std::string CCompactsBaseTable::currentAccount() const {
+  const utils::CReadLock lock(m_accountLock);
+  return m_account;
+}
+
+GW::CTableScope CCompactsBaseTable::shownScope() const {
+  const utils::CReadLock lock(m_accountLock);
+  return {m_account, m_compactType, 0};
+}
+
+bool CCompactsBaseTable::storeAccount(const std::string& account) {
+  const utils::CWriteLock lock(m_accountLock);
+  if (account == m_account) return false;
+  m_account = account;
+  setScope({m_account, m_compactType, 0});
+  return true;
+}
+
+bool CCompactsBaseTable::storeCompactType(int compactType) {
+  const utils::CWriteLock lock(m_accountLock);
+  if (compactType == m_compactType) return false;
+  m_compactType = compactType;
+  setScope({m_account, m_compactType, 0});
+  return true;
+}
+
+void CCompactsBaseTable::postTask(std::function<void()> task) { m_strand->post(std::move(task)); }
+
+void CCompactsBaseTable::runTask(const std::function<void()>& task) {
+  m_strand->assertCurrent();
+  try {
+    task();
+  } catch (const std::exception& e) {
+    utils::logError(TASK_SITE, "[compact] strand task failed : acc = {0}, what = {1}", currentAccount(), e.what());
+    emitQueryData();
+  }
+}
+
+}  // namespace VN

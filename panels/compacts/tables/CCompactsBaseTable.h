@@ -1,0 +1,93 @@
+#pragma once
+
+#include "net/RPCEngine.h"
+#include "utils/CLifeline.h"
+#include "utils/CMutex.h"
+#include "vn/CHpfDataTable.h"
+
+#include <functional>
+#include <string>
+
+namespace VN {
+
+/// Common base of the compact tables: the account whose compacts are shown, the rule that drops stale replies, and the
+/// strand on which replies become rows.
+///
+/// Three kinds of threads meet here: the GUI thread (everything not said otherwise), the service threads that call the
+/// reply handlers, and the strand "hpfmodel" that converts and writes rows. The view is refreshed only through the
+/// concrete table's queued signals.
+class CCompactsBaseTable : public CHpfDataTable {
+ public:
+  /// `secondId` is the record type id of the rows.
+  CCompactsBaseTable(int tableId, int secondId, QWidget* parent);
+  ~CCompactsBaseTable() override;
+
+  /// Key of the account shown; empty until one is set. Any thread.
+  std::string currentAccount() const;
+
+  /// The compact type shown (`rdservice::EKVCompactType`); a change empties the table and queries again.
+  virtual void setCompactType(int compactType, int repayType) = 0;
+  /// A record that the counter pushed outside any query. Any thread.
+  virtual void onPushData(rdservice::IDataPtr data) = 0;
+  /// Shows an account. The same one again only notifies, if `notifyIfSame`.
+  virtual void setAccount(const std::string& account, bool query, bool notifyIfSame) = 0;
+  /// Empties rows and delegates, and the record cache too if `dropCache`.
+  virtual void clearData(bool dropCache) = 0;
+  /// Empties and queries; false, and nothing done, when `account` is neither empty nor the one shown. `fullQuery` asks
+  /// a paged table for every page at once.
+  virtual bool refresh(const std::string& account, bool dropCache, bool fullQuery) = 0;
+  /// Empties and rebuilds the table if it shows that account. Any thread.
+  virtual void clearTable(const std::string& account) = 0;
+
+ protected:
+  /// The concrete table's signals, which exist in its meta-object only. Any thread may emit.
+  struct CSignals {
+    std::function<void()> queryData;
+    std::function<void()> updateTable;
+  };
+  void setSignals(CSignals emitters) { m_signals = std::move(emitters); }
+  void emitQueryData() const { m_signals.queryData(); }
+  void emitUpdateTable() const { m_signals.updateTable(); }
+
+  /// First line of the final class's destructor: afterwards no callback and no strand task runs, and none begins.
+  void close();
+  bool isClosing() const { return m_lifeline.isClosing(); }
+
+  /// Stores the account; false when it is the one shown already.
+  bool storeAccount(const std::string& account);
+  /// Stores the compact type; false when it is the one shown already.
+  bool storeCompactType(int compactType);
+  /// Account and compact type shown, read together. Any thread.
+  GW::CTableScope shownScope() const;
+
+  /// Runs `task` on the strand while the table lives. When it throws, that is logged and the query ends with
+  /// `sigQueryData()`, so that the panel's controls come back. Any thread.
+  template <class Table, class F>
+  void postToStrand(F task) {
+    postTask(m_lifeline.guard([task = std::move(task)](CCompactsBaseTable& table) mutable {
+      table.runTask([&] { task(static_cast<Table&>(table)); });
+    }));
+  }
+
+  /// A callable for a service's reply that runs `function(table, ...)` while the table lives.
+  template <class Table, class F>
+  auto guarded(F function) {
+    return m_lifeline.guard([function = std::move(function)](CCompactsBaseTable& table, auto&&... arguments) mutable {
+      function(static_cast<Table&>(table), std::forward<decltype(arguments)>(arguments)...);
+    });
+  }
+
+ private:
+  void postTask(std::function<void()> task);
+  void runTask(const std::function<void()>& task);
+
+  net::CStrandPtr m_strand;
+  /// Taken before the mutex of the rows, never inside it.
+  mutable utils::CSharedMutex m_accountLock;
+  std::string m_account TS_GUARDED_BY(m_accountLock);
+  int m_compactType TS_GUARDED_BY(m_accountLock);
+  CSignals m_signals;
+  utils::CLifeline<CCompactsBaseTable> m_lifeline;
+};
+
+}  // namespace VN

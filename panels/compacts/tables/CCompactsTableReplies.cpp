@@ -1,0 +1,195 @@
+// The service-thread and strand side of CCompactsTable: replies, rebuilds and pushes.
+
+#include "compacts/priority/CBaseTableColumnRepayPriorityTextDelegate.h"
+#include "compacts/tables/CCompactsTable.h"
+#include "compacts/tables/compact_fields.h"
+#include "rdservice/CStkClosedCompacts.h"
+#include "rdservice/ConfigCollector.h"
+#include "rdservice/TraderCenter.h"
+#include "utils/CLogCenter.h"
+
+namespace VN {
+
+using rdservice::IDataPtr;
+
+namespace {
+
+constexpr const char* FILE_NAME = "CCompactsTable.cpp";
+
+rdservice::CAccountDataPtr accountDataOf(const std::string& account) {
+  return rdservice::TraderCenter::instance()->getDataCenter()->getAccountData(account);
+}
+
+/// Compact type of an unclosed or closed compact; -1 for any other record.
+int compactTypeOf(const rdservice::IData& record) {
+  switch (record.getBaseId()) {
+    case rdservice::RecordStkUnClosedCompacts:
+      return static_cast<const rdservice::CStkUnClosedCompacts&>(record).compactType;
+    case rdservice::RecordStkClosedCompacts:
+      return static_cast<const rdservice::CStkClosedCompacts&>(record).compactType;
+    default:
+      return -1;
+  }
+}
+
+rdservice::CAccountInfoPtr accountInfoOf(const rdservice::IData& record) {
+  switch (record.getBaseId()) {
+    case rdservice::RecordStkUnClosedCompacts:
+      return static_cast<const rdservice::CStkUnClosedCompacts&>(record).accountInfo;
+    case rdservice::RecordStkClosedCompacts:
+      return static_cast<const rdservice::CStkClosedCompacts&>(record).accountInfo;
+    default:
+      return nullptr;
+  }
+}
+
+bool isOfType(const rdservice::IData& record, int compactType) {
+  return compactType == rdservice::CompactTypeAll || compactTypeOf(record) == compactType;
+}
+
+}  // namespace
+
+/// Texts and location of the lines that one reply handler writes.
+struct CCompactsTable::CReplyText {
+  utils::CLogSite site;
+  const char* stale;
+  const char* success;
+  const char* failure;
+};
+
+void CCompactsTable::onQueryUnfinishCompact(const std::string& account, const utils::RDError& error,
+                                            const std::vector<IDataPtr>& compacts, int, const bson::BSONObj&,
+                                            rdservice::EKVCompactType type) {
+  static constexpr CReplyText TEXT{
+      {FILE_NAME,
+       "void VN::CCompactsTable::onQueryUnfinishCompact(const std::string&, const utils::RDError&, "
+       "const std::vector<rdservice::IDataPtr>&, int, const bson::BSONObj&, rdservice::EKVCompactType)"},
+      "[unclosed compact] acc changed, data acc = {0}, current acc = {1}, data compact = {2}, cur compact = {3}.",
+      "[unclosed compact] query success, acc {0} datas {1}",
+      "[unclosed compact] query fail : acc = {0}, errmsg = {1}"};
+  onReply(TEXT, account, error, compacts, type);
+}
+
+void CCompactsTable::onQueryCompleteCompact(const std::string& account, const utils::RDError& error,
+                                            const std::vector<IDataPtr>& compacts, int, const bson::BSONObj&,
+                                            rdservice::EKVCompactType type) {
+  static constexpr CReplyText TEXT{
+      {FILE_NAME,
+       "void VN::CCompactsTable::onQueryCompleteCompact(const std::string&, const utils::RDError&, "
+       "const std::vector<rdservice::IDataPtr>&, int, const bson::BSONObj&, rdservice::EKVCompactType)"},
+      "[closed compatc] acc changed : data acc = {0}, current acc = {1}, data compact = {2}, cur compact = {3}.",
+      "[closed compact] query success : data acc = {0}, data size = {1}.",
+      "[closed compact] fail : acc = {0}, errmsg = {1}."};
+  onReply(TEXT, account, error, compacts, type);
+}
+
+void CCompactsTable::onReply(const CReplyText& text, const std::string& account, const utils::RDError& error,
+                             const std::vector<IDataPtr>& compacts, rdservice::EKVCompactType type) {
+  const GW::CTableScope madeFor{account, type, 0};
+  const GW::CTableScope present = shownScope();
+  if (m_calcCompactType && madeFor != present) {
+    logStale(text, madeFor, present);
+    emitQueryData();
+    return;
+  }
+  if (!error.isSuccess()) {
+    utils::logInfo(text.site, text.failure, account, error.errorMsg());
+    emitQueryData();
+    return;
+  }
+  utils::logInfo(text.site, text.success, account, compacts.size());
+  postToStrand<CCompactsTable>([&text, madeFor, compacts](CCompactsTable& table) { table.applyReply(text, madeFor, compacts); });
+}
+
+void CCompactsTable::logStale(const CReplyText& text, const GW::CTableScope& madeFor,
+                              const GW::CTableScope& present) const {
+  utils::logInfo(text.site, text.stale, madeFor.account, present.account, madeFor.type, present.type);
+}
+
+void CCompactsTable::applyReply(const CReplyText& text, const GW::CTableScope& madeFor,
+                                const std::vector<IDataPtr>& compacts) {
+  const rdservice::CAccountDataPtr store = accountDataOf(madeFor.account);
+  const bool repeats =
+      store && rdservice::ConfigCollector::instance()->isGTJAQueryCompactsMode(store->getAccountInfo()->counterType);
+  std::vector<IDataPtr> kept;
+  kept.reserve(compacts.size());
+  for (const IDataPtr& record : compacts) {
+    if (isClosing()) return;
+    if (!record || !isOfType(*record, madeFor.type)) continue;
+    if (repeats && getDataByKey(record->getKey())) continue;
+    kept.push_back(record);
+  }
+  if (store) kept = store->updateDatas(kept);
+
+  GW::CTableBatch batch(*this, madeFor);
+  for (const IDataPtr& record : kept) writeRow(record);
+  GW::CTableScope present;
+  if (!batch.commit(&present)) logStale(text, madeFor, present);
+  emitQueryData();
+}
+
+void CCompactsTable::rebuildRows(const std::string& account, bool replaced) {
+  GW::CTableScope madeFor = shownScope();
+  madeFor.account = account;
+  std::vector<IDataPtr> records;
+  if (const rdservice::CAccountDataPtr store = accountDataOf(account)) records = store->getData(recordTypeOfTable(getID()));
+
+  GW::CTableBatch batch(*this, madeFor);
+  if (replaced)
+    batch.dropAbsent([account](const rdservice::IData& row) {
+      const rdservice::CAccountInfoPtr info = accountInfoOf(row);
+      return info && info->getKey() == account;
+    });
+  for (const IDataPtr& record : records)
+    if (isOfType(*record, madeFor.type)) writeRow(record);
+  GW::CTableScope present;
+  if (!batch.commit(&present)) {
+    static constexpr utils::CLogSite SITE{FILE_NAME, "void VN::CCompactsTable::rebuildRows(const std::string&, bool)"};
+    utils::logInfo(SITE, "[compact] acc changed, data acc = {0}, current acc = {1}, data compact = {2}, cur compact = {3}.",
+                   madeFor.account, present.account, madeFor.type, present.type);
+  }
+  emitQueryData();
+}
+
+void CCompactsTable::onCompactChange(bool replaced, const std::string& account, int dataType) {
+  if (dataType != recordTypeOfTable(getID()) || account != currentAccount()) return;
+  emitQueryData();
+  postToStrand<CCompactsTable>([account, replaced](CCompactsTable& table) { table.rebuildRows(account, replaced); });
+}
+
+void CCompactsTable::onPushData(IDataPtr data) {
+  if (!data) return;
+  const int typeId = data->getBaseId();
+  if (typeId != rdservice::RecordStkUnClosedCompacts && typeId != rdservice::RecordStkClosedCompacts) return;
+  {
+    const utils::CMutexLock lock(m_pushMutex);
+    m_pushes.push_back(std::move(data));
+    if (m_pushes.size() > 1) return;  // the task posted for the first one takes this one along
+  }
+  postToStrand<CCompactsTable>([](CCompactsTable& table) { table.applyPushes(); });
+}
+
+void CCompactsTable::applyPushes() {
+  std::vector<IDataPtr> pushes;
+  {
+    const utils::CMutexLock lock(m_pushMutex);
+    pushes.swap(m_pushes);
+  }
+  const int compactType = shownScope().type;
+  GW::CTableBatch batch(*this);
+  for (const IDataPtr& record : pushes)
+    if (record->getBaseId() != rdservice::RecordStkUnClosedCompacts || isOfType(*record, compactType)) writeRow(record);
+  [[maybe_unused]] const bool shown = batch.commit();
+}
+
+void CCompactsTable::writeRow(const IDataPtr& record) {
+  updateData(record, false);
+  if (m_priorityText == nullptr || record->getBaseId() != rdservice::RecordStkUnClosedCompacts) return;
+  const auto& compact = static_cast<const rdservice::CStkUnClosedCompacts&>(*record);
+  const QString key = QString::fromStdString(compact.getKey());
+  m_priorityText->setPriority(key, compact.repayPriority);
+  m_priorityText->setItemText(key, compact.repayPriority != 0 ? QString::number(compact.repayPriority) : QString());
+  m_priorityText->setItemVisible(key, true);
+}
+
+}  // namespace VN

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "rdservice/rdservice_enums.h"
+
+namespace VN {
+
+/// Ids of the compacts panel's tables.
+enum ECompactTableId : int { TableUnclosedCompacts = 0, TableClosedCompacts = 1 };
+
+/// File ids (record type id × 100 + field number) that the tables look columns up by.
+enum ECompactFileId : int {
+  FileIdUnclosedCode = 1391603,
+  FileIdUnclosedSource = 1391605,
+  FileIdUnclosedPriority = 1391618,
+  FileIdClosedCode = 1391503,
+};
+
+/// The record type that a compact table accepts.
+constexpr int recordTypeOfTable(int tableId) {
+  return tableId == TableUnclosedCompacts ? rdservice::RecordStkUnClosedCompacts : rdservice::RecordStkClosedCompacts;
+}
+
+}  // namespace VN

@@ -1,0 +1,76 @@
+#include "book_kit.h"
+
+#include "counter/CBookGenerator.h"
+#include "rdservice/rdservice_enums.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <set>
+
+namespace counter {
+namespace {
+
+QByteArray readAll(const QString& path) {
+  QFile file(path);
+  EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+  return file.readAll();
+}
+
+TEST(CBookGenerator, writesTheSampleBookOfTheRepository) {
+  QTemporaryDir folder;
+  ASSERT_EQ(CBookGenerator({}).write(folder.path().toStdString()), "");
+  const QDir sample(QStringLiteral(SAMPLE_BOOK_DIR));
+  const auto names = sample.entryList({QStringLiteral("*.csv")}, QDir::Files, QDir::Name);
+  EXPECT_EQ(names, QDir(folder.path()).entryList(QDir::Files, QDir::Name));
+  for (const auto& name : names)
+    EXPECT_TRUE(readAll(sample.filePath(name)) == readAll(folder.filePath(name))) << name.toStdString();
+}
+
+TEST(CBookGenerator, theSampleBookIsSound) {
+  QTemporaryDir folder;
+  const auto database = folder.filePath(QStringLiteral("counter.db")).toStdString();
+  const auto result = CBookLoader(SAMPLE_BOOK_DIR, CTestBook::today()).load(database);
+  ASSERT_EQ(result.errorText(), "");
+
+  CTestCounter client({database});
+  std::map<std::size_t, int> accountsBySize;
+  const auto today = CTestBook::today().toJulianDay();
+  for (const auto& account : client.ask(accountsRequest()).records) {
+    client.ask(loginRequest(account->getKey()));
+    const auto compacts = client.ask(compactsRequest(account->getKey())).records;
+    ++accountsBySize[compacts.size()];
+    std::set<int> priorities;
+    bool openedToday = compacts.empty();
+    for (const auto& record : compacts) {
+      const auto& c = static_cast<const rdservice::CStkUnClosedCompacts&>(*record);
+      const bool isLending = c.compactType == rdservice::CompactTypeSecuritiesLending;
+      EXPECT_LT(std::abs(c.compactAmount - c.repaidAmount - c.unpaidAmount), 0.001);
+      EXPECT_GE(c.interestAmount, 0);
+      EXPECT_TRUE((isLending ? c.financingVolume : c.lendingVolume) == 0 && c.financingVolume + c.lendingVolume > 0);
+      EXPECT_EQ((c.financingVolume + c.lendingVolume) % 100, 0);
+      EXPECT_EQ(c.expiryDate - c.fieldB, c.renewalFlag == '1' ? 360 : 180);
+      EXPECT_LE(c.fieldB, today);
+      EXPECT_TRUE(c.repayPriority == 0 || priorities.insert(c.repayPriority).second) << c.repayPriority;
+      openedToday = openedToday || c.fieldB == today;
+    }
+    EXPECT_TRUE(openedToday) << account->getKey();
+  }
+  EXPECT_EQ(accountsBySize, (std::map<std::size_t, int>{{0, 2}, {48, 1}, {64, 1}, {86, 1}, {320, 1}, {5000, 1}}));
+}
+
+TEST(CBookGenerator, saysWhyItCannotWrite) {
+  QTemporaryDir folder;
+  const auto blocked = folder.filePath(QStringLiteral("a"));
+  QFile(blocked).open(QIODevice::WriteOnly);
+  EXPECT_EQ(CBookGenerator({}).write(blocked.toStdString()), blocked.toStdString() + ": the folder cannot be created");
+  QDir().mkpath(folder.filePath(QStringLiteral("b/accounts.csv")));  // a folder where a file belongs
+  EXPECT_NE(CBookGenerator({}).write(folder.filePath(QStringLiteral("b")).toStdString()).find("accounts.csv: "),
+            std::string::npos);
+}
+
+}  // namespace
+}  // namespace counter

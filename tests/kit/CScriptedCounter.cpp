@@ -1,0 +1,129 @@
+#include "kit/CScriptedCounter.h"
+
+#include "rdservice/service_requests.h"
+
+namespace kit {
+
+using rdservice::IDataPtr;
+
+CScriptedCounter::CScriptedCounter(std::vector<rdservice::CAccountInfoPtr> accounts,
+                                   std::vector<rdservice::CInstrumentInfoPtr> instruments)
+    : m_accounts(std::move(accounts)), m_instruments(std::move(instruments)) {}
+
+CScriptedCounter::~CScriptedCounter() { stop(); }
+
+void CScriptedCounter::start(counter::ICounterSink& sink) {
+  {
+    const utils::CMutexLock lock(m_mutex);
+    m_sink = &sink;
+  }
+  m_thread = std::thread([this] { run(); });
+}
+
+void CScriptedCounter::stop() {
+  {
+    const utils::CMutexLock lock(m_mutex);
+    m_stopped = true;
+    m_calls.clear();
+  }
+  m_changed.notify_all();
+  if (m_thread.joinable()) m_thread.join();
+}
+
+void CScriptedCounter::run() {
+  for (;;) {
+    std::function<void()> next;
+    {
+      utils::CMutexLock lock(m_mutex);
+      m_calling = false;
+      m_changed.notify_all();
+      while (m_calls.empty() && !m_stopped) lock.wait(m_changed);
+      if (m_stopped) return;
+      next = std::move(m_calls.front());
+      m_calls.pop_front();
+      m_calling = true;
+    }
+    next();
+  }
+}
+
+void CScriptedCounter::call(std::function<void()> function) {
+  {
+    const utils::CMutexLock lock(m_mutex);
+    if (m_stopped) return;
+    m_calls.push_back(std::move(function));
+    ++m_activity;
+  }
+  m_changed.notify_all();
+}
+
+void CScriptedCounter::request(const IDataPtr& request, counter::CCounterReply reply) {
+  switch (request->getBaseId()) {
+    case rdservice::RequestQueryAccounts:
+      return call([this, reply] { reply({}, {m_accounts.begin(), m_accounts.end()}, {}); });
+    case rdservice::RequestQueryInstruments:
+      return call([this, reply] { reply({}, {m_instruments.begin(), m_instruments.end()}, {}); });
+    case rdservice::RequestLogin: {
+      const auto& login = static_cast<const rdservice::CLoginReq&>(*request);
+      call([reply] { reply({}, {}, {}); });
+      return setLogin(login.accountKey,
+                      login.login != 0 ? rdservice::LoginStatusReady : rdservice::LoginStatusLoggedOut);
+    }
+    default: {
+      const utils::CMutexLock lock(m_mutex);
+      m_held.push_back({request, std::move(reply)});
+      ++m_activity;
+    }
+  }
+}
+
+std::vector<IDataPtr> CScriptedCounter::held() const {
+  const utils::CMutexLock lock(m_mutex);
+  std::vector<IDataPtr> requests;
+  requests.reserve(m_held.size());
+  for (const CHeld& held : m_held) requests.push_back(held.request);
+  return requests;
+}
+
+counter::CCounterReply CScriptedCounter::replyOf(std::size_t number) const {
+  const utils::CMutexLock lock(m_mutex);
+  return m_held.at(number).reply;
+}
+
+void CScriptedCounter::reply(std::size_t number, const std::vector<IDataPtr>& records) {
+  call([reply = replyOf(number), records] { reply({}, records, {}); });
+}
+
+void CScriptedCounter::fail(std::size_t number, int code, const std::string& text) {
+  call([reply = replyOf(number), error = utils::RDError(code, text)] { reply(error, {}, {}); });
+}
+
+void CScriptedCounter::push(const std::vector<IDataPtr>& records) {
+  counter::ICounterSink* sink = nullptr;
+  {
+    const utils::CMutexLock lock(m_mutex);
+    sink = m_sink;
+  }
+  call([sink, records] { sink->onPush(records); });
+}
+
+void CScriptedCounter::setLogin(const std::string& accountKey, rdservice::EBROKER_LOGIN_STATUS status) {
+  counter::ICounterSink* sink = nullptr;
+  {
+    const utils::CMutexLock lock(m_mutex);
+    sink = m_sink;
+  }
+  call([sink, accountKey, status] { sink->onLoginStatus(accountKey, status, {}); });
+}
+
+void CScriptedCounter::waitIdle() {
+  utils::CMutexLock lock(m_mutex);
+  while (!m_stopped && (m_calling || !m_calls.empty())) lock.wait(m_changed);
+}
+
+std::uint64_t CScriptedCounter::activity() const {
+  const utils::CMutexLock lock(m_mutex);
+  return m_activity;
+}
+
+}  // namespace kit
