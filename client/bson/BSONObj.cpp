@@ -30,6 +30,11 @@ struct CView {
   bson_t document;
 };
 
+/// As an element type by itself the library's struct would lose its alignment.
+struct CCursor {
+  bson_iter_t field;
+};
+
 /// Begins to walk the document inside the field; false when it holds none.
 bool enter(const bson_iter_t& field, bson_iter_t& inside) {
   if (BSON_ITER_HOLDS_DOCUMENT(&field) || BSON_ITER_HOLDS_ARRAY(&field)) return bson_iter_recurse(&field, &inside);
@@ -43,13 +48,13 @@ bool enter(const bson_iter_t& field, bson_iter_t& inside) {
 
 /// Whether documents inside `document` go no deeper than the limit. Damaged parts are left to the library's check.
 bool isFlatEnough(const bson_t& document) {
-  std::vector<bson_iter_t> path(1);
-  if (!bson_iter_init(&path.back(), &document)) return false;
+  std::vector<CCursor> path(1);
+  if (!bson_iter_init(&path.back().field, &document)) return false;
   while (!path.empty()) {
-    bson_iter_t inside;
-    if (!bson_iter_next(&path.back())) {
+    CCursor inside;
+    if (!bson_iter_next(&path.back().field)) {
       path.pop_back();
-    } else if (enter(path.back(), inside)) {
+    } else if (enter(path.back().field, inside.field)) {
       if (path.size() == MAX_DEPTH) return false;
       path.push_back(inside);
     }

@@ -3,8 +3,8 @@
 #include "rdservice/CInstrumentInfo.h"
 #include "rdservice/rdservice_enums.h"
 
-#include <boost/pointer_cast.hpp>
 #include <fmt/format.h>
+#include <boost/pointer_cast.hpp>
 
 #include <utility>
 

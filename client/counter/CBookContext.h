@@ -39,10 +39,10 @@ class CBookContext {
  private:
   CBookResult m_result;
   rdservice::CParseContext m_parsing;
-  std::unordered_map<std::string, rdservice::CAccountInfoPtr> m_accounts;       ///< by account id
-  std::unordered_map<std::string, rdservice::CInternedText> m_instruments;      ///< name by stock key
-  std::unordered_map<std::string, std::int64_t> m_positions;                    ///< last one given, by kind and account
-  std::set<int> m_incomplete;  ///< record types
+  std::unordered_map<std::string, rdservice::CAccountInfoPtr> m_accounts;   ///< by account id
+  std::unordered_map<std::string, rdservice::CInternedText> m_instruments;  ///< name by stock key
+  std::unordered_map<std::string, std::int64_t> m_positions;                ///< last one given, by kind and account
+  std::set<int> m_incomplete;                                               ///< record types
 };
 
 }  // namespace counter

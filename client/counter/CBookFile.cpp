@@ -36,12 +36,7 @@ std::string fieldNames(const rdservice::CStructDes& des) {
 }  // namespace
 
 CBookFile::CBookFile(const CRecordKind& kind, CBookContext& context, const CSqlConnection& connection)
-    : m_kind(kind),
-      m_context(context),
-      m_connection(connection),
-      m_table(kind),
-      m_name(kind.fileName()),
-      m_insert(connection.makeQuery()) {}
+    : m_kind(kind), m_context(context), m_table(kind), m_name(kind.fileName()), m_insert(connection.makeQuery()) {}
 
 bool CBookFile::load(const std::string& folder) {
   QFile file(QString::fromStdString(folder + "/" + m_name));
@@ -64,7 +59,8 @@ bool CBookFile::readHeader(CCsvReader& reader) {
   if (row != CCsvReader::ERow::Cells) {
     const bool isEmpty = row == CCsvReader::ERow::End;
     const CCsvCell place{{}, isEmpty ? 1 : reader.error().line, isEmpty ? 1 : reader.error().column};
-    fail(place, isEmpty ? "the file is empty; expected a header with " + fieldNames(m_kind.des) : reader.error().message);
+    fail(place,
+         isEmpty ? "the file is empty; expected a header with " + fieldNames(m_kind.des) : reader.error().message);
     m_context.setIncomplete(m_kind.des.typeId());
     return false;
   }
@@ -83,8 +79,8 @@ bool CBookFile::readHeader(CCsvReader& reader) {
   }
   for (const char* name : m_kind.required)
     if (std::find(m_columns.begin(), m_columns.end(), m_kind.des.fieldByName(name)) == m_columns.end())
-      refuse(reader.cells().front(), fmt::format("column \"{}\" is missing; expected at least {}", name,
-                                                 fmt::join(m_kind.required, ", ")));
+      refuse(reader.cells().front(),
+             fmt::format("column \"{}\" is missing; expected at least {}", name, fmt::join(m_kind.required, ", ")));
   if (!good) m_context.setIncomplete(m_kind.des.typeId());
   return good;
 }
@@ -161,7 +157,8 @@ bool CBookFile::checkInstrument(const std::vector<CCsvCell>& cells, IData& recor
            fmt::format("exchange, code: expected an instrument of instruments.csv, got \"{}\"", key));
     return false;
   }
-  if (const auto* const name = m_kind.des.fieldByName("name"); name != nullptr && name->get<CInternedText>(record).empty())
+  if (const auto* const name = m_kind.des.fieldByName("name");
+      name != nullptr && name->get<CInternedText>(record).empty())
     name->edit<CInternedText>(record) = *known;
   return true;
 }

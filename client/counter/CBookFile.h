@@ -42,7 +42,6 @@ class CBookFile {
 
   const CRecordKind& m_kind;
   CBookContext& m_context;
-  const CSqlConnection& m_connection;
   const CSqlTable m_table;
   const std::string m_name;
   std::vector<const rdservice::CFieldDes*> m_columns;  ///< the field of each column

@@ -73,7 +73,7 @@ class CFileWriter {
   /// What went wrong, empty for nothing.
   std::string finish() {
     flush();
-    if (m_file.commit()) return {};
+    if (m_file.isOpen() && m_file.commit()) return {};
     return (m_file.fileName() + QStringLiteral(": ") + m_file.errorString()).toStdString();
   }
 

@@ -8,6 +8,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <cassert>
 #include <utility>
 
 namespace counter {
@@ -34,7 +35,9 @@ void loadFiles(const std::string& folder, const std::string& databasePath, CBook
 
 }  // namespace
 
-CBookLoader::CBookLoader(std::string folder, QDate today) : m_folder(std::move(folder)), m_today(today) {}
+CBookLoader::CBookLoader(std::string folder, QDate today) : m_folder(std::move(folder)), m_today(today) {
+  assert(today.isValid());
+}
 
 CBookResult CBookLoader::load(const std::string& databasePath) const {
   const auto path = QString::fromStdString(databasePath);

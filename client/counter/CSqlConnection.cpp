@@ -12,6 +12,7 @@
 #include <atomic>
 #include <cstdint>
 #include <iterator>
+#include <utility>
 
 namespace counter {
 
@@ -43,23 +44,23 @@ int schemaVersion() {
 
 }  // namespace
 
-CSqlConnection::CSqlConnection(const std::string& path, EOldTables oldTables)
-    : m_name(nextConnectionName()), m_error(open(path, oldTables)) {}
+CSqlConnection::CSqlConnection(std::string path, EOldTables oldTables)
+    : m_name(nextConnectionName()), m_path(std::move(path)), m_error(open(oldTables)) {}
 
 CSqlConnection::~CSqlConnection() { QSqlDatabase::removeDatabase(m_name); }
 
-std::string CSqlConnection::open(const std::string& path, EOldTables oldTables) {
+std::string CSqlConnection::open(EOldTables oldTables) {
   auto database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);
-  database.setDatabaseName(QString::fromStdString(path));
+  database.setDatabaseName(QString::fromStdString(m_path));
   database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000"));
-  const QFileInfo file(QString::fromStdString(path));
-  if (file.exists() && !file.isWritable()) return path + ": 数据库文件只读";
+  const QFileInfo file(QString::fromStdString(m_path));
+  if (file.exists() && !file.isWritable()) return "数据库文件只读";
   std::string error;
   if (!database.open())
     error = database.lastError().text().toStdString();
   else if (checkOwner(error) && prepare(error) && oldTables == EOldTables::Refuse)
     checkTables(error);
-  return error.empty() ? error : path + ": " + error;
+  return error;
 }
 
 bool CSqlConnection::checkOwner(std::string& error) const {

@@ -11,7 +11,8 @@ namespace counter {
 
 /// One connection to a counter's SQLite database. Made, used and destroyed on one thread; needs a QCoreApplication.
 ///
-/// Opening creates the tables in a new or empty file, and leaves another program's database as it is. Write-ahead logging lets readers go on while one writes.
+/// Opening creates the tables in a new or empty file, and leaves another program's database as it is. Write-ahead
+/// logging lets readers go on while one writes.
 class CSqlConnection {
  public:
   /// What becomes of tables made by another version of this program. `Accept` neither looks at the tables nor creates
@@ -19,14 +20,15 @@ class CSqlConnection {
   enum class EOldTables { Refuse, Accept };
 
   /// `path` is UTF-8. An unusable database leaves an `error`, and nothing can be done with the connection.
-  explicit CSqlConnection(const std::string& path, EOldTables oldTables = EOldTables::Refuse);
+  explicit CSqlConnection(std::string path, EOldTables oldTables = EOldTables::Refuse);
   ~CSqlConnection();
   CSqlConnection(const CSqlConnection&) = delete;
   CSqlConnection& operator=(const CSqlConnection&) = delete;
 
   bool isOpen() const { return m_error.empty(); }
-  /// Why the database cannot be used (UTF-8), empty when it can.
+  /// Why the database cannot be used (UTF-8, for users), empty when it can.
   const std::string& error() const { return m_error; }
+  const std::string& path() const { return m_path; }
 
   /// A query that keeps only the row it stands on.
   QSqlQuery makeQuery() const;
@@ -37,13 +39,14 @@ class CSqlConnection {
   bool recreateTables(std::string& error) const;
 
  private:
-  std::string open(const std::string& path, EOldTables oldTables);
+  std::string open(EOldTables oldTables);
   bool checkOwner(std::string& error) const;
   bool prepare(std::string& error) const;
   bool checkTables(std::string& error) const;
   bool readNumber(const char* statement, int& number, std::string& error) const;
 
   const QString m_name;
+  const std::string m_path;
   std::string m_error;
 };
 

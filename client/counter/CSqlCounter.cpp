@@ -57,7 +57,8 @@ struct CSqlCounter::Private {
         writer(options.databasePath, 1),
         requests(accounts, std::move(options.maxCompacts), [this] { return readers.isStopping(); }) {}
 
-  void deliver(CClock::time_point received, const IDataPtr& request, const CCounterReply& reply, CSqlAnswer answer);
+  /// At once, or when the latency is over.
+  void deliver(CClock::time_point due, const IDataPtr& request, const CCounterReply& reply, CSqlAnswer answer);
   void tell(const IDataPtr& request, const CCounterReply& reply, const CSqlAnswer& answer);
   void push(const std::vector<IDataPtr>& records);
 
@@ -94,11 +95,11 @@ void CSqlCounter::request(const IDataPtr& request, CCounterReply reply) {
   assert(request != nullptr && reply != nullptr);
   const bool isFailing = m_d->failing.isNext();
   if (m_d->silent.isNext()) return;
-  const auto received = CClock::now();
-  m_d->readers.post([d = m_d.get(), request, reply = std::move(reply), isFailing, received](const auto& connection) {
+  const auto due = CClock::now() + std::chrono::milliseconds(m_d->latency.load());
+  m_d->readers.post([d = m_d.get(), request, reply = std::move(reply), isFailing, due](const auto& connection) {
     auto answer = isFailing ? CSqlAnswer{RDError(CounterSimulated, SIMULATED_FAILURE), {}}
                             : d->requests.answer(connection, *request);
-    if (!d->readers.isStopping()) d->deliver(received, request, reply, std::move(answer));
+    if (!d->readers.isStopping()) d->deliver(due, request, reply, std::move(answer));
   });
 }
 
@@ -118,9 +119,8 @@ void CSqlCounter::changeRandomCompacts(const std::string& accountKey, int count,
   });
 }
 
-void CSqlCounter::Private::deliver(CClock::time_point received, const IDataPtr& request, const CCounterReply& reply,
+void CSqlCounter::Private::deliver(CClock::time_point due, const IDataPtr& request, const CCounterReply& reply,
                                    CSqlAnswer answer) {
-  const auto due = received + std::chrono::milliseconds(latency.load());
   const auto wait = std::chrono::ceil<std::chrono::milliseconds>(due - CClock::now());
   if (wait.count() <= 0)
     tell(request, reply, answer);

@@ -16,7 +16,7 @@ struct CSqlCounterOptions {
   int failEvery = 0;                     ///< every so many requests one is answered with an error; 0 for never
   int silentEvery = 0;                   ///< every so many requests one is never answered; 0 for never
   int readers = 2;                       ///< threads that answer requests
-  std::map<int, int> maxCompacts;        ///< by counter type: most compacts in one reply; a type left out has no limit
+  std::map<int, int> maxCompacts{};      ///< by counter type: most compacts in one reply; a type left out has no limit
 };
 
 /// The broker's side on a SQLite database that `loadBook` has filled. Needs a QCoreApplication.

@@ -53,7 +53,8 @@ CSqlRequests::CSqlRequests(CBrokerAccounts& accounts, std::map<int, int> maxComp
     : m_accounts(accounts), m_maxCompacts(std::move(maxCompacts)), m_giveUp(std::move(giveUp)) {}
 
 CSqlAnswer CSqlRequests::answer(const CSqlConnection& connection, const IData& request) {
-  if (!connection.isOpen()) return failed(CounterDatabaseUnusable, DATABASE_UNUSABLE + connection.error());
+  if (!connection.isOpen())
+    return failed(CounterDatabaseUnusable, DATABASE_UNUSABLE + connection.path() + ": " + connection.error());
   switch (request.getBaseId()) {
     case rdservice::RequestQueryAccounts: return queryAccounts(connection);
     case rdservice::RequestQueryInstruments: return queryInstruments(connection);
@@ -74,7 +75,8 @@ CSqlAnswer CSqlRequests::queryAccounts(const CSqlConnection& connection) {
 }
 
 CSqlAnswer CSqlRequests::queryInstruments(const CSqlConnection& connection) {
-  return select(connection, *recordKind(rdservice::RecordInstrumentInfo), QStringLiteral("ORDER BY rowid"), {}, nullptr);
+  return select(connection, *recordKind(rdservice::RecordInstrumentInfo), QStringLiteral("ORDER BY rowid"), {},
+                nullptr);
 }
 
 CSqlAnswer CSqlRequests::login(const CSqlConnection& connection, const rdservice::CLoginReq& request) {
@@ -86,8 +88,7 @@ CSqlAnswer CSqlRequests::login(const CSqlConnection& connection, const rdservice
   return {};
 }
 
-CSqlAnswer CSqlRequests::queryCompacts(const CSqlConnection& connection,
-                                       const rdservice::CQueryCompactReqV2& request) {
+CSqlAnswer CSqlRequests::queryCompacts(const CSqlConnection& connection, const rdservice::CQueryCompactReqV2& request) {
   CSqlAnswer refused;
   const auto account = readyAccount(connection, request.accountKey, refused.error);
   if (account == nullptr) return refused;
@@ -96,8 +97,10 @@ CSqlAnswer CSqlRequests::queryCompacts(const CSqlConnection& connection,
     return failed(RDError::Unsupported, UNKNOWN_DATA + std::to_string(request.dataType));
 
   const QString position = CSqlTable::column(kind->position);
-  QString condition = QStringLiteral("WHERE %1 = ? AND %2 > ?").arg(CSqlTable::column(kind->accountField()->name), position);
-  std::vector<QVariant> values{QString::fromStdString(request.accountKey), QString::fromStdString(request.positionString)};
+  QString condition =
+      QStringLiteral("WHERE %1 = ? AND %2 > ?").arg(CSqlTable::column(kind->accountField()->name), position);
+  std::vector<QVariant> values{QString::fromStdString(request.accountKey),
+                               QString::fromStdString(request.positionString)};
   if (values.back().isNull()) values.back() = QStringLiteral("");
   if (request.compactType != rdservice::CompactTypeAll) {
     condition += QStringLiteral(" AND %1 = ?").arg(CSqlTable::column("compact_type"));

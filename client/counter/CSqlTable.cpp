@@ -59,7 +59,9 @@ void setValue(const CFieldDes& field, IData& record, const QVariant& stored, con
   switch (field.type) {
     case EFieldType::Account: field.edit<CAccountInfoPtr>(record) = account; return;
     case EFieldType::Text: field.edit<std::string>(record) = stored.toString().toStdString(); return;
-    case EFieldType::Interned: field.edit<CInternedText>(record) = CInternedText(stored.toString().toStdString()); return;
+    case EFieldType::Interned:
+      field.edit<CInternedText>(record) = CInternedText(stored.toString().toStdString());
+      return;
     case EFieldType::Char: {
       const QString text = stored.toString();
       field.edit<char>(record) = text.isEmpty() ? '\0' : text.front().toLatin1();
@@ -101,10 +103,9 @@ QString CSqlTable::insertStatement() const {
 
 QString CSqlTable::upsertStatement() const {
   QStringList assignments;
-  for (const auto& field : m_kind.des)
-    assignments << QStringLiteral("%1 = excluded.%1").arg(column(field.name));
-  return insertStatement() + QStringLiteral(" ON CONFLICT (%1) DO UPDATE SET %2")
-                                 .arg(keyColumns(), assignments.join(QStringLiteral(", ")));
+  for (const auto& field : m_kind.des) assignments << QStringLiteral("%1 = excluded.%1").arg(column(field.name));
+  return insertStatement() +
+         QStringLiteral(" ON CONFLICT (%1) DO UPDATE SET %2").arg(keyColumns(), assignments.join(QStringLiteral(", ")));
 }
 
 QString CSqlTable::selectStatement() const {

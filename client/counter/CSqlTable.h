@@ -11,8 +11,8 @@ namespace counter {
 
 struct CRecordKind;
 
-/// The SQL side of one kind of record, made from its field table: a column for each field, of the field's name. Accounts
-/// are stored by their key, codes as one character, dates as Julian day numbers. Immutable; any thread.
+/// The SQL side of one kind of record, made from its field table: a column for each field, of the field's name.
+/// Accounts are stored by their key, codes as one character, dates as Julian day numbers. Immutable; any thread.
 class CSqlTable {
  public:
   explicit CSqlTable(const CRecordKind& kind);

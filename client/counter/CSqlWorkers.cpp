@@ -58,12 +58,14 @@ void CSqlWorkers::work() {
     utils::CMutexLock lock(s_opening);
     return std::make_unique<CSqlConnection>(m_path);
   }();
-  if (!connection->isOpen()) utils::logError(SITE, "counter database: {0}", connection->error());
+  if (!connection->isOpen()) utils::logError(SITE, "counter database {0}: {1}", m_path, connection->error());
   for (CJob job; takeJob(job); job = nullptr) {
     try {
       job(*connection);
     } catch (const std::exception& exception) {
       utils::logError(SITE, "counter job: {0}", exception.what());
+    } catch (...) {
+      utils::logError(SITE, "counter job: an exception of unknown type");
     }
   }
 }

@@ -31,9 +31,10 @@ int main(int argc, char** argv) {
   QCommandLineParser parser;
   parser.setApplicationDescription(QStringLiteral("Writes a sample book of accounts, instruments and compacts."));
   parser.addHelpOption();
-  parser.addPositionalArgument(QStringLiteral("OUT_DIR"), QStringLiteral("folder for the CSV files; created if needed"));
-  const QCommandLineOption compacts(QStringLiteral("compacts"),
-                                    QStringLiteral("unclosed compacts of the first account (5000)"), QStringLiteral("N"));
+  parser.addPositionalArgument(QStringLiteral("OUT_DIR"),
+                               QStringLiteral("folder for the CSV files; created if needed"));
+  const QCommandLineOption compacts(
+      QStringLiteral("compacts"), QStringLiteral("unclosed compacts of the first account (5000)"), QStringLiteral("N"));
   const QCommandLineOption seed(QStringLiteral("seed"), QStringLiteral("another seed gives other compacts (1)"),
                                 QStringLiteral("S"));
   parser.addOptions({compacts, seed});
@@ -45,8 +46,7 @@ int main(int argc, char** argv) {
     return refuse(QStringLiteral("--compacts takes a whole number from 0 to %1, got \"%2\"")
                       .arg(counter::CBookGenerator::MAX_COMPACTS)
                       .arg(parser.value(compacts)));
-  if (parser.isSet(seed) &&
-      !readNumber(parser.value(seed), std::numeric_limits<std::uint32_t>::max(), options.seed))
+  if (parser.isSet(seed) && !readNumber(parser.value(seed), std::numeric_limits<std::uint32_t>::max(), options.seed))
     return refuse(QStringLiteral("--seed takes a whole number from 0 to %1, got \"%2\"")
                       .arg(std::numeric_limits<std::uint32_t>::max())
                       .arg(parser.value(seed)));

@@ -25,21 +25,32 @@ rdservice::IDataPtr makeRecord() {
 
 const std::vector<CRecordKind>& recordKinds() {
   static const std::vector<CRecordKind> s_kinds = {
-      {CAccountInfo::structDes(), makeRecord<CAccountInfo>, {"account_id"},
-       {"account_id", "broker_type", "counter_type"}, nullptr, false},
-      {CInstrumentInfo::structDes(), makeRecord<CInstrumentInfo>, {"exchange", "code"},
-       {"exchange", "code", "name"}, nullptr, false},
-      {CStkUnClosedCompacts::structDes(), makeRecord<CStkUnClosedCompacts>,
+      {CAccountInfo::structDes(),
+       makeRecord<CAccountInfo>,
+       {"account_id"},
+       {"account_id", "broker_type", "counter_type"},
+       nullptr,
+       false},
+      {CInstrumentInfo::structDes(),
+       makeRecord<CInstrumentInfo>,
+       {"exchange", "code"},
+       {"exchange", "code", "name"},
+       nullptr,
+       false},
+      {CStkUnClosedCompacts::structDes(),
+       makeRecord<CStkUnClosedCompacts>,
        {"account", "open_date", "compact_no", "exchange", "code"},
-       {"account", "exchange", "code", "compact_type", "compact_no", "open_date"}, "position_string", true},
+       {"account", "exchange", "code", "compact_type", "compact_no", "open_date"},
+       "position_string",
+       true},
   };
   return s_kinds;
 }
 
 const CRecordKind* recordKind(int typeId) {
   const auto& kinds = recordKinds();
-  const auto found =
-      std::find_if(kinds.begin(), kinds.end(), [typeId](const CRecordKind& kind) { return kind.des.typeId() == typeId; });
+  const auto found = std::find_if(kinds.begin(), kinds.end(),
+                                  [typeId](const CRecordKind& kind) { return kind.des.typeId() == typeId; });
   return found == kinds.end() ? nullptr : &*found;
 }
 

@@ -15,7 +15,7 @@ struct CRecordKind {
   rdservice::IDataPtr (*make)();
   std::vector<const char*> key;       ///< fields that together identify a record
   std::vector<const char*> required;  ///< fields that a book must give; every other one has a default
-  const char* position;               ///< field with the record's place in a query's result, unique per account, or null
+  const char* position;               ///< field with the place in a query's result, unique per account, or null
   bool ofInstrument;  ///< exchange and code must name an instrument, which also supplies an absent security name
 
   /// "accounts.csv"

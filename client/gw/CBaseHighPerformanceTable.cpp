@@ -14,7 +14,8 @@ namespace GW {
 
 namespace {
 
-// Taking rows over is given half of a turn's 8 ms, so that sorting them in and the view's share fit into the rest.
+// Taking rows over, with their sort keys, is given half of a turn's 8 ms; ordering them and the view's share take the
+// rest.
 constexpr std::chrono::milliseconds TAKING_TIME{4};
 constexpr std::size_t ROWS_PER_STEP = 1024;
 constexpr std::size_t ROWS_PER_TURN = 25 * ROWS_PER_STEP;

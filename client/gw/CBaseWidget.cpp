@@ -8,8 +8,8 @@ CBaseWidget::CBaseWidget(QWidget* parent) : QWidget(parent), CEventDeliverer(thi
 
 CBaseWidget::~CBaseWidget() = default;
 
-bool CBaseWidget::handleEvent(int type, int p1, int p2, QString text, void* data) {
-  return deliverEvent(type, p1, p2, text, data);
+bool CBaseWidget::handleEvent(int type, int p1, int p2, QString text, void* eventData) {
+  return deliverEvent(type, p1, p2, text, eventData);
 }
 
 void CBaseWidget::resizeEvent(QResizeEvent* event) { QWidget::resizeEvent(event); }

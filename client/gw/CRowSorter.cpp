@@ -40,9 +40,8 @@ void CRowSorter::setColumn(const CTableColumn* column, int columnId, Qt::SortOrd
   m_interned.clear();
 }
 
-bool CRowSorter::setKey(int slot, const CShownRow& row) {
+bool CRowSorter::setKey(int slot, CKey key) {
   const auto index = static_cast<std::size_t>(slot);
-  CKey key = makeKey(row);
   if (index >= m_keys.size()) {
     m_keys.push_back(std::move(key));
     return true;

@@ -22,16 +22,6 @@ class CRowSorter {
   void setColumn(const CTableColumn* column, int columnId, Qt::SortOrder order);
   bool isActive() const { return m_column != nullptr; }
 
-  /// Makes the key of a slot, which is an old one or the next new one; true when it differs from the one before. A
-  /// delegate's sort key function is called here.
-  bool setKey(int slot, const CShownRow& row);
-  /// By old slot: the new one, -1 for dropped.
-  void renumber(const std::vector<int>& newSlots, std::size_t count);
-  void clear() { m_keys.clear(); }
-
-  bool isBefore(int slot, int other) const;
-
- private:
   struct CKey {
     std::uint64_t number = 0;  ///< maps the number's order to that of unsigned integers
     std::optional<QCollatorSortKey> text;
@@ -39,8 +29,17 @@ class CRowSorter {
     int compare(const CKey& other) const;
   };
 
+  /// The costly part of sorting. A delegate's sort key function is called here.
   CKey makeKey(const CShownRow& row);
+  /// Sets the key of a slot, which is an old one or the next new one; true when it differs from the one before.
+  bool setKey(int slot, CKey key);
+  /// By old slot: the new one, -1 for dropped.
+  void renumber(const std::vector<int>& newSlots, std::size_t count);
+  void clear() { m_keys.clear(); }
 
+  bool isBefore(int slot, int other) const;
+
+ private:
   QCollator m_collator;
   const CTableColumn* m_column = nullptr;
   int m_columnId = -1;

@@ -29,6 +29,12 @@ struct CItemState {
 /// The states of one row by column id. A row has few delegate columns, so that a search from the front is fastest.
 using CItemStates = std::vector<std::pair<int, CItemState>>;
 
+/// A row as the store hands it over and the GUI thread holds it.
+struct CShownRow {
+  rdservice::IDataPtr record;
+  CItemStates items;
+};
+
 /// The state of a column; a default one when the row has none.
 const CItemState& itemOf(const CItemStates& items, int column);
 

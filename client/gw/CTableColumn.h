@@ -21,12 +21,6 @@ struct CTableColumn {
   std::unique_ptr<CBaseTableColumnWidgetDelegate> delegate;
 };
 
-/// A row as the GUI thread holds it.
-struct CShownRow {
-  rdservice::IDataPtr record;
-  CItemStates items;
-};
-
 /// The text of a cell; without a delegate or field it is empty.
 QString cellTextOf(const CTableColumn& column, int columnId, const CShownRow& row);
 

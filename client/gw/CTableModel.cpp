@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <iterator>
 #include <numeric>
+#include <utility>
 
 namespace GW {
 
@@ -50,7 +51,15 @@ void CTableModel::setDelegate(int columnId, std::unique_ptr<CBaseTableColumnWidg
   if (columnId == m_sortColumn) setSort(m_sortColumn, m_sortOrder);
 }
 
+void CTableModel::prepare(const CTableDrain& drain) {
+  if (!m_sorter.isActive()) return;
+  for (std::size_t i = m_preparedKeys.size(); i < drain.rows.size(); ++i)
+    m_preparedKeys.push_back(m_sorter.makeKey(drain.rows[i].row));
+}
+
 void CTableModel::apply(CTableDrain&& drain) {
+  prepare(drain);
+  std::vector<CRowSorter::CKey> keys = std::exchange(m_preparedKeys, {});
   if (drain.cleared) clear();
   if (drain.replaced) dropRows(drain.newSlots);
 
@@ -59,19 +68,18 @@ void CTableModel::apply(CTableDrain&& drain) {
   std::vector<rdservice::IDataPtr> garbage;
   std::vector<int> changedRows;
   std::vector<int> movedSlots;
-  for (CDrainedRow& drained : drain.rows) {
-    const std::size_t slot = at(drained.slot);
+  for (std::size_t i = 0; i < drain.rows.size(); ++i) {
+    auto& [drainedSlot, row] = drain.rows[i];
+    const std::size_t slot = at(drainedSlot);
+    if (m_sorter.isActive() && m_sorter.setKey(drainedSlot, std::move(keys[i]))) movedSlots.push_back(drainedSlot);
     if (slot == known + added.size()) {
-      added.push_back({std::move(drained.record), std::move(drained.items)});
+      added.push_back(std::move(row));
       continue;
     }
     CShownRow& shown = slot < known ? m_shown[slot] : added[slot - known];
-    shown.record.swap(drained.record);
-    shown.items = std::move(drained.items);
-    garbage.push_back(std::move(drained.record));
-    if (slot >= known) continue;
-    changedRows.push_back(m_rowOf[slot]);
-    if (m_sorter.isActive() && m_sorter.setKey(drained.slot, shown)) movedSlots.push_back(drained.slot);
+    std::swap(shown, row);
+    garbage.push_back(std::move(row.record));
+    if (slot < known) changedRows.push_back(m_rowOf[slot]);
   }
   emitChanged(std::move(changedRows));
 
@@ -83,9 +91,6 @@ void CTableModel::apply(CTableDrain&& drain) {
     for (int slot = first; slot <= last; ++slot) {
       m_rows.push_back(slot);
       m_rowOf.push_back(slot);
-      if (!m_sorter.isActive()) continue;
-      m_sorter.setKey(slot, m_shown[at(slot)]);
-      movedSlots.push_back(slot);
     }
     endInsertRows();
   }
@@ -137,7 +142,7 @@ void CTableModel::setSort(int columnId, Qt::SortOrder order) {
     setOrder(std::move(slots));
     return;
   }
-  for (const int slot : slots) m_sorter.setKey(slot, m_shown[at(slot)]);
+  for (const int slot : slots) m_sorter.setKey(slot, m_sorter.makeKey(m_shown[at(slot)]));
   reorder(std::move(slots));
 }
 

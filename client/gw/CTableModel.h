@@ -26,6 +26,9 @@ class CTableModel : public QAbstractTableModel {
   const CTableColumn* column(int columnId) const;
   void setDelegate(int columnId, std::unique_ptr<CBaseTableColumnWidgetDelegate> delegate);
 
+  /// Makes the sort keys of the drain's rows that were added since the last call; the costly part of `apply`, so that
+  /// it can be done in steps.
+  void prepare(const CTableDrain& drain);
   /// Emits at most one insertion and one change of order; old records are freed elsewhere.
   void apply(CTableDrain&& drain);
   void clear();
@@ -61,6 +64,7 @@ class CTableModel : public QAbstractTableModel {
   std::vector<int> m_rows;              ///< by row: the slot
   std::vector<int> m_rowOf;             ///< by slot: the row
   CRowSorter m_sorter;
+  std::vector<CRowSorter::CKey> m_preparedKeys;  ///< of the rows of the drain to be applied
   int m_sortColumn = -1;
   Qt::SortOrder m_sortOrder = Qt::AscendingOrder;
 };

@@ -94,7 +94,7 @@ bool CTableStore::drain(std::size_t limit, CTableDrain& drain) {
     CRow& row = m_slots[static_cast<std::size_t>(slot)]->second;
     row.isDirty = false;
     m_drained = std::max(m_drained, static_cast<std::size_t>(slot) + 1);
-    drain.rows.push_back({slot, row.record, row.items});
+    drain.rows.push_back({slot, {row.record, row.items}});
   }
   if (m_dirtyBegin < m_dirty.size()) return true;
   m_dirty.clear();

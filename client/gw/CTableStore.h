@@ -24,8 +24,7 @@ enum class ERowRule : unsigned char {
 /// A row that the GUI side has to take over. Slot numbers count arrivals.
 struct CDrainedRow {
   int slot;
-  rdservice::IDataPtr record;
-  CItemStates items;
+  CShownRow row;
 };
 
 /// Changes for the GUI side, in this order: rows dropped, then rows new or replaced (new slots rise without gaps).

@@ -19,6 +19,7 @@ bool drainTable(CTableStore& store, CTableModel& model, const CDrainLimits& limi
       isMore = store.drain(std::min(limits.rowsPerStep, limits.rowsPerTurn - taken), drain);
       taken += drain.rows.size() - before;
       if (drain.rows.size() == before) break;
+      model.prepare(drain);
     } while (isMore && taken < limits.rowsPerTurn && !limits.isTimeUp());
     model.apply(std::move(drain));
     if (limits.isTimeUp()) break;

@@ -102,12 +102,16 @@ bool CTimerQueue::cancel(std::uint64_t id) {
 }
 
 void CTimerQueue::stop() {
-  CState::CWaiting waiting;  // freed after the lock
-  utils::CMutexLock lock(m_state->mutex);
-  m_state->stopping = true;
-  waiting.swap(m_state->waiting);
-  m_state->changed.notify_all();
+  CState::CWaiting waiting;
+  {
+    utils::CMutexLock lock(m_state->mutex);
+    m_state->stopping = true;
+    waiting.swap(m_state->waiting);
+    m_state->changed.notify_all();
+  }
+  waiting.clear();  // without the lock: what the functions hold may call back
   if (m_state->thread.get_id() == std::this_thread::get_id()) return;
+  utils::CMutexLock lock(m_state->mutex);
   while (!m_state->finished) lock.wait(m_state->changed);
 }
 

@@ -1,6 +1,8 @@
 #include "rdservice/CAccountData.h"
 
 #include "rdservice/CAccountData_p.h"
+#include "rdservice/CDataVersion.h"
+#include "rdservice/reply_marks.h"
 #include "rdservice/CStructDes.h"
 #include "rdservice/data_centre_factory.h"
 
@@ -44,7 +46,22 @@ std::vector<IDataPtr> CAccountData::updateDatas(const std::vector<IDataPtr>& rec
 }
 
 void CAccountData::updateCompacts(int typeId, const std::vector<IDataPtr>& records) {
-  m_d->replaceAll(typeId, records);
+  m_d->replaceAll(typeId, records, Private::ALWAYS);
+}
+
+std::uint64_t takeMark(CAccountData& account) {
+  CAccountData::Private& d = CAccountData::Private::of(account);
+  const utils::CWriteLock lock(d.mutex);
+  return ++d.lastVersion;
+}
+
+void noteMark(const std::vector<IDataPtr>& records, std::uint64_t mark) {
+  for (const IDataPtr& record : records)
+    if (record != nullptr) CDataVersion::stampReply(*record, mark);
+}
+
+void replaceAsOf(CAccountData& account, int typeId, const std::vector<IDataPtr>& records, std::uint64_t mark) {
+  CAccountData::Private::of(account).replaceAll(typeId, records, mark);
 }
 
 void CAccountData::removeMetaData(int typeId) {
@@ -73,7 +90,7 @@ IDataPtr CAccountData::modifyData(int typeId, const std::string& key, const std:
     assert(edited->getKey() == key && "an edit may not change what makes up the key");
     if (sameFields(*edited, *held)) return held;
     held = m_d->publish(edited);
-    replaced = entry.store.replace(place, held);
+    replaced = entry.store.replace(place, held, held->version());
     ++entry.generation;
     listeners = &entry.listeners;
   }

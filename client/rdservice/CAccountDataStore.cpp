@@ -18,15 +18,15 @@ namespace {
 constexpr std::size_t SLICE = 2048;
 
 /// For each record of `fresh`, under the key at the same place in `keys`: the record of `held` that has the same
-/// values, null when it has none.
+/// values or is newer than the mark, null when it has none.
 std::vector<IDataPtr> unchangedRecords(const CTypeStore& fresh, const std::vector<std::string>& keys,
-                                       const CTypeStore& held) {
+                                       const CTypeStore& held, std::uint64_t mark) {
   std::vector<IDataPtr> unchanged(fresh.size());
   for (std::size_t i = 0; i < fresh.size(); ++i) {
     const std::size_t place = held.find(keys[i]);
     if (place == CTypeStore::NONE) continue;
     const IDataPtr& record = held.at(place);
-    if (sameFields(*record, *fresh.records()[i])) unchanged[i] = record;
+    if (held.basis(place) > mark || sameFields(*record, *fresh.records()[i])) unchanged[i] = record;
   }
   return unchanged;
 }
@@ -43,15 +43,22 @@ void CAccountData::Private::storeItem(CItem& item, bool keepNewer) {
   item.type = &types[item.record->getBaseId()];
   CTypeStore& store = item.type->store;
   const std::size_t place = store.find(item.key);
+  const std::uint64_t mark = CDataVersion::mark(*item.record);
+  const std::uint64_t basis = mark != 0 ? mark : lastVersion + 1;
   if (place == CTypeStore::NONE) {
     item.held = publish(item.record);
-    store.append(item.key, item.held);
+    store.append(item.key, item.held, basis);
   } else {
     item.held = store.at(place);
     if (keepNewer && item.record->version() < item.held->version()) return;
-    if (sameFields(*item.record, *item.held)) return;
+    if (mark != 0 && mark < store.basis(place)) return;
+    if (sameFields(*item.record, *item.held)) {
+      store.setBasis(place, basis);
+      if (mark == 0) ++lastVersion;  // a later mark must exceed the basis
+      return;
+    }
     item.held = publish(item.record);
-    item.replaced = store.replace(place, item.held);
+    item.replaced = store.replace(place, item.held, basis);
   }
   ++item.type->generation;
   item.isChanged = true;
@@ -87,7 +94,7 @@ std::vector<IDataPtr> CAccountData::Private::store(const IDataPtr* records, std:
   return held;
 }
 
-void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& records) {
+void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& records, std::uint64_t mark) {
   CTypeStore fresh;  // holds the old set in the end, and frees it after the lock is given up
   fresh.reserve(records.size());
   std::vector<std::string> keys;
@@ -98,10 +105,10 @@ void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& 
     std::string key = record->getKey();
     const std::size_t place = fresh.find(key);
     if (place != CTypeStore::NONE) {
-      fresh.replace(place, record);
+      fresh.replace(place, record, 0);
       continue;
     }
-    fresh.append(key, record);
+    fresh.append(key, record, 0);
     keys.push_back(std::move(key));
   }
 
@@ -113,7 +120,7 @@ void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& 
     const auto type = types.find(typeId);
     if (type != types.end()) {
       generation = type->second.generation;
-      unchanged = unchangedRecords(fresh, keys, type->second.store);
+      unchanged = unchangedRecords(fresh, keys, type->second.store, mark);
     }
   }
   std::vector<IDataPtr> changed(fresh.size());
@@ -121,11 +128,18 @@ void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& 
   {
     const utils::CWriteLock lock(mutex);
     CTypeEntry& entry = types[typeId];
-    if (entry.generation != generation) unchanged = unchangedRecords(fresh, keys, entry.store);
+    if (entry.generation != generation) unchanged = unchangedRecords(fresh, keys, entry.store, mark);
     for (std::size_t i = 0; i < fresh.size(); ++i) {
       if (unchanged[i] == nullptr) changed[i] = publish(fresh.records()[i]);
       const IDataPtr& held = unchanged[i] == nullptr ? changed[i] : unchanged[i];
-      if (held != fresh.records()[i]) fresh.replace(i, held);
+      const std::size_t before = entry.store.find(keys[i]);
+      const std::uint64_t basis = before == CTypeStore::NONE ? 0 : entry.store.basis(before);
+      fresh.replace(i, held, std::max(basis, mark != ALWAYS ? mark : lastVersion));
+    }
+    for (std::size_t i = 0; mark != ALWAYS && i < entry.store.size(); ++i) {
+      if (entry.store.basis(i) <= mark) continue;
+      const std::string key = entry.store.at(i)->getKey();
+      if (fresh.find(key) == CTypeStore::NONE) fresh.append(key, entry.store.at(i), entry.store.basis(i));
     }
     std::swap(fresh, entry.store);
     ++entry.generation;

@@ -7,6 +7,8 @@
 
 #include <map>
 
+#include <limits>
+
 namespace rdservice {
 
 struct CAccountData::Private {
@@ -38,13 +40,19 @@ struct CAccountData::Private {
 
   /// See CAccountData::updateData and updateDatas.
   std::vector<IDataPtr> store(const IDataPtr* records, std::size_t count, bool keepNewer);
-  /// See CAccountData::updateCompacts.
-  void replaceAll(int typeId, const std::vector<IDataPtr>& records);
+  /// Mark of a set that replaces whatever is there.
+  static constexpr std::uint64_t ALWAYS = std::numeric_limits<std::uint64_t>::max();
+
+  /// See CAccountData::updateCompacts; records that are newer than `mark` stay.
+  void replaceAll(int typeId, const std::vector<IDataPtr>& records, std::uint64_t mark);
+
+  static Private& of(CAccountData& account) { return *account.m_d; }
 
   const CAccountInfoPtr accountInfo;
   mutable utils::CSharedMutex mutex;
   /// Entries are never erased, so that their listeners can be called without the lock.
   std::map<int, CTypeEntry> types TS_GUARDED_BY(mutex);
+  /// The last version or mark given: one count for both, so that they can be compared.
   std::uint64_t lastVersion TS_GUARDED_BY(mutex) = 0;
 };
 

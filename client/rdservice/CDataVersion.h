@@ -6,9 +6,20 @@
 
 namespace rdservice {
 
-/// The one way to stamp a record. Only a store does it, under its lock, before anybody else can see the record.
+/// The one way to stamp a record.
 struct CDataVersion {
+  /// Publishes. Only a store does it, under its lock, before anybody else can see the record.
   static void stamp(IData& record, std::uint64_t version) { record.m_version = version; }
+
+  /// Notes with an unpublished record of a reply the mark that was taken when its request was sent.
+  static void stampReply(IData& record, std::uint64_t mark) {
+    if (record.version() == 0) record.m_version = mark | IData::UNPUBLISHED;
+  }
+
+  /// The mark noted with the record; 0 when it did not come with a reply.
+  static std::uint64_t mark(const IData& record) {
+    return (record.m_version & IData::UNPUBLISHED) != 0 ? record.m_version & ~IData::UNPUBLISHED : 0;
+  }
 };
 
 }  // namespace rdservice

@@ -9,6 +9,7 @@ namespace rdservice {
 
 void CTypeStore::reserve(std::size_t count) {
   m_records.reserve(count);
+  m_bases.reserve(count);
   m_places.reserve(count);
 }
 
@@ -25,7 +26,7 @@ const IDataPtr& CTypeStore::at(std::size_t place) const {
   return record;
 }
 
-std::size_t CTypeStore::append(const std::string& key, IDataPtr record) {
+std::size_t CTypeStore::append(const std::string& key, IDataPtr record, std::uint64_t basis) {
   const std::size_t place = m_records.size();
   [[maybe_unused]] const bool isNew = m_places.emplace(key, place).second;
   assert(isNew);
@@ -33,15 +34,17 @@ std::size_t CTypeStore::append(const std::string& key, IDataPtr record) {
   m_fingerprints.push_back(fingerprint(*record));
 #endif
   m_records.push_back(std::move(record));
+  m_bases.push_back(basis);
   return place;
 }
 
-IDataPtr CTypeStore::replace(std::size_t place, IDataPtr record) {
+IDataPtr CTypeStore::replace(std::size_t place, IDataPtr record, std::uint64_t basis) {
   IDataPtr old = at(place);
 #ifndef NDEBUG
   m_fingerprints[place] = fingerprint(*record);
 #endif
   m_records[place] = std::move(record);
+  m_bases[place] = basis;
   return old;
 }
 

@@ -26,13 +26,19 @@ class CTypeStore {
   std::size_t find(const std::string& key) const;
   const IDataPtr& at(std::size_t place) const;
 
+  /// When the record's values were true, in the owner's count: the mark of its reply, or the version that it was pushed
+  /// or modified with.
+  std::uint64_t basis(std::size_t place) const { return m_bases[place]; }
+  void setBasis(std::size_t place, std::uint64_t basis) { m_bases[place] = basis; }
+
   /// Appends; the key must be new. Returns the place.
-  std::size_t append(const std::string& key, IDataPtr record);
+  std::size_t append(const std::string& key, IDataPtr record, std::uint64_t basis);
   /// Returns the record that stood there, for freeing it outside a lock.
-  IDataPtr replace(std::size_t place, IDataPtr record);
+  IDataPtr replace(std::size_t place, IDataPtr record, std::uint64_t basis);
 
  private:
   std::vector<IDataPtr> m_records;
+  std::vector<std::uint64_t> m_bases;
   std::unordered_map<std::string, std::size_t> m_places;
 #ifndef NDEBUG
   std::vector<std::uint64_t> m_fingerprints;

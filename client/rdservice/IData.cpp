@@ -12,7 +12,7 @@ IData::~IData() = default;
 IData::IData(const IData&) {}
 
 IData& IData::operator=(const IData&) {
-  assert(m_version == 0 && "a published record is never written");
+  assert(version() == 0 && "a published record is never written");
   return *this;
 }
 

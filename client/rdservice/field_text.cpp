@@ -45,6 +45,9 @@ constexpr CTextRule TEXT_RULES[] = {
     {"serial_no", isNotEmpty, "a serial number"},
 };
 
+constexpr const char* ABSOLUTE_DATES = "a date as yyyy-MM-dd or yyyyMMdd, or nothing";
+constexpr const char* RELATIVE_DATES = "a date as yyyy-MM-dd, yyyyMMdd, today, today-30 or today+5, or nothing";
+
 /// Integer columns that hold less than their type.
 struct CRangeRule {
   std::string_view column;
@@ -115,9 +118,7 @@ CParsed<std::int32_t> parseEnumNumber(const CFieldDes& field, std::string_view t
 CParsed<std::int32_t> parseInt32(const CFieldDes& field, std::string_view text, const CParseContext& context) {
   if (field.format == EFieldFormat::Enum) return parseEnumNumber(field, text);
   if (field.format == EFieldFormat::Date)
-    return {parseDate(text, context.today), context.today == 0
-                                                ? "a date as yyyy-MM-dd or yyyyMMdd, or nothing"
-                                                : "a date as yyyy-MM-dd, yyyyMMdd, today, today-30 or today+5, or nothing"};
+    return {parseDate(text, context.today), context.today == 0 ? ABSOLUTE_DATES : RELATIVE_DATES};
   const auto number = parseWhole<std::int32_t>(text);
   const auto* const rule = findRule(RANGE_RULES, field.name);
   const std::int32_t min = rule == nullptr ? std::numeric_limits<std::int32_t>::min() : rule->min;

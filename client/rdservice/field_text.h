@@ -21,8 +21,9 @@ struct CParseContext {
 };
 
 /// Reads `text` into the field of an unpublished record. False leaves the record as it is and sets `error` to the
-/// column, what was expected and what stood there. Dates are also read as yyyyMMdd. Columns that become parts of keys or of
-/// request lists refuse texts that would break those. An account cannot be read here: the caller knows the accounts.
+/// column, what was expected and what stood there. Dates are also read as yyyyMMdd. Columns that become parts of keys
+/// or of request lists refuse texts that would break those. An account cannot be read here: the caller knows the
+/// accounts. Any thread.
 bool parseField(const CFieldDes& field, std::string_view text, IData& record, std::string& error,
                 const CParseContext& context = {});
 

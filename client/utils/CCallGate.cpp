@@ -10,20 +10,16 @@ bool CCallGate::enter() {
   return m_open;
 }
 
-bool CCallGate::leave() {
+void CCallGate::leave() {
   CMutexLock lock(m_mutex);
   m_inside.erase(std::find(m_inside.begin(), m_inside.end(), std::this_thread::get_id()));
-  if (m_open) return false;
-  m_left.notify_all();
-  return m_inside.empty() && !m_closing;
+  if (!m_open) m_left.notify_all();
 }
 
 bool CCallGate::close() {
   CMutexLock lock(m_mutex);
   m_open = false;
-  m_closing = true;
   while (isOtherInside()) lock.wait(m_left);
-  m_closing = false;
   return m_inside.empty();
 }
 

@@ -14,11 +14,10 @@ class CCallGate {
   /// False when the gate is closed: do not call. Every true is followed by one `leave()` on the same thread.
   bool enter();
 
-  /// True when the gate is closed and this was the last call inside: the caller frees what the callback holds.
-  bool leave();
+  void leave();
 
   /// Closes the gate and waits until no other thread is inside. A thread that is inside itself does not wait for its
-  /// own calls. True when nobody is inside any more: the caller frees what the callback holds.
+  /// own calls. True when nobody is inside any more, so that what the callback holds can be freed.
   bool close();
 
  private:
@@ -27,7 +26,6 @@ class CCallGate {
   CMutex m_mutex;
   std::condition_variable m_left;
   bool m_open TS_GUARDED_BY(m_mutex) = true;
-  bool m_closing TS_GUARDED_BY(m_mutex) = false;  ///< a thread waits in `close()`: freeing is left to it
   std::vector<std::thread::id> m_inside TS_GUARDED_BY(m_mutex);  ///< one entry a call, so nested calls count twice
 };
 

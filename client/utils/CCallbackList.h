@@ -58,16 +58,17 @@ class CCallbackList {
       } catch (...) {
         logError({"CCallbackList.h", "utils::CCallbackList::call"}, "a callback failed");
       }
-      if (m_gate.leave()) m_function = nullptr;
+      m_gate.leave();
     }
 
+    /// A function that drops itself is freed with the entry, when the call has ended.
     void drop() {
       if (m_gate.close()) m_function = nullptr;
     }
 
    private:
     CCallGate m_gate;
-    CFunction m_function;  ///< written only by the one thread that the closed gate names
+    CFunction m_function;
   };
 
   using CEntries = std::vector<std::shared_ptr<CEntry>>;

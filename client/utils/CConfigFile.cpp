@@ -22,7 +22,6 @@ struct CConfigSection::CNode {
   std::string prefix;                       ///< of the keys in messages
   std::set<std::string> asked;
   std::map<std::string, std::vector<std::shared_ptr<CNode>>> sections;
-  bool reported = false;
 
   /// The value of a dotted key; null when absent.
   const toml::node* find(const std::string& key) const {
@@ -61,7 +60,7 @@ std::string describe(const toml::node& value) {
   if (const auto text = value.value_exact<std::string>()) return fmt::format("\"{}\"", *text);
   std::ostringstream stream;
   value.visit([&stream](const auto& v) {
-    if constexpr (toml::is_value<decltype(v)>) stream << v.get();
+    if constexpr (toml::is_value<decltype(v)>) stream << v;
   });
   return stream.str();
 }
@@ -205,7 +204,7 @@ void CConfigSection::addError(const std::string& key, const std::string& message
 }
 
 void CConfigSection::reportUnknownKeys() const {
-  if (m_node->table == nullptr || std::exchange(m_node->reported, true)) return;
+  if (m_node->table == nullptr) return;
   reportUnknown(*m_node, *m_node->table, std::string());
   for (const auto& [key, nodes] : m_node->sections)
     for (const auto& node : nodes) CConfigSection(node).reportUnknownKeys();
@@ -217,7 +216,9 @@ CConfigFile::CConfigFile(const std::string& path, std::vector<CConfigError>& err
   m_node->errors = &errors;
   std::ifstream stream(path, std::ios::binary);
   std::ostringstream content;
-  if (!stream || !(content << stream.rdbuf()) || stream.bad()) {
+  // Looking at the first byte tells an empty file from a folder, which can be opened but not read.
+  if (stream.peek() != std::ifstream::traits_type::eof()) content << stream.rdbuf();
+  if (!stream.is_open() || stream.bad() || content.fail()) {
     m_node->add(0, std::string(), "the file cannot be read");
     return;
   }

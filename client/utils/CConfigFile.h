@@ -48,7 +48,7 @@ class CConfigSection {
   void addError(const std::string& key, const std::string& message) const;
 
   /// Records an error for every key that no getter asked for, here and in the sections handed out; names the known
-  /// ones. Call it last; a second call does nothing.
+  /// ones. Call it last.
   void reportUnknownKeys() const;
 
  protected:

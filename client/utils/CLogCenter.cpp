@@ -5,23 +5,33 @@
 #include "utils/log_factory.h"
 
 #include <log4cxx/consoleappender.h>
+#include <log4cxx/fileappender.h>
 #include <log4cxx/hierarchy.h>
 #include <log4cxx/logger.h>
 #include <log4cxx/patternlayout.h>
-#include <log4cxx/rolling/rollingfileappender.h>
 
-#include <cstddef>
+#include <cstdint>
 #include <exception>
+#include <filesystem>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 namespace utils {
 
 namespace {
 
-// One file of at most this many bytes, and that many older ones beside it with ".1", ".2" ... behind the name.
-constexpr std::size_t MAX_FILE_SIZE = 16 * 1024 * 1024;
-constexpr int MAX_BACKUP_FILES = 5;
+// A client that starts with a larger file keeps it with ".1" behind its name, in the place of the one before, and begins
+// a new one. The back end's own rolling appender is no choice: it frees its policies by a base without a virtual
+// destructor.
+constexpr std::uintmax_t MAX_FILE_SIZE = 16 * 1024 * 1024;
+
+void setLargeFileAside(const std::string& path) {
+  std::error_code failed;
+  const auto file = std::filesystem::u8path(path);
+  const auto size = std::filesystem::file_size(file, failed);
+  if (!failed && size > MAX_FILE_SIZE) std::filesystem::rename(file, std::filesystem::u8path(path + ".1"), failed);
+}
 
 /// Time, level, thread, file and line, then the message.
 log4cxx::LayoutPtr makeLayout() {
@@ -45,12 +55,11 @@ log4cxx::HierarchyPtr makeHierarchy(const CLogOptions& options) {
     logger->addAppender(appender);
   }
   if (!options.filePath.empty()) {
-    auto appender = std::make_shared<log4cxx::rolling::RollingFileAppender>();
+    setLargeFileAside(options.filePath);
+    auto appender = std::make_shared<log4cxx::FileAppender>();
     appender->setLayout(makeLayout());
     appender->setFile(options.filePath);
     appender->setAppend(true);
-    appender->setMaximumFileSize(MAX_FILE_SIZE);
-    appender->setMaxBackupIndex(MAX_BACKUP_FILES);
     appender->setOption("Encoding", "UTF-8");
     appender->activateOptions(pool);
     logger->addAppender(appender);

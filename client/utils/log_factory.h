@@ -8,9 +8,10 @@
 namespace utils {
 
 struct CLogOptions {
-  std::string filePath;     ///< UTF-8; empty: no file. The folder must exist; lines are appended.
-  bool console = false;     ///< also to standard error
-  int level = LogInfo;      ///< lines below it are dropped
+  /// UTF-8; empty: no file. Lines are appended; a file above 16 MiB is first set aside with ".1" behind its name.
+  std::string filePath;
+  bool console = false;  ///< also to standard error
+  int level = LogInfo;   ///< lines below it are dropped
 };
 
 /// The running client's logging centre; `CLogCenter::instance()` gives it until it is destroyed. One at a time.

@@ -3,6 +3,7 @@
 #include "vn/CRequestBook.h"
 #include "rdservice/CStructDes.h"
 #include "rdservice/TraderCenter.h"
+#include "rdservice/reply_marks.h"
 #include "rdservice/service_requests.h"
 #include "vn/trade_client_factory.h"
 #include "utils/CCallbackList.h"
@@ -36,6 +37,13 @@ rdservice::CAccountInfoPtr accountOf(const rdservice::IData& record) {
   return nullptr;
 }
 
+/// What the account's store holds before a request is sent is older than the reply; see reply_marks.h.
+std::uint64_t markOf(const std::string& accountKey) {
+  rdservice::CDataCenter* centre = dataCentre();
+  const rdservice::CAccountDataPtr account = centre != nullptr ? centre->getAccountData(accountKey) : nullptr;
+  return account ? rdservice::takeMark(*account) : 0;
+}
+
 bool isCompactType(int dataType) {
   return dataType == rdservice::RecordStkUnClosedCompacts || dataType == rdservice::RecordStkClosedCompacts;
 }
@@ -55,7 +63,7 @@ struct CTradeClient::Private : counter::ICounterSink {
   void queryAccounts();
   void takeAccounts(const std::vector<IDataPtr>& records);
   void queryCompacts(int dataType, const rdservice::CQueryCompactReqV2Ptr& request, CCompactReply reply);
-  void takeData(const std::string& accountKey, int dataType, const utils::RDError& error,
+  void takeData(const std::string& accountKey, std::uint64_t mark, int dataType, const utils::RDError& error,
                 const std::vector<IDataPtr>& records);
 
   counter::ICounter& theCounter;
@@ -97,27 +105,32 @@ void CTradeClient::Private::queryCompacts(int dataType, const rdservice::CQueryC
                                           CCompactReply reply) {
   const auto sent = boost::make_shared<rdservice::CQueryCompactReqV2>(*request);
   sent->dataType = dataType;
-  requests.send(sent, [reply = std::move(reply)](const utils::RDError& error, const std::vector<IDataPtr>& records,
-                                                 const bson::BSONObj& extra) { reply(error, records, 0, extra); });
+  const std::uint64_t mark = markOf(sent->accountKey);
+  requests.send(sent, [mark, reply = std::move(reply)](const utils::RDError& error, const std::vector<IDataPtr>& records,
+                                                       const bson::BSONObj& extra) {
+    rdservice::noteMark(records, mark);
+    reply(error, records, 0, extra);
+  });
 }
 
 void CTradeClient::queryData(const rdservice::CQueryDataReqPtr& request, CDataReply reply, int, int) {
   const auto sent = boost::make_shared<rdservice::CQueryDataReq>(*request);
   const std::string accountKey = sent->accountInfo ? sent->accountInfo->getKey() : std::string();
-  m_d->requests.send(sent, [this, accountKey, dataType = sent->dataType, reply = std::move(reply)](
+  const std::uint64_t mark = markOf(accountKey);
+  m_d->requests.send(sent, [this, accountKey, mark, dataType = sent->dataType, reply = std::move(reply)](
                                const utils::RDError& error, const std::vector<IDataPtr>& records,
                                const bson::BSONObj& extra) {
-    if (isCompactType(dataType)) m_d->takeData(accountKey, dataType, error, records);
+    if (isCompactType(dataType)) m_d->takeData(accountKey, mark, dataType, error, records);
     if (reply) reply(error, records, extra);
   });
 }
 
-void CTradeClient::Private::takeData(const std::string& accountKey, int dataType, const utils::RDError& error,
+void CTradeClient::Private::takeData(const std::string& accountKey, std::uint64_t mark, int dataType, const utils::RDError& error,
                                      const std::vector<IDataPtr>& records) {
   if (error.isSuccess()) {
     rdservice::CDataCenter* centre = dataCentre();
     if (const auto account = centre != nullptr ? centre->getAccountData(accountKey) : nullptr)
-      account->updateCompacts(dataType, records);
+      rdservice::replaceAsOf(*account, dataType, records, mark);
   } else {
     constexpr utils::CLogSite SITE{FILE_NAME, "void VN::CTradeClient::queryData(const rdservice::CQueryDataReqPtr&, "
                                               "CDataReply, int, int)"};

@@ -14,7 +14,7 @@ class CStructDes;
 class IData;
 using IDataPtr = boost::shared_ptr<IData>;
 
-/// Gives the store that publishes records access to their version.
+/// Gives the data centre access to the version of records.
 struct CDataVersion;
 
 /// A record or request of the trading service.
@@ -41,7 +41,7 @@ class HOST_API IData {
   virtual std::int64_t getHashKey(std::int64_t seed) const;
 
   /// 0 until the record is stored in the data centre; then the store's rising number of this record.
-  std::uint64_t version() const { return m_version; }
+  std::uint64_t version() const { return (m_version & UNPUBLISHED) == 0 ? m_version : 0; }
 
  protected:
   IData();
@@ -51,6 +51,9 @@ class HOST_API IData {
 
  private:
   friend struct CDataVersion;
+  /// Set in `m_version` while it is not the version but the data centre's note about an unpublished record.
+  static constexpr std::uint64_t UNPUBLISHED = std::uint64_t(1) << 63;
+
   std::uint64_t m_version = 0;
 };
 

@@ -68,8 +68,9 @@ TEST(CBookGenerator, saysWhyItCannotWrite) {
   QFile(blocked).open(QIODevice::WriteOnly);
   EXPECT_EQ(CBookGenerator({}).write(blocked.toStdString()), blocked.toStdString() + ": the folder cannot be created");
   QDir().mkpath(folder.filePath(QStringLiteral("b/accounts.csv")));  // a folder where a file belongs
-  EXPECT_NE(CBookGenerator({}).write(folder.filePath(QStringLiteral("b")).toStdString()).find("accounts.csv: "),
-            std::string::npos);
+  const auto error = CBookGenerator({}).write(folder.filePath(QStringLiteral("b")).toStdString());
+  EXPECT_NE(error.find("accounts.csv: "), std::string::npos) << error;
+  EXPECT_GT(error.size(), error.find("accounts.csv: ") + 20) << error;  // and a reason
 }
 
 }  // namespace

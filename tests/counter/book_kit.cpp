@@ -12,8 +12,8 @@
 #include <QSqlRecord>
 #include <QVariant>
 
-#include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
+#include <boost/make_shared.hpp>
 
 #include <chrono>
 #include <condition_variable>

@@ -69,8 +69,8 @@ CReply get(std::future<CReply> reply);
 rdservice::IDataPtr accountsRequest();
 rdservice::IDataPtr instrumentsRequest();
 rdservice::IDataPtr loginRequest(const std::string& accountKey, bool login = true);
-rdservice::IDataPtr compactsRequest(const std::string& accountKey, int compactType = ' ', const std::string& position = {},
-                                    int count = 0);
+rdservice::IDataPtr compactsRequest(const std::string& accountKey, int compactType = ' ',
+                                    const std::string& position = {}, int count = 0);
 rdservice::IDataPtr dataRequest(const std::string& accountKey, int dataType);
 
 /// The numbers of the compacts, in order, with a blank between.

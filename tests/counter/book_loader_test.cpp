@@ -6,9 +6,9 @@
 
 #include <QFile>
 
-#include <boost/make_shared.hpp>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
+#include <boost/make_shared.hpp>
 
 #include <random>
 
@@ -24,8 +24,9 @@ struct CBadBook {
 };
 
 const CBadBook BAD_BOOKS[] = {
-    {"accounts.csv", "", "accounts.csv:1:1: the file is empty; expected a header with account_id, broker_type, "
-                         "counter_type, name, alias, auto_login\n"},
+    {"accounts.csv", "",
+     "accounts.csv:1:1: the file is empty; expected a header with account_id, broker_type, "
+     "counter_type, name, alias, auto_login\n"},
     {"accounts.csv", "account_id,broker_type\n6001,3\n",
      "accounts.csv:1:1: column \"counter_type\" is missing; expected at least account_id, broker_type, counter_type\n"},
     {"accounts.csv", "account_id,名,broker_type,counter_type,broker_type\n",
@@ -76,7 +77,8 @@ const CBadBook BAD_BOOKS[] = {
      "unclosed_compacts.csv:5:4: account, open_date, compact_no, exchange, code: expected values that no record before "
      "has\n"},
     {"unclosed_compacts.csv",
-     "account,exchange,code,compact_type,compact_no,open_date\n6001,SH,600000,0,\xFF,today\n6001,SH,600000,0,\"A,today\n",
+     "account,exchange,code,compact_type,compact_no,open_date\n6001,SH,600000,0,\xFF,today\n6001,SH,600000,0,\"A,"
+     "today\n",
      "unclosed_compacts.csv:2:18: bytes that are not UTF-8; expected a file saved as UTF-8\n"
      "unclosed_compacts.csv:3:18: a quote without end; expected a closing quote within 1048576 bytes\n"},
 };
@@ -136,10 +138,11 @@ TEST(CBookLoader, replacesTheFormerBook) {
                       const std::string& position) {
     return "3.6002,SZ,000001," + name + ",1,0,0,0,0,0,0,0,0,0," + number + "," + date + ",0,0,0,0," + position + ",,\n";
   };
-  EXPECT_EQ(book.content(), "6001,3,90,张伟,,1,\n6002,3,102,,,1,\n"
-                            "SH,600000,浦发银行,,0.01,\nSZ,000001,平安银行,,0.01,\n" +
-                                row("C1", "平安银行", std::to_string(QDate(2024, 2, 29).toJulianDay()), "0000000001") +
-                                row("C2", "别名", julian(16), "0000000002"));
+  EXPECT_EQ(book.content(),
+            "6001,3,90,张伟,,1,\n6002,3,102,,,1,\n"
+            "SH,600000,浦发银行,,0.01,\nSZ,000001,平安银行,,0.01,\n" +
+                row("C1", "平安银行", std::to_string(QDate(2024, 2, 29).toJulianDay()), "0000000001") +
+                row("C2", "别名", julian(16), "0000000002"));
 }
 
 /// A compact with a random value in every field.
@@ -177,7 +180,8 @@ boost::shared_ptr<CStkUnClosedCompacts> randomCompact(std::mt19937& random, int 
 TEST(CBookLoader, everyFieldSurvivesTheWayThroughFileAndDatabase) {
   std::mt19937 random(20240315);
   std::string text;
-  for (const auto& field : CStkUnClosedCompacts::structDes()) text += (text.empty() ? "" : ",") + std::string(field.name);
+  for (const auto& field : CStkUnClosedCompacts::structDes())
+    text += (text.empty() ? "" : ",") + std::string(field.name);
   text += "\r\n";
   std::vector<boost::shared_ptr<CStkUnClosedCompacts>> written;
   for (int i = 0; i < 500; ++i) {

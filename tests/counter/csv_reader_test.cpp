@@ -28,7 +28,7 @@ std::string read(const std::string& text, bool places = false, std::size_t maxRo
     }
     std::string cells;
     for (const auto& cell : reader.cells()) {
-      if (!cells.empty()) cells += "|";
+      if (&cell != &reader.cells().front()) cells += "|";
       if (places) cells += std::to_string(cell.line) + ":" + std::to_string(cell.column) + " ";
       cells += cell.text;
     }
@@ -43,13 +43,17 @@ TEST(CCsvReader, readsRows) {
   } CASES[] = {
       {"", ""},
       {"\xEF\xBB\xBF", ""},
-      {"\xEF\xBB\xBF" "a,b\n", "[a|b]"},
+      {"\xEF\xBB\xBF"
+       "a,b\n",
+       "[a|b]"},
       {"a,b", "[a|b]"},
       {"a,b\r\nc,d\r\n", "[a|b][c|d]"},
       {"\n\r\na\n\n\nb\n", "[a][b]"},
       {",\n", "[|]"},
       {"a,\n", "[a|]"},
-      {R"("a,b","say ""x""","")" "\n", R"([a,b|say "x"|])"},
+      {R"("a,b","say ""x""","")"
+       "\n",
+       R"([a,b|say "x"|])"},
       {"\"two\nlines\",\"\r\n\"\n", "[two\nlines|\r\n]"},
       {"\"\"\"\"\n", "[\"]"},
       {"合约,\"融资,融券\"\n", "[合约|融资,融券]"},
@@ -60,7 +64,10 @@ TEST(CCsvReader, readsRows) {
 }
 
 TEST(CCsvReader, tellsPlacesInCharacters) {
-  EXPECT_EQ(read("\xEF\xBB\xBF" "合约,\"x\ny\",z\n\nlast", true), "[1:1 合约|1:4 x\ny|2:4 z][4:1 last]");
+  EXPECT_EQ(read("\xEF\xBB\xBF"
+                 "合约,\"x\ny\",z\n\nlast",
+                 true),
+            "[1:1 合约|1:4 x\ny|2:4 z][4:1 last]");
   EXPECT_EQ(read("合约,a\"\nb\n", true), "!1:5 a quote inside an unquoted cell[2:1 b]");
 }
 
@@ -75,14 +82,16 @@ TEST(CCsvReader, refusesDamagedTextAndGoesOn) {
       {"a\r", "!1:2 a carriage return without line feed"},
       {std::string("a\0b\nc\n", 6), "!1:2 a NUL byte[c]"},
       {std::string("\"a\n\0\"\nc\n", 8), "!2:1 a NUL byte[c]"},
-      {"a\x80\nb\n", "!1:2 bytes that are not UTF-8[b]"},                // continuation without a lead
-      {"\xC0\xAF\nb\n", "!1:1 bytes that are not UTF-8[b]"},             // overlong
-      {"\xE0\x9F\x80\nb\n", "!1:1 bytes that are not UTF-8[b]"},         // overlong
-      {"\xED\xA0\x80\nb\n", "!1:1 bytes that are not UTF-8[b]"},         // surrogate
-      {"\xF4\x90\x80\x80\nb\n", "!1:1 bytes that are not UTF-8[b]"},     // beyond Unicode
-      {"\xE5\x90\n", "!1:1 bytes that are not UTF-8"},                   // cut short
+      {"a\x80\nb\n", "!1:2 bytes that are not UTF-8[b]"},             // continuation without a lead
+      {"\xC0\xAF\nb\n", "!1:1 bytes that are not UTF-8[b]"},          // overlong
+      {"\xE0\x9F\x80\nb\n", "!1:1 bytes that are not UTF-8[b]"},      // overlong
+      {"\xED\xA0\x80\nb\n", "!1:1 bytes that are not UTF-8[b]"},      // surrogate
+      {"\xF4\x90\x80\x80\nb\n", "!1:1 bytes that are not UTF-8[b]"},  // beyond Unicode
+      {"\xE5\x90\n", "!1:1 bytes that are not UTF-8"},                // cut short
       {"a,\xE5\x90", "!1:3 bytes that are not UTF-8"},
-      {"\xFF\xFE" "a\n", "!1:1 bytes that are not UTF-8"},
+      {"\xFF\xFE"
+       "a\n",
+       "!1:1 bytes that are not UTF-8"},
       {std::string(1001, 'x') + "\nb\n", "!1:1001 a line that is too long[b]"},
       {std::string(2000, ',') + "\nb\n", "!1:1001 a line that is too long[b]"},
       {"\"" + std::string(2000, 'x') + "\"\nb\n", "!1:1 a quote without end"},

@@ -2,10 +2,11 @@
 
 #include "counter/counter_errors.h"
 #include "rdservice/CInstrumentInfo.h"
+#include "rdservice/CStructDes.h"
 #include "rdservice/rdservice_enums.h"
 
-#include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
+#include <boost/make_shared.hpp>
 
 #include <atomic>
 #include <set>
@@ -49,18 +50,10 @@ TEST_F(SqlCounter, answersByPositionTypeAndCount) {
     int counterLimit;  ///< 0 for none
     const char* numbers;
   } CASES[] = {
-      {' ', "", 0, 0, "A1 A2 A3 A4"},
-      {' ', "", 3, 0, "A1 A2 A3"},
-      {' ', "", 999999, 0, "A1 A2 A3 A4"},
-      {' ', "0000000002", 0, 0, "A3 A4"},
-      {' ', "0000000002", 1, 0, "A3"},
-      {' ', "0000000004", 5, 0, ""},
-      {'0', "", 0, 0, "A1 A3"},
-      {'1', "", 1, 0, "A2"},
-      {'1', "0000000002", 0, 0, "A4"},
-      {' ', "", 0, 3, "A1 A2 A3"},
-      {' ', "", 2, 3, "A1 A2"},
-      {' ', "0000000001", 9, 3, "A2 A3 A4"},
+      {' ', "", 0, 0, "A1 A2 A3 A4"},     {' ', "", 3, 0, "A1 A2 A3"},     {' ', "", 999999, 0, "A1 A2 A3 A4"},
+      {' ', "0000000002", 0, 0, "A3 A4"}, {' ', "0000000002", 1, 0, "A3"}, {' ', "0000000004", 5, 0, ""},
+      {'0', "", 0, 0, "A1 A3"},           {'1', "", 1, 0, "A2"},           {'1', "0000000002", 0, 0, "A4"},
+      {' ', "", 0, 3, "A1 A2 A3"},        {' ', "", 2, 3, "A1 A2"},        {' ', "0000000001", 9, 3, "A2 A3 A4"},
   };
   for (const auto& c : CASES) {
     auto limited = options();
@@ -113,26 +106,156 @@ TEST_F(SqlCounter, keepsTheLoginStateOfEachAccount) {
   EXPECT_EQ(code(boost::make_shared<CStkUnClosedCompacts>()), RDError::Unsupported) << "a record is no request";
 }
 
-TEST_F(SqlCounter, latencyHoldsUpNoWorker) {
-  const auto LATENCY = std::chrono::milliseconds(300);
-  auto slow = options(1);
-  slow.latency = LATENCY;
-  CTestCounter client(slow);
-  std::atomic<int> slowReplies{0};
-  std::atomic<bool> allLate{true};
-  std::promise<void> allReplied;
-  const auto begin = std::chrono::steady_clock::now();
-  for (int i = 0; i < 10; ++i)
-    client.counter.request(accountsRequest(), [&](const auto&, const auto&, const auto&) {
-      if (std::chrono::steady_clock::now() - begin < LATENCY) allLate = false;
-      if (++slowReplies == 10) allReplied.set_value();
-    });
-  // The one reader has to work through the ten before it comes to these two, and only the latency differs.
+TEST_F(SqlCounter, latencyDelaysRepliesAndHoldsUpNoReader) {
+  CTestCounter client(options(1));
   client.counter.setLatency(std::chrono::hours(1));
-  auto never = client.send(accountsRequest());
-  ASSERT_EQ(allReplied.get_future().wait_for(std::chrono::seconds(0)), std::future_status::timeout);
+  std::vector<std::future<CReply>> late;
+  for (int i = 0; i < 10; ++i) late.push_back(client.send(accountsRequest()));
   client.counter.setLatency(std::chrono::milliseconds(0));
+  // The one reader comes to this request only after the ten.
   EXPECT_TRUE(client.ask(accountsRequest()).error.isSuccess());
+  for (const auto& reply : late) EXPECT_EQ(reply.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
+
+  const auto latency = std::chrono::milliseconds(30);
+  client.counter.setLatency(latency);
+  const auto begin = std::chrono::steady_clock::now();
+  auto reply = client.send(accountsRequest());
+  EXPECT_EQ(get(std::move(reply)).records.size(), 2U);
+  EXPECT_GE(std::chrono::steady_clock::now() - begin, latency);
+}
+
+TEST_F(SqlCounter, failsAndFallsSilentAsOftenAsAsked) {
+  auto faulty = options(1);
+  faulty.failEvery = 2;
+  CTestCounter client(faulty);
+  std::vector<int> codes;
+  for (int i = 0; i < 5; ++i) codes.push_back(client.ask(loginRequest(ACCOUNT)).error.errorCode());
+  EXPECT_EQ(codes, (std::vector<int>{0, CounterSimulated, 0, CounterSimulated, 0}));
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(client.nextLogin(), "3.6001 2") << "only log-ins that succeeded are reported";
+
+  client.counter.setFailEvery(0);
+  client.counter.setSilentEvery(3);
+  std::string answered;  // written by the one reader only
+  for (int i = 1; i <= 6; ++i)
+    client.counter.request(accountsRequest(),
+                           [&answered, i](const auto&, const auto&, const auto&) { answered += std::to_string(i); });
+  client.counter.setSilentEvery(0);
+  client.ask(accountsRequest());  // answered after the six
+  EXPECT_EQ(answered, "1245");
+}
+
+TEST_F(SqlCounter, stopEndsEverything) {
+  const auto token = std::make_shared<int>();
+  std::atomic<int> replies{0};
+  CTestCounter client(options(1));
+  const auto count = [&replies, token](const auto&, const auto&, const auto&) { ++replies; };
+  client.counter.setLatency(std::chrono::hours(1));
+  for (int i = 0; i < 5; ++i) client.counter.request(accountsRequest(), count);
+  client.counter.setLatency(std::chrono::milliseconds(0));
+
+  std::promise<void> entered;
+  std::promise<void> released;
+  std::atomic<bool> ended{false};
+  client.counter.request(accountsRequest(), [&](const auto&, const auto&, const auto&) {
+    entered.set_value();
+    released.get_future().wait();
+    ended = true;
+  });
+  entered.get_future().wait();
+  for (int i = 0; i < 5; ++i) client.counter.request(accountsRequest(), count);  // wait behind the reply that runs
+  auto stopped = std::async(std::launch::async, [&] {
+    client.counter.stop();
+    return ended.load();
+  });
+  released.set_value();
+  EXPECT_TRUE(stopped.get()) << "stop returned while a reply was running";
+  client.counter.stop();
+  client.counter.request(accountsRequest(), count);
+  client.counter.changeRandomCompacts(ACCOUNT, 1, 1);
+  EXPECT_LE(replies, 5) << "those behind the reply may have been answered, those with latency not";
+  EXPECT_EQ(token.use_count(), 2) << "a dropped request was kept";  // this one and that in `count`
+}
+
+TEST_F(SqlCounter, pushesWhatChangesAtTheBroker) {
+  CTestCounter client(options());
+  client.ask(loginRequest(ACCOUNT));
+  const auto before = client.ask(compactsRequest(ACCOUNT)).records;
+
+  auto changed = editable(before[1]);
+  changed->unpaidAmount = 150;
+  changed->repaidAmount = 50;
+  auto added = editable(before[1]);
+  added->fieldA = "A9";
+  added->positionString = "0000000009";
+  // One record that cannot be written keeps the whole change from happening.
+  auto stranger = editable(before[0]);
+  stranger->accountInfo = boost::make_shared<rdservice::CAccountInfo>();
+  auto taken = editable(added);
+  taken->positionString = "0000000001";
+  client.counter.changeCompacts({changed, stranger});
+  client.counter.changeCompacts({changed, taken});
+  client.counter.changeCompacts({added->copy(), boost::make_shared<CStkUnClosedCompacts>()});
+  EXPECT_EQ(compactNumbers(client.ask(compactsRequest(ACCOUNT)).records), "A1 A2 A3 A4");
+
+  changed->interestAmount = 7;
+  client.counter.changeCompacts({changed, added});
+  const auto pushed = client.nextPush();  // the refused ones pushed nothing
+  ASSERT_EQ(compactNumbers(pushed), "A2 A9");
+  EXPECT_TRUE(sameFields(*pushed[0], *changed));
+  EXPECT_EQ(compact(pushed[0]).accountInfo, compact(before[0]).accountInfo);
+  EXPECT_NE(pushed[0], changed) << "the caller's record may be published, the pushed one is not";
+  const auto after = client.ask(compactsRequest(ACCOUNT)).records;
+  ASSERT_EQ(compactNumbers(after), "A1 A2 A3 A4 A9");
+  EXPECT_TRUE(sameFields(*after[1], *changed));
+  EXPECT_TRUE(sameFields(*after[0], *before[0]));
+}
+
+TEST_F(SqlCounter, changesRandomCompactsAlikeForTheSameSeed) {
+  const auto changes = [](unsigned seed) {
+    CTestBook book;
+    EXPECT_TRUE(book.load().isLoaded());
+    CTestCounter client({book.database()});
+    client.ask(loginRequest(ACCOUNT));
+    std::map<std::string, IDataPtr> held;
+    for (const auto& record : client.ask(compactsRequest(ACCOUNT)).records) held[record->getKey()] = record;
+    std::string text;
+    for (const int count : {2, 99, 0, 1}) {  // the third pushes nothing
+      client.counter.changeRandomCompacts(ACCOUNT, count, seed);
+      if (count == 0) continue;
+      const auto pushed = client.nextPush();
+      EXPECT_EQ(pushed.size(), static_cast<std::size_t>(std::min(count, 4)));
+      for (const auto& record : pushed) {
+        const auto& now = compact(record);
+        const auto& old = compact(held[record->getKey()]);
+        EXPECT_GT(now.interestAmount, old.interestAmount);
+        EXPECT_LT(now.unpaidAmount, old.unpaidAmount);
+        EXPECT_DOUBLE_EQ(now.unpaidAmount + now.repaidAmount, old.unpaidAmount + old.repaidAmount);
+        held[record->getKey()] = record;
+        text += now.fieldA + " " + std::to_string(now.unpaidAmount) + "\n";
+      }
+    }
+    for (const auto& record : client.ask(compactsRequest(ACCOUNT)).records)
+      EXPECT_TRUE(sameFields(*record, *held[record->getKey()])) << "pushed and stored differ";
+    return text;
+  };
+  EXPECT_EQ(changes(1), changes(1));
+  EXPECT_NE(changes(1), changes(2));
+}
+
+TEST_F(SqlCounter, seesABookThatIsReplacedMeanwhile) {
+  CTestCounter client(options());
+  client.ask(loginRequest(ACCOUNT));
+  const auto before = client.ask(accountsRequest()).records;
+  m_book.setFile("accounts.csv",
+                 "account_id,broker_type,counter_type,name\n6001,3,90,张伟\n6002,3,102,新名\n6003,3,90,\n");
+  m_book.setFile("unclosed_compacts.csv",
+                 "account,exchange,code,compact_type,compact_no,open_date\n6001,SH,600000,0,N1,today\n");
+  ASSERT_EQ(m_book.load().errorText(), "");
+  const auto after = client.ask(accountsRequest()).records;
+  ASSERT_EQ(after.size(), 3U);
+  EXPECT_EQ(after[0], before[0]) << "an unchanged account keeps its record";
+  EXPECT_NE(after[1], before[1]);
+  EXPECT_EQ(compactNumbers(client.ask(compactsRequest(ACCOUNT)).records), "N1");
 }
 
 }  // namespace

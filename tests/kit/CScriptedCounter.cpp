@@ -91,7 +91,10 @@ counter::CCounterReply CScriptedCounter::replyOf(std::size_t number) const {
 }
 
 void CScriptedCounter::reply(std::size_t number, const std::vector<IDataPtr>& records) {
-  call([reply = replyOf(number), records] { reply({}, records, {}); });
+  // A counter hands out records of its own, each time anew.
+  std::vector<IDataPtr> fresh;
+  for (const IDataPtr& record : records) fresh.push_back(record ? record->copy() : nullptr);
+  call([reply = replyOf(number), fresh] { reply({}, fresh, {}); });
 }
 
 void CScriptedCounter::fail(std::size_t number, int code, const std::string& text) {
@@ -104,7 +107,9 @@ void CScriptedCounter::push(const std::vector<IDataPtr>& records) {
     const utils::CMutexLock lock(m_mutex);
     sink = m_sink;
   }
-  call([sink, records] { sink->onPush(records); });
+  std::vector<IDataPtr> fresh;
+  for (const IDataPtr& record : records) fresh.push_back(record->copy());
+  call([sink, fresh] { sink->onPush(fresh); });
 }
 
 void CScriptedCounter::setLogin(const std::string& accountKey, rdservice::EBROKER_LOGIN_STATUS status) {

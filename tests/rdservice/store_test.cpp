@@ -85,7 +85,8 @@ TEST_F(CStoreTest, aWholeSetReplacesTheOldOne) {
   const auto kept = store->getData(OPEN, openKey("C2"));
   const auto before = store->getData(OPEN, openKey("C3"));
   takeTold();
-  store->updateCompacts(OPEN, {openCompact("C4"), nullptr, openCompact("C3", 7), openCompact("C2"), openCompact("C4", 8)});
+  store->updateCompacts(
+      OPEN, {openCompact("C4"), nullptr, openCompact("C3", 7), openCompact("C2"), openCompact("C4", 8)});
   EXPECT_EQ(numbersOf(store->getData(OPEN)), "C4 C3 C2");
   EXPECT_EQ(store->getData(OPEN, openKey("C1")), nullptr);
   EXPECT_EQ(store->getData(OPEN, openKey("C2")), kept);
@@ -109,9 +110,11 @@ TEST_F(CStoreTest, aBatchIsToldOnceWhenAllOfItIsStored) {
   store->updateData(openCompact("C1"), false);
   takeTold();
   std::vector<std::size_t> heldWhenTold;
-  const auto counting = store->subscribe(
-      OPEN, {}, [&](const IDataPtr&) { heldWhenTold.push_back(store->getData(OPEN).size() + store->getData(CLOSED).size()); });
-  const auto held = store->updateDatas({openCompact("C2", 1), nullptr, openCompact("C1"), closedCompact("X1"), openCompact("C2", 2)});
+  const auto counting = store->subscribe(OPEN, {}, [&](const IDataPtr&) {
+    heldWhenTold.push_back(store->getData(OPEN).size() + store->getData(CLOSED).size());
+  });
+  const auto held = store->updateDatas(
+      {openCompact("C2", 1), nullptr, openCompact("C1"), closedCompact("X1"), openCompact("C2", 2)});
   EXPECT_EQ(numbersOf(held), "C2 - C1 X1 C2");
   EXPECT_EQ(held[0], held[4]);
   EXPECT_EQ(volumeOf(held[0]), 2);
@@ -176,7 +179,8 @@ TEST(DataCentre, accountsAndInstruments) {
     record->name = name;
     return record;
   };
-  data.setInstruments({instrument("SZ", "000001", "a"), instrument("SH", "600000", "b"), instrument("SZ", "000001", "c")});
+  data.setInstruments(
+      {instrument("SZ", "000001", "a"), instrument("SH", "600000", "b"), instrument("SZ", "000001", "c")});
   EXPECT_EQ(data.getInstruments().size(), 2u);
   EXPECT_EQ(data.getInstrument("SZ", "000001")->name.str(), "c");
   data.setInstruments({instrument("SH", "600000", "d")});

@@ -51,13 +51,13 @@ TEST(CConfigFile, GivesValuesOrFallbacksAndSaysWhatIsWrong) {
       {"list = 'a'", defaults, {":1: list: must be a list of texts, not \"a\""}},
       {"list = [\n 'a',\n 5 ]", defaults, {":3: list: must be a list of texts; 5 is not one"}},
       {"log = 4", defaults,
-       {":1: log: unknown key; known here are: count, flag, list, log, mode, name, ratio, rule"}},
+       {":1: log: unknown key; known here: count, flag, list, log, mode, name, ratio, rule"}},
       {"[log]\nlevel = 'x'\nlevle = 1", defaults,
        {":2: log.level: must be a whole number from 0 to 9, not \"x\"",
-        ":3: log.levle: unknown key; known here are: level"}},
+        ":3: log.levle: unknown key; known here: level"}},
       {"[rule]\nid = 1", defaults, {":1: rule: must be a list of tables, each begun with [[rule]]"}},
       {"[[rule]]\nid = 1\n[[rule]]\nid = 100\nidd = 1", defaults + " rule1 rule-1",
-       {":4: rule.id: must be a whole number from 0 to 99, not 100", ":5: rule.idd: unknown key; known here are: id"}},
+       {":4: rule.id: must be a whole number from 0 to 99, not 100", ":5: rule.idd: unknown key; known here: id"}},
   };
   for (const auto& c : cases) {
     std::ofstream(path, std::ios::binary | std::ios::trunc) << c.content;

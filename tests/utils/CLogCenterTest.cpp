@@ -44,6 +44,19 @@ TEST(CLogCenter, CentresOfOneProcessDoNotMix) {
   EXPECT_THAT(linesOf(path)[0], HasSubstr(" INFO "));
 }
 
+TEST(CLogCenter, LargeFileIsSetAsideAtTheStart) {
+  const QTemporaryDir folder;
+  const std::string path = folder.filePath(QStringLiteral("a.log")).toStdString();
+  const std::string old(16 * 1024 * 1024, 'x');
+  for (const bool isLarge : {false, true}) {
+    std::ofstream(path, std::ios::trunc) << old << (isLarge ? "y\n" : "");
+    CLogCapture log({path, false, utils::LogInfo});
+    utils::logInfo({"a.cpp", "f()"}, "new");
+    EXPECT_EQ(linesOf(path + ".1").size(), isLarge ? 1U : 0U);
+    EXPECT_EQ(linesOf(path)[0].size() < old.size(), isLarge);
+  }
+}
+
 TEST(CLogCenter, SurvivesBadPatternsListenersAndPaths) {
   CLogCapture log({"/nonexistent/folder/x.log", false, utils::LogInfo});
   const auto bad = log.center().addListener([](const utils::CLogLine&) { throw std::runtime_error("listener"); });

@@ -47,6 +47,11 @@ TEST(RPCEngine, StrandRunsInOrderOneAtATime) {
         });
     });
   for (auto& poster : posters) poster.join();
+  // What a task holds goes on the strand too.
+  strand->post([held = std::shared_ptr<int>(new int(0), [&](const int* p) {
+                  delete p;
+                  if (!strand->isCurrent()) ++wrong;
+                })] {});
   waitFor(*strand);
   EXPECT_EQ(wrong, 0);
   std::vector<int> expected;

@@ -43,6 +43,17 @@ rdservice::CAccountInfoPtr accountInfoOf(const rdservice::IData& record) {
   }
 }
 
+/// The table that is storing a reply's records on this thread: what the store then tells it as pushes is its own echo.
+thread_local const CCompactsTable* storingTable = nullptr;
+
+class CStoring {
+ public:
+  explicit CStoring(const CCompactsTable* table) { storingTable = table; }
+  ~CStoring() { storingTable = nullptr; }
+  CStoring(const CStoring&) = delete;
+  CStoring& operator=(const CStoring&) = delete;
+};
+
 bool isOfType(const rdservice::IData& record, int compactType) {
   return compactType == rdservice::CompactTypeAll || compactTypeOf(record) == compactType;
 }
@@ -119,7 +130,10 @@ void CCompactsTable::applyReply(const CReplyText& text, const GW::CTableScope& m
     if (repeats && getDataByKey(record->getKey())) continue;
     kept.push_back(record);
   }
-  if (store) kept = store->updateDatas(kept);
+  if (store) {
+    const CStoring storing(this);
+    kept = store->updateDatas(kept);
+  }
 
   GW::CTableBatch batch(*this, madeFor);
   for (const IDataPtr& record : kept) writeRow(record);
@@ -158,7 +172,7 @@ void CCompactsTable::onCompactChange(bool replaced, const std::string& account, 
 }
 
 void CCompactsTable::onPushData(IDataPtr data) {
-  if (!data) return;
+  if (!data || storingTable == this) return;
   const int typeId = data->getBaseId();
   if (typeId != rdservice::RecordStkUnClosedCompacts && typeId != rdservice::RecordStkClosedCompacts) return;
   {

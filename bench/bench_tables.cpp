@@ -1,0 +1,126 @@
+// Times of the table and the data centre, through their public classes, on deterministic records.
+
+#include "gw/CTableBatch.h"
+#include "net/engine_factory.h"
+#include "rdservice/CStkUnClosedCompacts.h"
+#include "rdservice/data_centre_factory.h"
+#include "vn/CHpfDataTable.h"
+
+#include <benchmark/benchmark.h>
+
+#include <QApplication>
+
+#include <boost/make_shared.hpp>
+
+#include <random>
+
+namespace {
+
+using rdservice::IDataPtr;
+
+rdservice::CAccountInfoPtr account() {
+  static const auto info = [] {
+    const auto made = boost::make_shared<rdservice::CAccountInfo>();
+    made->accountId = "10010001";
+    made->brokerType = 3;
+    return made;
+  }();
+  return info;
+}
+
+std::vector<IDataPtr> makeRecords(std::int64_t count, unsigned seed) {
+  std::mt19937 random(seed);
+  std::vector<IDataPtr> records;
+  records.reserve(std::size_t(count));
+  for (std::int64_t i = 0; i < count; ++i) {
+    const auto record = boost::make_shared<rdservice::CStkUnClosedCompacts>();
+    record->accountInfo = account();
+    record->exchangeId = i % 2 == 0 ? "SH" : "SZ";
+    record->code = std::to_string(600000 + i % 200);
+    record->name = "证券" + std::to_string(i % 200);
+    record->fieldA = "C" + std::to_string(i);
+    record->fieldB = 2460000 + int(i % 180);
+    record->unpaidAmount = double(random() % 100000000) / 100;
+    records.push_back(record);
+  }
+  return records;
+}
+
+void showAll(VN::CHpfDataTable& table) {
+  table.updateTable();
+  while (!table.isUpToDate()) QCoreApplication::processEvents();
+}
+
+/// Records handed over in one batch, until every row is displayed; sorted by an amount.
+void loadTable(benchmark::State& state) {
+  for (auto _ : state) {
+    state.PauseTiming();
+    const std::vector<IDataPtr> records = makeRecords(state.range(0), 1);
+    auto table = std::make_unique<VN::CHpfDataTable>(0, 13916, nullptr, 255);
+    table->resize(1200, 600);
+    table->show();
+    table->setSortColumn(table->getColumnIdByFileId(1391609), Qt::AscendingOrder);
+    QCoreApplication::processEvents();
+    state.ResumeTiming();
+    GW::CTableBatch batch(*table, table->scope());
+    table->updateDatas(records, false);
+    benchmark::DoNotOptimize(batch.commit());
+    showAll(*table);
+    state.PauseTiming();
+    table.reset();
+    state.ResumeTiming();
+  }
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(loadTable)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+/// A hundred changed records pushed into a sorted table and displayed.
+void pushIntoTable(benchmark::State& state) {
+  VN::CHpfDataTable table(0, 13916, nullptr, 255);
+  table.resize(1200, 600);
+  table.show();
+  table.setSortColumn(table.getColumnIdByFileId(1391609), Qt::AscendingOrder);
+  const std::vector<IDataPtr> records = makeRecords(state.range(0), 1);
+  table.updateDatas(records, false);
+  showAll(table);
+  std::mt19937 random(2);
+  for (auto _ : state) {
+    state.PauseTiming();
+    std::vector<IDataPtr> changed;
+    for (int i = 0; i < 100; ++i) {
+      const IDataPtr copy = records[random() % records.size()]->copy();
+      boost::static_pointer_cast<rdservice::CStkUnClosedCompacts>(copy)->unpaidAmount = double(random() % 100000000) / 100;
+      changed.push_back(copy);
+    }
+    state.ResumeTiming();
+    table.updateDatas(changed, false);
+    showAll(table);
+  }
+}
+BENCHMARK(pushIntoTable)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+/// Storing the records of a reply, for the first time and again unchanged.
+void storeReply(benchmark::State& state) {
+  const bool again = state.range(1) != 0;
+  for (auto _ : state) {
+    state.PauseTiming();
+    const auto store = rdservice::makeAccountData(account());
+    if (again) store->updateDatas(makeRecords(state.range(0), 1));
+    const std::vector<IDataPtr> records = makeRecords(state.range(0), 1);
+    state.ResumeTiming();
+    benchmark::DoNotOptimize(store->updateDatas(records));
+  }
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(storeReply)->ArgNames({"records", "again"})->Args({100000, 0})->Args({100000, 1})->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  QApplication application(argc, argv);
+  const auto engine = net::makeRPCEngine(2);
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  benchmark::RunSpecifiedBenchmarks();
+  return 0;
+}

@@ -1,0 +1,254 @@
+// Batches beside the random run: nesting, late and foreign ends, partial turns, waking, and writers on other threads.
+
+#include "CNaiveTable.h"
+#include "CPlanMaker.h"
+#include "CTestTable.h"
+
+#include "gw/CTableBatch.h"
+#include "gw/CTableModel.h"
+#include "gw/table_drain.h"
+#include "rdservice/CDataVersion.h"
+
+#include <QAbstractItemModelTester>
+#include <QCoreApplication>
+#include <QSignalSpy>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <set>
+#include <thread>
+
+namespace {
+
+const GW::CTableScope SCOPE{"3.1001", '0', 0};
+
+CTestRecordPtr makeRecord(const std::string& key, std::uint64_t version = 0) {
+  auto record = boost::make_shared<CTestRecord>();
+  record->id = key;
+  rdservice::CDataVersion::stamp(*record, version);
+  return record;
+}
+
+}  // namespace
+
+TEST(TableBatch, goesToItsOwnTableAndTheInnermostBatch) {
+  CTestTable one, two;
+  one.setScope(SCOPE);
+  two.setScope(SCOPE);
+  GW::CTableBatch outer(one, SCOPE);
+  {
+    GW::CTableBatch other(two, SCOPE);
+    GW::CTableBatch inner(one, SCOPE);
+    one.updateData(makeRecord("inner"), false);
+    two.updateData(makeRecord("other"), false);
+    EXPECT_TRUE(other.commit());  // before the batch that began after it
+    two.updateData(makeRecord("single"), false);
+    one.columnDelegate(CTestTable::ColumnText)->setItemText(QStringLiteral("lost"), QStringLiteral("x"));
+  }
+  one.updateData(makeRecord("outer"), false);
+  EXPECT_TRUE(one.getAllDatas().empty());
+  EXPECT_TRUE(outer.commit());
+  EXPECT_EQ(one.getAllDatas().size(), 1U);
+  EXPECT_NE(one.getDataByKey("outer"), nullptr);
+  EXPECT_TRUE(one.columnDelegate(CTestTable::ColumnText)->isEmpty());
+  EXPECT_EQ(two.getAllDatas().size(), 2U);
+}
+
+TEST(TableBatch, outlivesItsTable) {
+  auto table = std::make_unique<CTestTable>();
+  table->setScope(SCOPE);
+  GW::CTableBatch batch(*table, SCOPE);
+  table->updateData(makeRecord("a"), true);
+  table.reset();
+  EXPECT_FALSE(batch.commit());
+}
+
+TEST(TableBatch, wakesTheGuiThreadOnceAndOnlyWhenAskedTo) {
+  CTestTable table;
+  table.updateData(makeRecord("a"), false);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(table.rowCount(), 0);
+  std::thread([&table] { table.updateData(makeRecord("b"), true); }).join();
+  EXPECT_EQ(table.rowCount(), 0);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(table.rowCount(), 2);
+}
+
+// Many rows take many turns; every turn is a few signals, and sorted rows arrive sorted.
+TEST(TableBatch, largeBatchIsShownInTurns) {
+  CTestTable table;
+  table.setSortColumn(CTestRecord::ColumnId, Qt::DescendingOrder);
+  std::vector<rdservice::IDataPtr> records;
+  for (int i = 0; i < 60000; ++i) records.push_back(makeRecord(std::to_string(100000 + i)));
+  table.updateDatas(records, false);
+  QSignalSpy inserted(table.view()->model(), &QAbstractItemModel::rowsInserted);
+  QSignalSpy changed(table.view()->model(), &QAbstractItemModel::dataChanged);
+  int moved = 0;
+  QObject::connect(table.view()->model(), &QAbstractItemModel::layoutChanged, [&moved] { ++moved; });
+  int turns = 0;
+  for (table.updateTable(); !table.isUpToDate(); QCoreApplication::processEvents()) ++turns;
+  ASSERT_GE(turns, 2);
+  EXPECT_LE(inserted.size(), turns + 1);
+  EXPECT_LE(moved, turns + 1);
+  EXPECT_EQ(changed.size(), 0);
+  ASSERT_EQ(table.rowCount(), 60000);
+  for (int row = 0; row < 60000; row += 999) ASSERT_EQ(testRecord(table.getData(row)).id, std::to_string(159999 - row));
+
+  for (int i = 0; i < 60000; i += 2) table.updateData(makeRecord(std::to_string(100000 + i)), false);
+  changed.clear();
+  table.updateTable();
+  EXPECT_LE(changed.size(), 8);
+}
+
+// Turns of a few rows, so that clears and drops fall between the steps of one backlog.
+TEST(TableDrain, partialTurnsEndAtTheSameRows) {
+  for (unsigned seed = 1; seed <= 8; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    CPlanMaker make(seed);
+    CNaiveTable naive;
+    GW::CTableStore store(nullptr);
+    GW::CTableModel model;
+    for (const auto& field : CTestRecord::structDes()) {
+      GW::CTableColumn column;
+      column.field = &field;
+      model.addColumn(std::move(column));
+    }
+    const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    model.setSort(seed % 2 == 0 ? -1 : CTestRecord::ColumnName, Qt::AscendingOrder);
+    naive.setSort(seed % 2 == 0 ? -1 : CTestRecord::ColumnName, Qt::AscendingOrder);
+    for (int step = 0; step < 250; ++step) {
+      const CBatchPlan plan = make.plan();
+      GW::CTableChanges changes;
+      changes.clearFirst = plan.clearFirst;
+      if (plan.dropGroup) {
+        changes.belongs = [group = *plan.dropGroup](const rdservice::IData& r) { return static_cast<const CTestRecord&>(r).group == group; };
+      }
+      for (const auto& record : plan.records) changes.add(record);
+      changes.items = plan.items;
+      ASSERT_TRUE(store.commit(std::move(changes), nullptr, plan.rule, nullptr));
+      naive.apply(plan);
+
+      const GW::CDrainLimits few{static_cast<std::size_t>(1 + make.below(4)), 6, [&make] { return make.isOneIn(2); }};
+      const bool isDone = GW::drainTable(store, model, few);
+      ASSERT_EQ(isDone, store.isDrained());
+      if (!isDone && !make.isOneIn(8)) continue;
+      const GW::CDrainLimits all{100, 100000, [] { return false; }};
+      ASSERT_TRUE(GW::drainTable(store, model, all));
+      naive.drain();
+      ASSERT_EQ(model.rowCount(), static_cast<int>(naive.displayedRows.size()));
+      for (int row = 0; row < model.rowCount(); ++row) ASSERT_EQ(model.record(row), naive.displayedRows[static_cast<std::size_t>(row)].record);
+    }
+  }
+}
+
+namespace {
+
+constexpr int KEYS = 30;
+constexpr int ROUNDS = 60;
+constexpr std::uint64_t PER_ROUND = 20;
+
+/// Writers that answer for the query last announced, while a switcher goes on to the next one; the writer's batches are
+/// made of records that carry their query.
+struct CWriterRun {
+  CTestTable table;
+  GW::CBaseTableColumnWidgetDelegate* texts = table.columnDelegate(CTestTable::ColumnText);
+  std::atomic<std::uint64_t> announced{0};  ///< set when the table has been emptied for that query
+  std::atomic<std::uint64_t> commits{0};
+  std::atomic<std::uint64_t> versions{0};
+  std::atomic<int> running{0};
+
+  struct CLog {
+    std::vector<CTestRecordPtr> accepted, refused;
+  };
+
+  static GW::CTableScope scopeOf(std::uint64_t query) { return {"3.1001", '0', query}; }
+
+  void write(unsigned seed, const std::string& ownPrefix, CLog& log) {
+    CPlanMaker make(seed);
+    for (;;) {
+      const std::uint64_t query = announced;
+      if (query > ROUNDS) break;
+      if (query == 0) continue;
+      GW::CTableBatch batch(table, scopeOf(query));
+      std::vector<CTestRecordPtr> records;
+      for (int i = 1 + make.below(8); i > 0; --i) {
+        const std::uint64_t version = ++versions;
+        const bool isOwn = make.isOneIn(2);
+        records.push_back(makeRecord((isOwn ? ownPrefix : "shared") + std::to_string(make.below(KEYS)), version));
+        records.back()->volume = static_cast<std::int64_t>(query);
+        records.back()->serial = version;
+        table.updateData(records.back(), make.isOneIn(10));
+        const QString key = QString::fromStdString(records.back()->id);
+        if (isOwn) texts->setItemText(key, QString::number(version));
+      }
+      auto& list = batch.commit() ? log.accepted : log.refused;
+      list.insert(list.end(), records.begin(), records.end());
+      ++commits;
+    }
+    --running;
+  }
+
+  void switchOn() {
+    for (std::uint64_t query = 1; query <= ROUNDS; ++query) {
+      table.setScope(scopeOf(query));
+      GW::CTableBatch batch(table, scopeOf(query));
+      batch.clearFirst();
+      EXPECT_TRUE(batch.commit());
+      announced = query;
+      const std::uint64_t enough = commits + PER_ROUND;
+      while (commits < enough) std::this_thread::yield();
+    }
+    announced = ROUNDS + 1;
+    --running;
+  }
+};
+
+}  // namespace
+
+TEST(TableThreads, onlyAcceptedRowsAreEverSeen) {
+  CWriterRun run;
+  run.table.setSortColumn(CTestRecord::ColumnId, Qt::AscendingOrder);
+  CWriterRun::CLog logs[2];
+  run.running = 3;
+  std::thread threads[] = {std::thread([&run, &logs] { run.write(1, "a", logs[0]); }),
+                           std::thread([&run, &logs] { run.write(2, "b", logs[1]); }),
+                           std::thread([&run] { run.switchOn(); })};
+  std::set<std::uint64_t> seen;
+  const auto look = [&run, &seen] {
+    QCoreApplication::processEvents();
+    run.table.updateTable();
+    std::set<std::int64_t> queries;
+    for (int row = 0; row < run.table.rowCount(); ++row) {
+      const CTestRecord& record = testRecord(run.table.getData(row));
+      seen.insert(record.serial);
+      queries.insert(record.volume);
+      const bool isShared = record.id.front() == 's';
+      // A record and its item came in one batch and are seen together.
+      ASSERT_EQ(run.table.cellText(row, CTestTable::ColumnText), isShared ? QString() : QString::number(record.serial));
+    }
+    ASSERT_LE(queries.size(), 1U);  // the emptying and the first rows of a query are never mixed with those before
+  };
+  while (run.running > 0 && !HasFatalFailure()) look();
+  for (std::thread& thread : threads) thread.join();
+  look();
+
+  std::map<std::string, CTestRecordPtr> expected;
+  std::size_t refused = 0;
+  for (const CWriterRun::CLog& log : logs) {
+    for (const auto& record : log.refused) EXPECT_EQ(seen.count(record->serial), 0U);
+    refused += log.refused.size();
+    for (const auto& record : log.accepted) {
+      if (record->volume != ROUNDS) continue;
+      CTestRecordPtr& newest = expected[record->id];
+      if (!newest || newest->version() < record->version()) newest = record;
+    }
+  }
+  EXPECT_FALSE(expected.empty());
+  RecordProperty("refusedRecords", static_cast<int>(refused));
+  ASSERT_EQ(run.table.rowCount(), static_cast<int>(expected.size()));
+  for (int row = 0; row < run.table.rowCount(); ++row) {
+    const auto record = run.table.getData(row);
+    EXPECT_EQ(record, expected[record->getKey()]) << record->getKey();
+  }
+}

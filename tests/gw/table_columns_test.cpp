@@ -1,0 +1,94 @@
+// Columns: saved layouts, widths, sorting by the header.
+
+#include "CTestTable.h"
+
+#include <QHeaderView>
+#include <QtTest/QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+/// Everything that a layout restores.
+QStringList layoutOf(const CTestTable& table) {
+  QStringList columns;
+  for (int id = 0; id < table.columnCount(); ++id) {
+    columns << QStringLiteral("%1@%2 %3%4")
+                   .arg(id)
+                   .arg(table.columnPosition(id))
+                   .arg(table.isColumnHidden(id) ? -1 : table.view()->columnWidth(id))
+                   .arg(table.isColumnHidden(id) ? QStringLiteral(" hidden") : QString());
+  }
+  return columns;
+}
+
+}  // namespace
+
+TEST(TableColumns, layoutIsRestoredAndDamageChangesNothing) {
+  CTestTable changed;
+  EXPECT_TRUE(changed.isColumnHidden(CTestRecord::ColumnDate));
+  changed.moveColumn(CTestRecord::ColumnAmount, 0);
+  changed.moveColumn(CTestTable::ColumnRanked, 2);
+  changed.setColumnWidth(CTestRecord::ColumnName, 231);
+  changed.setColumnWidth(CTestRecord::ColumnGroup, 77);
+  changed.setColumnHidden(CTestRecord::ColumnGroup, true);
+  changed.setColumnHidden(CTestRecord::ColumnDate, false);
+  const QString saved = changed.saveConfigStr();
+  EXPECT_TRUE(saved.startsWith(QLatin1String("901;")));
+  EXPECT_FALSE(saved.contains(QLatin1Char('|')));
+
+  CTestTable table;
+  const QStringList before = layoutOf(table);
+  ASSERT_NE(before, layoutOf(changed));
+  QStringList damaged{QString(), QStringLiteral(";"), QStringLiteral("901"), QStringLiteral("901;"), saved + QLatin1Char(' ')};
+  for (int i = 0; i < saved.size(); ++i) {
+    damaged << saved.left(i);
+    for (const char c : {'0', '1', ';', ':', '-', 'x'}) {
+      QString one = saved;
+      one[i] = QLatin1Char(c);
+      if (one != saved) damaged << one;
+    }
+  }
+  for (const QString& text : damaged) ASSERT_FALSE(table.loadConfigStr(text)) << text.toStdString();
+  GW::CStandardHpfTable foreign(2, nullptr);
+  EXPECT_FALSE(table.loadConfigStr(foreign.saveConfigStr()));
+  EXPECT_EQ(layoutOf(table), before);
+
+  ASSERT_TRUE(table.loadConfigStr(saved));
+  EXPECT_EQ(layoutOf(table), layoutOf(changed));
+  table.setColumnHidden(CTestRecord::ColumnGroup, false);
+  EXPECT_EQ(table.view()->columnWidth(CTestRecord::ColumnGroup), 77);  // kept while hidden
+}
+
+TEST(TableColumns, headerIsNeverCut) {
+  CTestTable table;
+  table.setColumnHidden(CTestRecord::ColumnDate, false);
+  table.setSortColumn(0, Qt::AscendingOrder);
+  table.adjustVisibleRowsColumnWidth();
+  for (const bool isFitted : {false, true}) {
+    if (isFitted) table.adjustVisibleRowsColumnWidth();
+    for (int id = 0; id < table.columnCount(); ++id) {
+      table.setSortColumn(id, Qt::AscendingOrder);  // the arrow needs its place too
+      EXPECT_GE(table.view()->columnWidth(id), table.view()->horizontalHeader()->sectionSizeHint(id)) << id;
+    }
+  }
+}
+
+TEST(TableColumns, headerClicksCycle) {
+  CTestTable table;
+  for (const char* id : {"b", "c", "a"}) {
+    auto record = boost::make_shared<CTestRecord>();
+    record->id = id;
+    table.updateData(record, false);
+  }
+  table.updateTable();
+  table.resize(800, 200);
+  table.show();
+  QHeaderView* header = table.view()->horizontalHeader();
+  for (const char* expected : {"abc", "cba", "bca", "abc"}) {
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(header->sectionViewportPosition(0) + 20, 8));
+    std::string ids;
+    for (int row = 0; row < table.rowCount(); ++row) ids += testRecord(table.getData(row)).id;
+    EXPECT_EQ(ids, expected);
+  }
+}

@@ -1,0 +1,194 @@
+// The independent panel, used through its widgets.
+
+#include "compacts/CCompactsPanel.h"
+
+#include "compacts/tables/CCompactsTable.h"
+#include "gw/controls.h"
+#include "kit/CTestRuntime.h"
+#include "kit/records.h"
+#include "rdservice/TraderCenter.h"
+#include "vn/CCountDownButton.h"
+#include "vn/CTradeClient.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QTest>
+
+namespace {
+
+using kit::CTestRuntime;
+using testing::ElementsAre;
+using VN::CCompactsPanel;
+
+struct CPanelUnderTest {
+  explicit CPanelUnderTest(CTestRuntime& r) : runtime(r), panel(new CCompactsPanel(3, nullptr, 0)) {
+    panel->resize(1200, 400);
+    panel->show();
+    combo = panel->findChild<GW::CComboBox*>();
+    refresh = panel->findChild<VN::CCountDownButton*>();
+    table = panel->findChild<VN::CCompactsTable*>();
+    runtime.settle();
+  }
+
+  QStringList accounts() const {
+    QStringList texts;
+    for (int i = 0; i < combo->count(); ++i) texts << combo->itemText(i);
+    return texts;
+  }
+  void choose(const char* key) {
+    combo->setCurrentIndex(combo->findData(QString::fromLatin1(key)));
+    runtime.settle();
+  }
+  void clickRefresh() {
+    QTest::mouseClick(refresh, Qt::LeftButton);
+    runtime.settle();
+  }
+  rdservice::CStkUnClosedCompactsPtr compact(const char* key, const std::string& number) const {
+    return kit::compact(
+        rdservice::TraderCenter::instance()->getDataCenter()->getAccountData(key)->getAccountInfo(), number);
+  }
+  std::size_t requests() const { return runtime.counter().held().size(); }
+
+  CTestRuntime& runtime;
+  std::unique_ptr<CCompactsPanel> panel;
+  GW::CComboBox* combo = nullptr;
+  VN::CCountDownButton* refresh = nullptr;
+  VN::CCompactsTable* table = nullptr;
+};
+
+TEST(CCompactsPanel, ListsTheCreditAccountsThatAreLoggedIn) {
+  CTestRuntime runtime;
+  CPanelUnderTest p(runtime);
+  EXPECT_EQ(p.accounts(), QStringList() << QStringLiteral("1001(张三)") << QStringLiteral("1002(李四)")
+                                        << QStringLiteral("1003(机构)"));
+  EXPECT_EQ(p.combo->currentKey(), QStringLiteral("3.1001"));
+
+  // A log-out takes the account away, and the table follows to the one that is current then.
+  VN::CTradeClient::instance()->setLogin("3.1001", false);
+  runtime.settle();
+  EXPECT_EQ(p.combo->currentKey(), QStringLiteral("3.1002"));
+  EXPECT_EQ(p.table->currentAccount(), "3.1002");
+  VN::CTradeClient::instance()->setLogin("3.1001", true);
+  runtime.settle();
+  EXPECT_EQ(p.accounts().size(), 3);
+}
+
+TEST(CCompactsPanel, RefreshLocksTheComboBoxUntilTheAnswer) {
+  CTestRuntime runtime;
+  CPanelUnderTest p(runtime);
+  struct CEnd {
+    const char* what;
+    std::function<void(std::size_t)> end;
+  };
+  const CEnd ends[] = {
+      {"rows", [&](std::size_t n) { runtime.counter().reply(n, {p.compact("3.1001", "C1")}); }},
+      {"none", [&](std::size_t n) { runtime.counter().reply(n, {}); }},
+      {"failure", [&](std::size_t n) { runtime.counter().fail(n, 1, "柜台繁忙"); }},
+  };
+  for (const CEnd& end : ends) {
+    SCOPED_TRACE(end.what);
+    p.clickRefresh();
+    EXPECT_FALSE(p.combo->isEnabled());
+    end.end(p.requests() - 1);
+    runtime.settle();
+    EXPECT_TRUE(p.combo->isEnabled());
+  }
+  EXPECT_EQ(runtime.logged("[CCompactsPanel] query, current radioButton: 0").size(), 3U);
+}
+
+TEST(CCompactsPanel, ALockedRefreshButtonQueriesNothing) {
+  runtime::CClientConfig config = kit::testConfig();
+  config.user.queryCompactInterval = 30;
+  CTestRuntime runtime(config);
+  CPanelUnderTest p(runtime);
+  p.clickRefresh();
+  const std::size_t requests = p.requests();
+  EXPECT_TRUE(p.refresh->isLocked());
+  p.clickRefresh();
+  EXPECT_EQ(p.requests(), requests);
+  EXPECT_FALSE(p.combo->isEnabled());
+  EXPECT_EQ(runtime.logged("[CCompactsPanel] not query, current radioButton: 0").size(), 1U);
+}
+
+TEST(CCompactsPanel, WhoQueriesWhenTheAccountChanges) {
+  struct CCase {
+    bool splitPage;
+    bool calcCompactType;
+    bool queries;
+  };
+  for (const CCase& c : {CCase{true, true, true}, {true, false, false}, {false, true, false}, {false, false, true}}) {
+    SCOPED_TRACE(testing::Message() << c.splitPage << c.calcCompactType);
+    runtime::CClientConfig config = kit::testConfig();
+    config.broker.useSplitPageOfStkCompact = c.splitPage;
+    config.broker.calcCompactType = c.calcCompactType;
+    CTestRuntime runtime(config);
+    CPanelUnderTest p(runtime);
+    const std::size_t requests = p.requests();
+    p.choose("3.1002");
+    EXPECT_EQ(p.requests() - requests, c.queries ? 1U : 0U);
+  }
+}
+
+TEST(CCompactsPanel, ALateAnswerForTheOldAccountShowsNothing) {
+  CTestRuntime runtime;
+  CPanelUnderTest p(runtime);
+  p.clickRefresh();
+  const std::size_t first = p.requests() - 1;
+  p.choose("3.1003");
+  runtime.counter().reply(first, {p.compact("3.1001", "C1")});
+  runtime.settle();
+  EXPECT_EQ(p.table->rowCount(), 0);
+  p.choose("3.1001");
+  EXPECT_EQ(p.table->rowCount(), 0);
+}
+
+TEST(CCompactsPanel, PushesOfTheShownAccountArriveWithThePeriodicRefresh) {
+  CTestRuntime runtime;
+  CPanelUnderTest p(runtime);
+  const auto request = [&](const char* key) {
+    p.panel->requestAccount(
+        *rdservice::TraderCenter::instance()->getDataCenter()->getAccountData(key)->getAccountInfo());
+  };
+  request("3.1003");  // not the current one: nothing is subscribed
+  request("3.1001");
+  EXPECT_EQ(runtime.logged("PT! [INDEPENDEN] request account : panel_id = 3").size(), 1U);
+  runtime.counter().push({p.compact("3.1001", "C1"), p.compact("11.1003", "X1")});
+  EXPECT_TRUE(kit::waitUntil([&] { return p.table->rowCount() == 1; }));
+  EXPECT_THAT(kit::visible(*p.table, {"合约编号"}), ElementsAre("C1"));
+}
+
+TEST(CCompactsPanel, ParameterStringsRoundTripAndDamagedOnesDoNothing) {
+  CTestRuntime runtime;
+  CPanelUnderTest p(runtime);
+  const int column = p.table->getColumnIdByFileId(1391603);
+  p.table->moveColumn(column, 0);
+  p.table->setColumnHidden(p.table->getColumnIdByFileId(1391602), true);
+  const QString saved = p.panel->param();
+  EXPECT_EQ(saved.split(QLatin1Char('|')).size(), 4);
+  CPanelUnderTest other(runtime);
+  for (const QString& damaged : {QString(), QStringLiteral("|||7"), QStringLiteral("13915;x|||10002"), QString(5000, QLatin1Char('|'))})
+    other.panel->setParam(damaged);
+  EXPECT_NE(other.panel->param(), saved);
+  other.panel->setParam(saved);
+  EXPECT_EQ(other.panel->param(), saved);
+  EXPECT_EQ(other.table->columnPosition(column), 0);
+}
+
+TEST(CCompactsPanel, ManyPanelsComeAndGoWhileRepliesAndPushesRun) {
+  CTestRuntime runtime;
+  for (int i = 0; i < 20; ++i) {
+    CPanelUnderTest p(runtime);
+    p.panel->refreshAccounts();
+    p.panel->requestAccount(
+        *rdservice::TraderCenter::instance()->getDataCenter()->getAccountData("3.1001")->getAccountInfo());
+    QTest::mouseClick(p.refresh, Qt::LeftButton);
+    runtime.counter().push({p.compact("3.1001", "C1")});
+    runtime.counter().reply(p.requests() - 1, {p.compact("3.1001", "C2")});
+  }
+  runtime.settle();
+  CPanelUnderTest last(runtime);
+  EXPECT_EQ(last.accounts().size(), 3);
+}
+
+}  // namespace

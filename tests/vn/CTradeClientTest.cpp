@@ -1,0 +1,156 @@
+#include "vn/CTradeClient.h"
+
+#include "kit/CTestRuntime.h"
+#include "kit/records.h"
+#include "rdservice/TraderCenter.h"
+#include "vn/CUserConfig.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QSignalSpy>
+
+#include <boost/make_shared.hpp>
+
+#include <atomic>
+#include <thread>
+
+namespace {
+
+using kit::CTestRuntime;
+using rdservice::IDataPtr;
+using utils::RDError;
+using VN::CTradeClient;
+
+constexpr const char* A = "3.1001";
+
+rdservice::CAccountDataPtr dataOf(const char* key) {
+  return rdservice::TraderCenter::instance()->getDataCenter()->getAccountData(key);
+}
+
+/// Counts the answers to one request.
+struct CAnswers {
+  std::atomic<int> count{0};
+  std::atomic<int> code{99};
+  std::vector<IDataPtr> records;
+  std::thread::id thread;
+
+  CTradeClient::CCompactReply handler() {
+    return [this](const RDError& error, const std::vector<IDataPtr>& got, int, const bson::BSONObj&) {
+      records = got;
+      thread = std::this_thread::get_id();
+      code = error.errorCode();
+      ++count;
+    };
+  }
+};
+
+void query(CAnswers& answers) {
+  const auto request = boost::make_shared<rdservice::CQueryCompactReqV2>();
+  request->accountKey = A;
+  CTradeClient::instance()->queryUnclosedCompacts(request, answers.handler());
+}
+
+TEST(CTradeClient, AnswersEveryRequestOnce) {
+  CTestRuntime runtime;
+  kit::CScriptedCounter& counter = runtime.counter();
+  CAnswers first;
+  CAnswers failed;
+  query(first);
+  query(failed);
+  EXPECT_EQ(first.count, 0);
+  counter.fail(1, 8, "柜台繁忙");
+  counter.reply(0, {kit::compact(dataOf(A)->getAccountInfo(), "C1")});
+  counter.reply(0, {});
+  counter.reply(1, {});
+  runtime.settle();
+  EXPECT_EQ(first.count, 1);
+  EXPECT_EQ(first.code, RDError::Success);
+  EXPECT_EQ(first.records.size(), 1U);
+  EXPECT_NE(first.thread, std::this_thread::get_id());
+  EXPECT_EQ(failed.count, 1);
+  EXPECT_EQ(failed.code, 8);
+}
+
+TEST(CTradeClient, ASilentCounterEndsInATimeOut) {
+  runtime::CClientConfig config = kit::testConfig();
+  config.counter.requestTimeoutMs = 100;
+  CTestRuntime runtime(config);
+  CAnswers answers;
+  query(answers);
+  EXPECT_TRUE(kit::waitUntil([&] { return answers.count == 1; }));
+  EXPECT_EQ(answers.code, RDError::TimedOut);
+  runtime.counter().reply(0, {});
+  runtime.settle();
+  EXPECT_EQ(answers.count, 1);
+}
+
+TEST(CTradeClient, StoppingAnswersWhatIsOut) {
+  CAnswers out;
+  CAnswers late;
+  {
+    CTestRuntime runtime;
+    query(out);
+    runtime.client().stop();
+    query(late);
+    EXPECT_EQ(late.count, 1);
+  }
+  EXPECT_EQ(out.count, 1);
+  EXPECT_EQ(out.code, RDError::Stopped);
+  EXPECT_EQ(late.code, RDError::Stopped);
+}
+
+TEST(CTradeClient, GenericQueriesReplaceTheSetAndAreAnnouncedEvenWhenTheyFail) {
+  CTestRuntime runtime;
+  std::vector<std::string> announced;
+  utils::CMutex mutex;
+  const auto subscription = CTradeClient::instance()->subscribeCompactChange(
+      [&](bool replaced, const std::string& account, int type) {
+        const utils::CMutexLock lock(mutex);
+        announced.push_back(account + (replaced ? " replaced " : " failed ") + std::to_string(type));
+      });
+  const auto request = boost::make_shared<rdservice::CQueryDataReq>();
+  request->accountInfo = VN::getUserConfig()->getAccountData(QString::fromLatin1(A));
+  request->dataType = rdservice::RecordStkUnClosedCompacts;
+  const auto ask = [&] { CTradeClient::instance()->queryData(request, nullptr); };
+  const auto compact = [](const char* number) { return kit::compact(dataOf(A)->getAccountInfo(), number); };
+  ask();
+  runtime.counter().reply(0, {compact("C1"), compact("C2")});
+  runtime.settle();
+  ask();
+  runtime.counter().push({compact("C9")});  // opened after the query was sent: the answer does not know it
+  runtime.settle();
+  runtime.counter().reply(1, {compact("C2")});
+  runtime.settle();
+  std::vector<std::string> numbers;
+  for (const IDataPtr& data : dataOf(A)->getData(rdservice::RecordStkUnClosedCompacts))
+    numbers.push_back(boost::dynamic_pointer_cast<rdservice::CStkUnClosedCompacts>(data)->fieldA);
+  EXPECT_THAT(numbers, testing::ElementsAre("C2", "C9"));
+  ask();
+  runtime.counter().fail(2, 1, "柜台繁忙");
+  runtime.settle();
+  ask();
+  runtime.counter().reply(3, {});
+  runtime.settle();
+  EXPECT_THAT(announced, testing::ElementsAre("3.1001 replaced 13916", "3.1001 replaced 13916", "3.1001 failed 13916",
+                                              "3.1001 replaced 13916"));
+  EXPECT_TRUE(dataOf(A)->getData(rdservice::RecordStkUnClosedCompacts).empty());
+}
+
+TEST(CTradeClient, LoginStatusFollowsTheCounter) {
+  CTestRuntime runtime;
+  CTradeClient* client = CTradeClient::instance();
+  QSignalSpy logins(client, &CTradeClient::sigLoginStatus);
+  EXPECT_EQ(client->getLoginStatus(A), rdservice::LoginStatusReady);
+  EXPECT_EQ(client->getLoginStatus("3.9999"), rdservice::LoginStatusNone);
+  client->setLogin(A, false);
+  runtime.settle();
+  EXPECT_EQ(client->getLoginStatus(A), rdservice::LoginStatusLoggedOut);
+  client->setLogin(A, true);
+  EXPECT_EQ(client->getLoginStatus(A), rdservice::LoginStatusLoggingIn);
+  runtime.settle();
+  EXPECT_EQ(client->getLoginStatus(A), rdservice::LoginStatusReady);
+  EXPECT_EQ(logins.count(), 3);
+}
+
+}  // namespace
