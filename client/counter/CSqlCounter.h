@@ -19,7 +19,7 @@ struct CSqlCounterOptions {
   std::map<int, int> maxCompacts{};      ///< by counter type: most compacts in one reply; a type left out has no limit
 };
 
-/// The broker's side on a SQLite database that `loadBook` has filled. Needs a QCoreApplication.
+/// The broker's side on a SQLite database that `CBookLoader` has filled. Needs a QCoreApplication.
 ///
 /// The database is opened on the counter's own threads; an unusable one answers every request with an error that says
 /// why. Error codes are those of counter_errors.h, texts are for users. Every account is logged out at first; a log-in

@@ -54,8 +54,10 @@ void CAutoExpandToolBar::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   QPixmap image = CUiResource::getImage(m_d->backgroundKey);
   // An image as high as the bar: tiles below one another would show a seam.
-  if (!image.isNull()) painter.drawTiledPixmap(rect(), image.scaled(image.width(), height()));
-  else painter.fillRect(rect(), CUiResource::getColor(QStringLiteral("clr_bar_top")));
+  if (!image.isNull())
+    painter.drawTiledPixmap(rect(), image.scaled(image.width(), height()));
+  else
+    painter.fillRect(rect(), CUiResource::getColor(QStringLiteral("clr_bar_top")));
   painter.fillRect(0, height() - 1, width(), 1, CUiResource::getColor(QStringLiteral("clr_bar_line")));
 }
 

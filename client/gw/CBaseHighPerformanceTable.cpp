@@ -25,13 +25,15 @@ constexpr std::size_t ROWS_PER_TURN = 25 * ROWS_PER_STEP;
 CBaseHighPerformanceTable::Private::Private(CBaseHighPerformanceTable* table)
     : q(table),
       store(std::make_shared<CTableStore>([table] {
-        QMetaObject::invokeMethod(table, [table] { table->updateTable(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            table, [table] { table->updateTable(); }, Qt::QueuedConnection);
       })),
       view(new CTableView(&model, table)) {
   QObject::connect(view, &CTableView::sigHeaderClicked, table, [this](int columnId) { onHeaderClicked(columnId); });
   QObject::connect(view, &QTableView::doubleClicked, table, [this](const QModelIndex& index) {
     const rdservice::IDataPtr record = model.record(index.row());
-    if (record) q->deliverEvent(EventRowDoubleClicked, index.row(), 0, QString::fromStdString(record->getKey()), nullptr);
+    if (record)
+      q->deliverEvent(EventRowDoubleClicked, index.row(), 0, QString::fromStdString(record->getKey()), nullptr);
   });
 }
 
@@ -60,7 +62,9 @@ void CBaseHighPerformanceTable::updateDatas(const std::vector<rdservice::IDataPt
   });
 }
 
-rdservice::IDataPtr CBaseHighPerformanceTable::getDataByKey(const std::string& key) const { return m_d->store->find(key); }
+rdservice::IDataPtr CBaseHighPerformanceTable::getDataByKey(const std::string& key) const {
+  return m_d->store->find(key);
+}
 
 std::vector<rdservice::IDataPtr> CBaseHighPerformanceTable::getAllDatas() const { return m_d->store->all(); }
 
@@ -87,7 +91,9 @@ void CBaseHighPerformanceTable::updateTable() {
     isDone = drainTable(*m_d->store, m_d->model, limits);
   }
   m_d->isUpdating = false;
-  if (!isDone) QMetaObject::invokeMethod(this, [this] { updateTable(); }, Qt::QueuedConnection);
+  if (!isDone)
+    QMetaObject::invokeMethod(
+        this, [this] { updateTable(); }, Qt::QueuedConnection);
 }
 
 bool CBaseHighPerformanceTable::isUpToDate() const {

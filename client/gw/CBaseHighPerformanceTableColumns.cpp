@@ -28,9 +28,12 @@ int CBaseHighPerformanceTable::Private::positionOf(int columnId) const {
 }
 
 void CBaseHighPerformanceTable::Private::onHeaderClicked(int columnId) {
-  if (model.sortColumn() != columnId) q->setSortColumn(columnId, Qt::AscendingOrder);
-  else if (model.sortOrder() == Qt::AscendingOrder) q->setSortColumn(columnId, Qt::DescendingOrder);
-  else q->setSortColumn(-1, Qt::AscendingOrder);
+  if (model.sortColumn() != columnId)
+    q->setSortColumn(columnId, Qt::AscendingOrder);
+  else if (model.sortOrder() == Qt::AscendingOrder)
+    q->setSortColumn(columnId, Qt::DescendingOrder);
+  else
+    q->setSortColumn(-1, Qt::AscendingOrder);
 }
 
 int CBaseHighPerformanceTable::addPlainColumn(const QString& title, Qt::Alignment alignment) {
@@ -157,7 +160,8 @@ void CBaseHighPerformanceTable::adjustVisibleRowsColumnWidth() {
   const auto [first, last] = m_d->view->visibleRows();
   for (int id = 0; id < columnCount(); ++id) {
     int width = m_d->view->headerWidth(id);
-    for (int row = first; row >= 0 && row <= last; ++row) width = std::max(width, m_d->view->textWidth(cellText(row, id)));
+    for (int row = first; row >= 0 && row <= last; ++row)
+      width = std::max(width, m_d->view->textWidth(cellText(row, id)));
     setColumnWidth(id, width);
   }
 }

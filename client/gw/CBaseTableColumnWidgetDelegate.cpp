@@ -12,7 +12,9 @@ struct CBaseTableColumnWidgetDelegate::Private {
   std::function<qint64(const QString& rowKey)> sortKey;
 
   void change(EItemPart part, const QString& key, const QString& text, bool on) {
-    store->change([&](CTableChanges& changes) { changes.items.push_back({part, columnId, key.toStdString(), text, on}); });
+    store->change([&](CTableChanges& changes) {
+      changes.items.push_back({part, columnId, key.toStdString(), text, on});
+    });
   }
   CItemState item(const QString& key) const { return store->item(columnId, key.toStdString()); }
 };
@@ -52,9 +54,18 @@ void CBaseTableColumnWidgetDelegate::setSortKey(std::function<qint64(const QStri
   m_d->sortKey = std::move(key);
 }
 
-const std::function<qint64(const QString& rowKey)>& CBaseTableColumnWidgetDelegate::sortKey() const { return m_d->sortKey; }
+const std::function<qint64(const QString& rowKey)>& CBaseTableColumnWidgetDelegate::sortKey() const {
+  return m_d->sortKey;
+}
 
-CBaseTableColumnSimpleTextDelegate::CBaseTableColumnSimpleTextDelegate(int columnId, CBaseHighPerformanceTable* deliverer)
+void CBaseTableColumnWidgetDelegate::change(const QString& key, std::function<void()> apply) {
+  m_d->store->change([&](CTableChanges& changes) {
+    changes.items.push_back({EItemPart::Own, m_d->columnId, key.toStdString(), QString(), false, std::move(apply)});
+  });
+}
+
+CBaseTableColumnSimpleTextDelegate::CBaseTableColumnSimpleTextDelegate(int columnId,
+                                                                       CBaseHighPerformanceTable* deliverer)
     : CBaseTableColumnWidgetDelegate(columnId, deliverer) {}
 
 CBaseTableColumnSimpleTextDelegate::~CBaseTableColumnSimpleTextDelegate() = default;

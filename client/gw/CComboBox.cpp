@@ -15,7 +15,8 @@ struct CComboBox::Private {
   int refills = 0;
 };
 
-CComboBox::CComboBox(int id, QWidget* parent) : QComboBox(parent), CEventDeliverer(this), m_d(new Private{id, QString()}) {
+CComboBox::CComboBox(int id, QWidget* parent)
+    : QComboBox(parent), CEventDeliverer(this), m_d(new Private{id, QString()}) {
   utils::assertGui();
   setSizeAdjustPolicy(AdjustToContents);
   connect(this, QOverload<int>::of(&QComboBox::currentIndexChanged), this, [this] { reportIfChanged(); });

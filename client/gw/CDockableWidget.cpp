@@ -10,7 +10,8 @@ struct IDockableWidget::Private {
   QPointer<QWidget> inner;
 };
 
-IDockableWidget::IDockableWidget(QWidget* parent) : CBaseWidget(parent), m_d(new Private{new QVBoxLayout(this), nullptr}) {
+IDockableWidget::IDockableWidget(QWidget* parent)
+    : CBaseWidget(parent), m_d(new Private{new QVBoxLayout(this), nullptr}) {
   m_d->layout->setContentsMargins(0, 0, 0, 0);
 }
 

@@ -20,7 +20,8 @@ bool CEventDeliverer::deliverEvent(int type, int p1, int p2, const QString& text
   // Something that is no widget reports through the widget it was given, and so to that widget's receiver.
   auto* const deliverer = dynamic_cast<CEventDeliverer*>(m_d->self.data());
   if (deliverer != nullptr && deliverer != this) return deliverer->deliverEvent(type, p1, p2, text, data);
-  for (QWidget* widget = m_d->self ? m_d->self->parentWidget() : nullptr; widget != nullptr; widget = widget->parentWidget()) {
+  for (QWidget* widget = m_d->self ? m_d->self->parentWidget() : nullptr; widget != nullptr;
+       widget = widget->parentWidget()) {
     if (auto* const owner = dynamic_cast<CBaseWidget*>(widget)) return owner->handleEvent(type, p1, p2, text, data);
   }
   return false;

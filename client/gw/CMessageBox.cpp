@@ -14,9 +14,10 @@ struct CButtonText {
 };
 
 constexpr CButtonText BUTTON_TEXTS[] = {
-    {QMessageBox::Ok, "确定"},   {QMessageBox::Cancel, "取消"},  {QMessageBox::Yes, "是"},    {QMessageBox::No, "否"},
-    {QMessageBox::Close, "关闭"}, {QMessageBox::Save, "保存"},    {QMessageBox::Retry, "重试"}, {QMessageBox::Ignore, "忽略"},
-    {QMessageBox::Abort, "中止"}, {QMessageBox::Discard, "放弃"}, {QMessageBox::Apply, "应用"}, {QMessageBox::Open, "打开"},
+    {QMessageBox::Ok, "确定"},      {QMessageBox::Cancel, "取消"}, {QMessageBox::Yes, "是"},
+    {QMessageBox::No, "否"},        {QMessageBox::Close, "关闭"},  {QMessageBox::Save, "保存"},
+    {QMessageBox::Retry, "重试"},   {QMessageBox::Ignore, "忽略"}, {QMessageBox::Abort, "中止"},
+    {QMessageBox::Discard, "放弃"}, {QMessageBox::Apply, "应用"},  {QMessageBox::Open, "打开"},
 };
 
 int show(QMessageBox::Icon icon, QWidget* parent, const QString& title, const QString& text,
@@ -37,11 +38,13 @@ int CMessageBox::information(QWidget* parent, const QString& title, const QStrin
   return show(QMessageBox::Information, parent, title, text, buttons);
 }
 
-int CMessageBox::warning(QWidget* parent, const QString& title, const QString& text, QMessageBox::StandardButtons buttons) {
+int CMessageBox::warning(QWidget* parent, const QString& title, const QString& text,
+                         QMessageBox::StandardButtons buttons) {
   return show(QMessageBox::Warning, parent, title, text, buttons);
 }
 
-int CMessageBox::question(QWidget* parent, const QString& title, const QString& text, QMessageBox::StandardButtons buttons) {
+int CMessageBox::question(QWidget* parent, const QString& title, const QString& text,
+                          QMessageBox::StandardButtons buttons) {
   return show(QMessageBox::Question, parent, title, text, buttons);
 }
 

@@ -37,7 +37,6 @@ void CRowSorter::setColumn(const CTableColumn* column, int columnId, Qt::SortOrd
   m_columnId = columnId;
   m_order = order;
   m_keys.clear();
-  m_interned.clear();
 }
 
 bool CRowSorter::setKey(int slot, CKey key) {
@@ -83,7 +82,8 @@ CRowSorter::CKey CRowSorter::makeKey(const CShownRow& row) {
     case EFieldType::Interned: {
       const std::string& text = field.get<rdservice::CInternedText>(record).str();
       auto it = m_interned.find(&text);
-      if (it == m_interned.end()) it = m_interned.emplace(&text, m_collator.sortKey(QString::fromStdString(text))).first;
+      if (it == m_interned.end())
+        it = m_interned.emplace(&text, m_collator.sortKey(QString::fromStdString(text))).first;
       return {0, it->second};
     }
     case EFieldType::Account:

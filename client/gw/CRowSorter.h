@@ -35,7 +35,6 @@ class CRowSorter {
   bool setKey(int slot, CKey key);
   /// By old slot: the new one, -1 for dropped.
   void renumber(const std::vector<int>& newSlots, std::size_t count);
-  void clear() { m_keys.clear(); }
 
   bool isBefore(int slot, int other) const;
 

@@ -12,8 +12,7 @@ CSmallNoNormalButton::CSmallNoNormalButton(int id, const QString& text, QWidget*
   utils::assertGui();
   setStyleSheet(smallButtonStyle());
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-  connect(this, &QPushButton::clicked, this,
-          [this] { deliverEvent(EventButtonClicked, m_id, 0, QString(), nullptr); });
+  connect(this, &QPushButton::clicked, this, [this] { deliverEvent(EventButtonClicked, m_id, 0, QString(), nullptr); });
 }
 
 CSmallNoNormalButton::~CSmallNoNormalButton() = default;

@@ -44,14 +44,16 @@ enum class EItemPart : unsigned char {
   Enabled,
   Checked,
   ResetColumn,  ///< forgets every key of the column; without a key
+  Own,          ///< state that a derived delegate keeps itself
 };
 
 struct CItemChange {
   EItemPart part;
   int column;
   std::string key;
-  QString text;  ///< part Text
-  bool on;       ///< the other parts
+  QString text;                   ///< part Text
+  bool on;                        ///< the other parts
+  std::function<void()> apply{};  ///< part Own: called with the store's lock held
 };
 
 struct CRecordChange {

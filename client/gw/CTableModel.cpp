@@ -47,7 +47,8 @@ const CTableColumn* CTableModel::column(int columnId) const {
 
 void CTableModel::setDelegate(int columnId, std::unique_ptr<CBaseTableColumnWidgetDelegate> delegate) {
   m_columns[at(columnId)].delegate = std::move(delegate);
-  if (!m_rows.empty()) Q_EMIT dataChanged(index(0, columnId), index(rowCount() - 1, columnId));
+  if (!m_rows.empty()) Q_EMIT
+  dataChanged(index(0, columnId), index(rowCount() - 1, columnId));
   if (columnId == m_sortColumn) setSort(m_sortColumn, m_sortOrder);
 }
 
@@ -110,7 +111,8 @@ void CTableModel::dropRows(const std::vector<int>& newSlots) {
   if (at(kept) == rows.size()) return;
   // The dropped rows go to the end first, so that one signal removes them all.
   setOrder(std::move(rows));
-  Q_EMIT sigRowsDropping(kept);
+  Q_EMIT
+  sigRowsDropping(kept);
 
   beginRemoveRows(QModelIndex(), kept, static_cast<int>(m_rows.size()) - 1);
   m_rows.resize(at(kept));
@@ -125,7 +127,6 @@ void CTableModel::dropRows(const std::vector<int>& newSlots) {
     m_rowOf[at(m_rows[row])] = static_cast<int>(row);
   }
   m_sorter.renumber(newSlots, at(kept));
-  if (kept == 0) m_sorter.clear();
   endRemoveRows();
 
   const std::size_t count = shown.size();
@@ -157,7 +158,8 @@ void CTableModel::reorder(std::vector<int> movedSlots) {
   std::sort(moved.begin(), moved.end(), isBefore);
 
   std::vector<int> rest;
-  std::copy_if(m_rows.begin(), m_rows.end(), std::back_inserter(rest), [&isMoved](int slot) { return !isMoved[at(slot)]; });
+  std::copy_if(m_rows.begin(), m_rows.end(), std::back_inserter(rest),
+               [&isMoved](int slot) { return !isMoved[at(slot)]; });
   std::vector<int> rows;
   rows.reserve(m_rows.size());
   std::merge(rest.begin(), rest.end(), moved.begin(), moved.end(), std::back_inserter(rows), isBefore);
@@ -167,7 +169,8 @@ void CTableModel::reorder(std::vector<int> movedSlots) {
 void CTableModel::setOrder(std::vector<int> rows) {
   if (rows == m_rows) return;
   // The hint keeps the header from looking at its columns.
-  Q_EMIT layoutAboutToBeChanged({}, VerticalSortHint);
+  Q_EMIT
+  layoutAboutToBeChanged({}, VerticalSortHint);
   const QModelIndexList before = persistentIndexList();
   std::vector<int> slotOf;
   slotOf.reserve(static_cast<std::size_t>(before.size()));
@@ -180,7 +183,8 @@ void CTableModel::setOrder(std::vector<int> rows) {
   after.reserve(before.size());
   for (int i = 0; i < before.size(); ++i) after.push_back(index(m_rowOf[at(slotOf[at(i)])], before[i].column()));
   changePersistentIndexList(before, after);
-  Q_EMIT layoutChanged({}, VerticalSortHint);
+  Q_EMIT
+  layoutChanged({}, VerticalSortHint);
 }
 
 void CTableModel::emitChanged(std::vector<int> rows) {
@@ -188,11 +192,14 @@ void CTableModel::emitChanged(std::vector<int> rows) {
   std::sort(rows.begin(), rows.end());
   std::vector<std::pair<int, int>> ranges;
   for (const int row : rows) {
-    if (!ranges.empty() && row <= ranges.back().second + 1) ranges.back().second = row;
-    else ranges.emplace_back(row, row);
+    if (!ranges.empty() && row <= ranges.back().second + 1)
+      ranges.back().second = row;
+    else
+      ranges.emplace_back(row, row);
   }
   if (ranges.size() > MAX_CHANGE_SIGNALS) ranges = {{rows.front(), rows.back()}};
-  for (const auto& [first, last] : ranges) Q_EMIT dataChanged(index(first, 0), index(last, columnCount() - 1));
+  for (const auto& [first, last] : ranges) Q_EMIT
+  dataChanged(index(first, 0), index(last, columnCount() - 1));
 }
 
 const CShownRow& CTableModel::shownAt(int row) const { return m_shown[at(m_rows[at(row)])]; }

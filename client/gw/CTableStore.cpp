@@ -164,8 +164,10 @@ void CTableStore::renumber(const std::vector<int>& newSlots, CGarbage& garbage) 
   m_dirtyBegin = 0;
 
   const auto drainedEnd = newSlots.begin() + static_cast<std::ptrdiff_t>(m_drained);
-  if (!m_replaced) m_newSlots.assign(newSlots.begin(), drainedEnd);
-  else std::transform(m_newSlots.begin(), m_newSlots.end(), m_newSlots.begin(), moved);
+  if (!m_replaced)
+    m_newSlots.assign(newSlots.begin(), drainedEnd);
+  else
+    std::transform(m_newSlots.begin(), m_newSlots.end(), m_newSlots.begin(), moved);
   m_replaced = !m_newSlots.empty();
   m_drained -= static_cast<std::size_t>(std::count(newSlots.begin(), drainedEnd, -1));
 
@@ -206,6 +208,11 @@ void CTableStore::changeItem(CItemChange& change) {
     resetItems(change.column);
     return;
   }
+  if (change.part == EItemPart::Own) {
+    change.apply();
+    if (const auto it = m_rows.find(change.key); it != m_rows.end() && it->second.slot >= 0) markDirty(it->second);
+    return;
+  }
   CRow& row = m_rows.try_emplace(std::move(change.key)).first->second;
   auto it = std::find_if(row.items.begin(), row.items.end(),
                          [&change](const auto& item) { return item.first == change.column; });
@@ -220,7 +227,8 @@ void CTableStore::changeItem(CItemChange& change) {
     case EItemPart::Visible: item.visible = change.on; break;
     case EItemPart::Enabled: item.enabled = change.on; break;
     case EItemPart::Checked: item.checked = change.on; break;
-    case EItemPart::ResetColumn: break;
+    case EItemPart::ResetColumn:
+    case EItemPart::Own: break;
   }
   if (row.slot >= 0) markDirty(row);
 }
@@ -228,7 +236,8 @@ void CTableStore::changeItem(CItemChange& change) {
 void CTableStore::resetItems(int column) {
   for (auto it = m_rows.begin(); it != m_rows.end();) {
     CRow& row = it->second;
-    const auto item = std::find_if(row.items.begin(), row.items.end(), [column](const auto& i) { return i.first == column; });
+    const auto item =
+        std::find_if(row.items.begin(), row.items.end(), [column](const auto& i) { return i.first == column; });
     if (item != row.items.end()) {
       countText(column, item->second.text, -1);
       row.items.erase(item);

@@ -104,14 +104,14 @@ class CTableStore {
   void countText(int column, const QString& text, int step) TS_REQUIRES(m_mutex);
   bool hasDropped() const TS_REQUIRES(m_mutex) { return m_cleared || m_replaced; }
 
-  /// Guards everything below. Taken once a batch and once a drain step; nothing but `belongs` and `wake` is called
-  /// with it held.
+  /// Guards everything below. Taken once a batch and once a drain step; nothing but `belongs`, `wake` and
+  /// the delegates' own changes is called with it held.
   mutable utils::CMutex m_mutex;
   CTableScope m_scope TS_GUARDED_BY(m_mutex);
   bool m_closed TS_GUARDED_BY(m_mutex) = false;
   CRows m_rows TS_GUARDED_BY(m_mutex);
   std::vector<CRows::value_type*> m_slots TS_GUARDED_BY(m_mutex);  ///< by arrival
-  std::vector<int> m_texts TS_GUARDED_BY(m_mutex);  ///< by column id: keys with a non-empty text
+  std::vector<int> m_texts TS_GUARDED_BY(m_mutex);                 ///< by column id: keys with a non-empty text
 
   std::vector<int> m_dirty TS_GUARDED_BY(m_mutex);  ///< slots in the order of their first change
   std::size_t m_dirtyBegin TS_GUARDED_BY(m_mutex) = 0;

@@ -16,7 +16,7 @@ namespace GW {
 
 namespace {
 
-constexpr int CELL_MARGIN = 8;    ///< pixels left and right of a text together, with room to breathe
+constexpr int CELL_MARGIN = 8;  ///< pixels left and right of a text together, with room to breathe
 constexpr int HEADER_MARGIN = 12;
 constexpr int ROW_MARGIN = 8;
 
@@ -120,8 +120,10 @@ std::pair<int, int> CTableView::visibleRows() const {
 }
 
 void CTableView::setColumnMovable(int columnId, bool movable) {
-  if (movable) m_fixedColumns.erase(columnId);
-  else m_fixedColumns.insert(columnId);
+  if (movable)
+    m_fixedColumns.erase(columnId);
+  else
+    m_fixedColumns.insert(columnId);
 }
 
 bool CTableView::eventFilter(QObject* watched, QEvent* event) {

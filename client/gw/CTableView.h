@@ -4,6 +4,7 @@
 #include <QTableView>
 
 #include <set>
+#include <utility>
 
 namespace GW {
 

@@ -10,7 +10,8 @@ struct CWidgetList::Private {
 
 CWidgetList::CWidgetList(Qt::Orientation orientation, QWidget* parent)
     : CBaseWidget(parent),
-      m_d(new Private{new QBoxLayout(orientation == Qt::Horizontal ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom, this)}) {
+      m_d(new Private{
+          new QBoxLayout(orientation == Qt::Horizontal ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom, this)}) {
   m_d->layout->setContentsMargins(0, 0, 0, 0);
   m_d->layout->setSpacing(0);
 }

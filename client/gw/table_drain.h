@@ -10,7 +10,7 @@ class CTableStore;
 
 /// How much one turn of a drain may do.
 struct CDrainLimits {
-  std::size_t rowsPerStep;         ///< taken under one lock
+  std::size_t rowsPerStep;  ///< taken under one lock
   std::size_t rowsPerTurn;
   std::function<bool()> isTimeUp;  ///< asked between steps
 };

@@ -15,7 +15,8 @@ const QChar VALUE = QLatin1Char(':');
 
 QString checksum(const QString& body) {
   const QByteArray bytes = body.toUtf8();
-  return QStringLiteral("%1").arg(qChecksum(bytes.constData(), static_cast<uint>(bytes.size())), 4, 16, QLatin1Char('0'));
+  return QStringLiteral("%1").arg(qChecksum(bytes.constData(), static_cast<uint>(bytes.size())), 4, 16,
+                                  QLatin1Char('0'));
 }
 
 std::optional<CColumnLayout> readColumn(const QString& text) {

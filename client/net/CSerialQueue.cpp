@@ -13,7 +13,8 @@ thread_local const CSerialQueue* t_current = nullptr;
 
 }  // namespace
 
-CSerialQueue::CSerialQueue(std::function<void(CTask)> submit) : m_isOpen(submit != nullptr), m_submit(std::move(submit)) {}
+CSerialQueue::CSerialQueue(std::function<void(CTask)> submit)
+    : m_isOpen(submit != nullptr), m_submit(std::move(submit)) {}
 
 // A task that is not queued is freed with the argument, after the lock: what it holds may post again.
 void CSerialQueue::post(CTask task) {

@@ -18,7 +18,7 @@ class CSerialQueue {
   /// Queues the task behind an exception barrier, or frees it when the queue is closed.
   void post(CTask task);
 
-  /// Afterwards no task begins, those queued are freed when their turn comes, and the pool is not referred to from here.
+  /// Afterwards no task begins, those queued are freed when their turn comes, and the pool is not referred to.
   void close();
 
   bool isCurrent() const;

@@ -13,8 +13,12 @@ namespace rdservice {
 
 const CStructDes* structDesOf(int typeId) {
   static const CStructDes* const ALL[] = {
-      &CAccountInfo::structDes(),         &CInstrumentInfo::structDes(),   &CStkUnClosedCompacts::structDes(),
-      &CStkUnClosedCompactsStatics::structDes(), &CStkClosedCompacts::structDes(), &CStkCompactChange::structDes(),
+      &CAccountInfo::structDes(),
+      &CInstrumentInfo::structDes(),
+      &CStkUnClosedCompacts::structDes(),
+      &CStkUnClosedCompactsStatics::structDes(),
+      &CStkClosedCompacts::structDes(),
+      &CStkCompactChange::structDes(),
       &CCreditRepayPriorityResp::structDes(),
   };
   for (const CStructDes* des : ALL) {

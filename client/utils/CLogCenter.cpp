@@ -21,9 +21,9 @@ namespace utils {
 
 namespace {
 
-// A client that starts with a larger file keeps it with ".1" behind its name, in the place of the one before, and begins
-// a new one. The back end's own rolling appender is no choice: it frees its policies by a base without a virtual
-// destructor.
+// A client that starts with a larger file keeps it with ".1" behind its name, in the place of the one before, and
+// begins a new one. The back end's own rolling appender is no choice: it frees its policies by a base without a
+// virtual destructor.
 constexpr std::uintmax_t MAX_FILE_SIZE = 16 * 1024 * 1024;
 
 void setLargeFileAside(const std::string& path) {

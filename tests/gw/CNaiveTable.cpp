@@ -47,8 +47,8 @@ void CNaiveTable::drop(const std::set<std::string>& keys) {
 }
 
 void CNaiveTable::put(const CTestRecordPtr& record, GW::ERowRule rule, std::map<std::string, bool>& accepted) {
-  const auto row = std::find_if(heldRows.begin(), heldRows.end(),
-                                [&record](const CRow& r) { return r.record->id == record->id; });
+  const auto row =
+      std::find_if(heldRows.begin(), heldRows.end(), [&record](const CRow& r) { return r.record->id == record->id; });
   bool& isAccepted = accepted[record->id];
   if (row == heldRows.end()) {
     heldRows.push_back({m_nextSerial++, record, {}});
@@ -99,7 +99,8 @@ void CNaiveTable::setSort(int column, Qt::SortOrder newOrder) {
 }
 
 void CNaiveTable::sortDisplayed() {
-  std::sort(displayedRows.begin(), displayedRows.end(), [](const CRow& a, const CRow& b) { return a.serial < b.serial; });
+  std::sort(displayedRows.begin(), displayedRows.end(),
+            [](const CRow& a, const CRow& b) { return a.serial < b.serial; });
   if (m_sortColumn < 0) return;
   std::stable_sort(displayedRows.begin(), displayedRows.end(), [this](const CRow& a, const CRow& b) {
     return m_order == Qt::AscendingOrder ? compare(a, b) < 0 : compare(a, b) > 0;
@@ -113,7 +114,8 @@ int CNaiveTable::compare(const CRow& a, const CRow& b) const {
     case CTestRecord::ColumnAmount: return order(a.record->amount, b.record->amount);
     case CTestRecord::ColumnDate: return order(a.record->date, b.record->date);
     case CTestTable::ColumnRanked:
-      return order(CTestTable::rankOf(QString::fromStdString(a.record->id)), CTestTable::rankOf(QString::fromStdString(b.record->id)));
+      return order(CTestTable::rankOf(QString::fromStdString(a.record->id)),
+                   CTestTable::rankOf(QString::fromStdString(b.record->id)));
     default: return m_collator.compare(text(a, m_sortColumn), text(b, m_sortColumn));
   }
 }
@@ -135,6 +137,7 @@ GW::CItemState CNaiveTable::item(int column, const std::string& key) const {
 }
 
 const CNaiveTable::CRow* CNaiveTable::held(const std::string& key) const {
-  const auto it = std::find_if(heldRows.begin(), heldRows.end(), [&key](const CRow& row) { return row.record->id == key; });
+  const auto it =
+      std::find_if(heldRows.begin(), heldRows.end(), [&key](const CRow& row) { return row.record->id == key; });
   return it == heldRows.end() ? nullptr : &*it;
 }

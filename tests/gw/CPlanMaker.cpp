@@ -8,9 +8,11 @@
 
 namespace {
 
-constexpr const char* NAMES[] = {"浦发银行", "安徽建工", "重庆啤酒", "长江电力", "ST中安", "贵州茅台", "", "Apple", "apple"};
+constexpr const char* NAMES[] = {"浦发银行", "安徽建工", "重庆啤酒", "长江电力", "ST中安",
+                                 "贵州茅台", "",         "Apple",    "apple"};
 constexpr double AMOUNTS[] = {0.0, -0.0, 1.5, -1234.5, 9.0, 10.0, 1e9};
-constexpr std::int64_t VOLUMES[] = {0, 9, 10, 100, -100, std::numeric_limits<std::int64_t>::max(), std::numeric_limits<std::int64_t>::min()};
+constexpr std::int64_t VOLUMES[] = {
+    0, 9, 10, 100, -100, std::numeric_limits<std::int64_t>::max(), std::numeric_limits<std::int64_t>::min()};
 
 }  // namespace
 
@@ -26,7 +28,9 @@ CTestRecordPtr CPlanMaker::record() {
   record->date = 2459000 + below(5);
   record->serial = ++m_serial;
   const int kind = below(4);  // unpublished, older than most, newest, newest
-  const std::uint64_t version = kind == 0 ? 0 : kind == 1 ? m_version - static_cast<std::uint64_t>(below(100)) : ++m_version;
+  const std::uint64_t version = kind == 0   ? 0
+                                : kind == 1 ? m_version - static_cast<std::uint64_t>(below(100))
+                                            : ++m_version;
   rdservice::CDataVersion::stamp(*record, version);
   return record;
 }

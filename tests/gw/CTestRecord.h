@@ -31,4 +31,6 @@ class CTestRecord : public rdservice::IData {
 
 using CTestRecordPtr = boost::shared_ptr<CTestRecord>;
 
-inline const CTestRecord& testRecord(const rdservice::IDataPtr& record) { return static_cast<const CTestRecord&>(*record); }
+inline const CTestRecord& testRecord(const rdservice::IDataPtr& record) {
+  return static_cast<const CTestRecord&>(*record);
+}

@@ -1,8 +1,8 @@
 // Events of the controls, and which widget receives them.
 
+#include "gw/controls.h"
 #include "gw/CBaseWidget.h"
 #include "gw/CMessageBox.h"
-#include "gw/controls.h"
 #include "gw/widget_events.h"
 
 #include <QApplication>
@@ -49,13 +49,21 @@ TEST(Controls, comboBoxReportsEachRealChangeOnce) {
       {"more items", [&] { add("b"), add("c"), add("b"); }, {}},
       {"program", [&] { box.setCurrentIndex(1); }, {event("b")}},
       {"another item of the same key", [&] { box.setCurrentIndex(3); }, {}},
-      {"user", [&] { QKeyEvent up(QEvent::KeyPress, Qt::Key_Up, Qt::NoModifier); QApplication::sendEvent(&box, &up); }, {event("c")}},
-      {"insertion above moves the index only", [&] { box.insertItem(0, QStringLiteral("x"), QStringLiteral("x")); }, {}},
+      {"user",
+       [&] {
+         QKeyEvent up(QEvent::KeyPress, Qt::Key_Up, Qt::NoModifier);
+         QApplication::sendEvent(&box, &up);
+       },
+       {event("c")}},
+      {"insertion above moves the index only",
+       [&] { box.insertItem(0, QStringLiteral("x"), QStringLiteral("x")); },
+       {}},
       {"removal of the current item", [&] { box.removeItem(box.currentIndex()); }, {event("b")}},
       {"key exchanged in place", [&] { box.setItemData(box.currentIndex(), QStringLiteral("z")); }, {event("z")}},
       {"none", [&] { box.setCurrentIndex(-1); }, {event("")}},
       {"back", [&] { box.setCurrentIndex(0); }, {event("x")}},
-      {"refill to the same key", [&] {
+      {"refill to the same key",
+       [&] {
          box.beginRefill();
          box.clear();
          box.beginRefill();
@@ -63,8 +71,16 @@ TEST(Controls, comboBoxReportsEachRealChangeOnce) {
          box.endRefill();
          box.setCurrentIndex(1);
          box.endRefill();
-       }, {}},
-      {"refill to another key", [&] { box.beginRefill(); box.clear(); add("n"), add("m"); box.endRefill(); }, {event("n")}},
+       },
+       {}},
+      {"refill to another key",
+       [&] {
+         box.beginRefill();
+         box.clear();
+         add("n"), add("m");
+         box.endRefill();
+       },
+       {event("n")}},
       {"emptied", [&] { box.clear(); }, {event("")}},
   };
   for (const auto& step : steps) {

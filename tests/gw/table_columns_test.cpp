@@ -40,7 +40,8 @@ TEST(TableColumns, layoutIsRestoredAndDamageChangesNothing) {
   CTestTable table;
   const QStringList before = layoutOf(table);
   ASSERT_NE(before, layoutOf(changed));
-  QStringList damaged{QString(), QStringLiteral(";"), QStringLiteral("901"), QStringLiteral("901;"), saved + QLatin1Char(' ')};
+  QStringList damaged{QString(), QStringLiteral(";"), QStringLiteral("901"), QStringLiteral("901;"),
+                      saved + QLatin1Char(' ')};
   for (int i = 0; i < saved.size(); ++i) {
     damaged << saved.left(i);
     for (const char c : {'0', '1', ';', ':', '-', 'x'}) {
@@ -86,7 +87,8 @@ TEST(TableColumns, headerClicksCycle) {
   table.show();
   QHeaderView* header = table.view()->horizontalHeader();
   for (const char* expected : {"abc", "cba", "bca", "abc"}) {
-    QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(header->sectionViewportPosition(0) + 20, 8));
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier,
+                      QPoint(header->sectionViewportPosition(0) + 20, 8));
     std::string ids;
     for (int row = 0; row < table.rowCount(); ++row) ids += testRecord(table.getData(row)).id;
     EXPECT_EQ(ids, expected);

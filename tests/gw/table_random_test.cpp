@@ -19,7 +19,8 @@ const GW::CTableScope SCOPES[] = {{"3.1001", '0', 0}, {"3.1002", '0', 0}, {"3.10
 
 class CTableRun {
  public:
-  explicit CTableRun(unsigned seed) : m_make(seed), m_tester(m_table.view()->model(), QAbstractItemModelTester::FailureReportingMode::Fatal) {
+  explicit CTableRun(unsigned seed)
+      : m_make(seed), m_tester(m_table.view()->model(), QAbstractItemModelTester::FailureReportingMode::Fatal) {
     m_table.resize(700, 220);
     m_table.show();
     for (int id = 0; id < m_table.columnCount(); ++id) m_columns.push_back(id);
@@ -32,7 +33,9 @@ class CTableRun {
       case 2:
       case 3: select(); break;
       case 4: changeDirectly(); break;
-      case 5: if (m_make.isOneIn(5)) clear(); break;
+      case 5:
+        if (m_make.isOneIn(5)) clear();
+        break;
       case 6: m_table.setScope(SCOPES[m_make.below(4)]); break;
       case 7:
       case 8:
@@ -52,6 +55,7 @@ class CTableRun {
       case GW::EItemPart::Enabled: delegate.setItemEnabled(key, item.on); break;
       case GW::EItemPart::Checked: delegate.setItemChecked(key, item.on); break;
       case GW::EItemPart::ResetColumn: delegate.reset(); break;
+      case GW::EItemPart::Own: break;  // of derived delegates
     }
   }
 
@@ -65,18 +69,23 @@ class CTableRun {
     const GW::CTableScope present = m_table.scope();
     const GW::CTableScope madeFor = m_make.isOneIn(4) ? SCOPES[m_make.below(4)] : present;
     const bool isPush = plan.rule == GW::ERowRule::Push;
-    auto batch = isPush ? std::make_unique<GW::CTableBatch>(m_table) : std::make_unique<GW::CTableBatch>(m_table, madeFor);
+    auto batch =
+        isPush ? std::make_unique<GW::CTableBatch>(m_table) : std::make_unique<GW::CTableBatch>(m_table, madeFor);
     if (plan.clearFirst) batch->clearFirst();
     if (plan.dropGroup) {
-      batch->dropAbsent([group = *plan.dropGroup](const rdservice::IData& r) { return static_cast<const CTestRecord&>(r).group == group; });
+      batch->dropAbsent([group = *plan.dropGroup](const rdservice::IData& r) {
+        return static_cast<const CTestRecord&>(r).group == group;
+      });
     }
     give(plan);
     if (m_make.isOneIn(8)) return;  // abandoned, as by an exception
     GW::CTableScope told{"unset", 0, 0};
     const bool isAccepted = batch->commit(&told);
     ASSERT_EQ(isAccepted, isPush || madeFor == present);
-    if (isAccepted) m_naive.apply(plan);
-    else ASSERT_TRUE(told == present);
+    if (isAccepted)
+      m_naive.apply(plan);
+    else
+      ASSERT_TRUE(told == present);
   }
 
   void changeDirectly() {
@@ -107,7 +116,8 @@ class CTableRun {
     m_table.moveColumn(id, position);
     m_columns.erase(std::find(m_columns.begin(), m_columns.end(), id));
     m_columns.insert(m_columns.begin() + position, id);
-    for (std::size_t i = 0; i < m_columns.size(); ++i) ASSERT_EQ(m_table.columnPosition(m_columns[i]), static_cast<int>(i));
+    for (std::size_t i = 0; i < m_columns.size(); ++i)
+      ASSERT_EQ(m_table.columnPosition(m_columns[i]), static_cast<int>(i));
   }
 
   void select() {
@@ -157,7 +167,8 @@ class CTableRun {
       for (int i = 0; i < 40; ++i) {
         const std::string itemKey = "k" + std::to_string(i);
         const QString qKey = QString::fromStdString(itemKey);
-        const GW::CItemState state{delegate.itemText(qKey), delegate.isItemVisible(qKey), delegate.isItemEnabled(qKey), delegate.isItemChecked(qKey)};
+        const GW::CItemState state{delegate.itemText(qKey), delegate.isItemVisible(qKey), delegate.isItemEnabled(qKey),
+                                   delegate.isItemChecked(qKey)};
         ASSERT_TRUE(state == m_naive.item(column, itemKey)) << itemKey;
         isEmpty = isEmpty && state.text.isEmpty();
       }

@@ -110,7 +110,8 @@ TEST(HpfDataTable, menuCopiesSelectedRowsAsShown) {
   table.updateTable();
   const auto idOf = [&table](const char* name) {
     const auto* field = rdservice::CStkUnClosedCompacts::structDes().fieldByName(name);
-    return field == nullptr ? -1 : table.getColumnIdByFileId(rdservice::RecordStkUnClosedCompacts * 100 + field->number);
+    return field == nullptr ? -1
+                            : table.getColumnIdByFileId(rdservice::RecordStkUnClosedCompacts * 100 + field->number);
   };
   const int code = idOf("code"), number = idOf("compact_no");
   ASSERT_GE(code, 0);
@@ -131,6 +132,7 @@ TEST(HpfDataTable, menuCopiesSelectedRowsAsShown) {
     menu->actions().front()->trigger();
     menu->close();
   });
-  Q_EMIT view->customContextMenuRequested(QPoint(5, 5));
+  Q_EMIT
+  view->customContextMenuRequested(QPoint(5, 5));
   EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("7\t600000\n7\t600002"));
 }

@@ -6,13 +6,14 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QEventLoop>
 #include <QTest>
+#include <QTimer>
 #include <QWidget>
 
 #include <boost/make_shared.hpp>
 
 #include <algorithm>
-#include <atomic>
 #include <future>
 
 namespace kit {
@@ -45,9 +46,20 @@ std::vector<rdservice::CInstrumentInfoPtr> testInstruments() {
 
 /// Runs everything that stands on the strand now.
 void drainStrand() {
-  std::atomic<bool> passed{false};
-  net::RPCEngine::instance()->getStrand(STRAND_NAME)->post([&passed] { passed = true; });
-  ASSERT_TRUE(waitUntil([&passed] { return passed.load(); })) << "the strand is stuck";
+  QEventLoop loop;
+  bool passed = false;
+  QTimer::singleShot(WAIT_MS, &loop, &QEventLoop::quit);
+  net::RPCEngine::instance()->getStrand(STRAND_NAME)->post([&loop, &passed] {
+    QMetaObject::invokeMethod(
+        &loop,
+        [&loop, &passed] {
+          passed = true;
+          loop.quit();
+        },
+        Qt::QueuedConnection);
+  });
+  loop.exec();
+  ASSERT_TRUE(passed) << "the strand is stuck";
 }
 
 }  // namespace

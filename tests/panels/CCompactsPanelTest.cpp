@@ -135,7 +135,7 @@ TEST(CCompactsPanel, ALateAnswerForTheOldAccountShowsNothing) {
   CPanelUnderTest p(runtime);
   p.clickRefresh();
   const std::size_t first = p.requests() - 1;
-  p.choose("3.1003");
+  p.choose("11.1003");
   runtime.counter().reply(first, {p.compact("3.1001", "C1")});
   runtime.settle();
   EXPECT_EQ(p.table->rowCount(), 0);
@@ -150,7 +150,7 @@ TEST(CCompactsPanel, PushesOfTheShownAccountArriveWithThePeriodicRefresh) {
     p.panel->requestAccount(
         *rdservice::TraderCenter::instance()->getDataCenter()->getAccountData(key)->getAccountInfo());
   };
-  request("3.1003");  // not the current one: nothing is subscribed
+  request("11.1003");  // not the current one: nothing is subscribed
   request("3.1001");
   EXPECT_EQ(runtime.logged("PT! [INDEPENDEN] request account : panel_id = 3").size(), 1U);
   runtime.counter().push({p.compact("3.1001", "C1"), p.compact("11.1003", "X1")});

@@ -21,7 +21,7 @@ using VN::CCompactsTable;
 
 enum EStep { Switch, Refresh, Clear, Reply, Duplicate, Fail, Push, ToggleStrand, STEP_COUNT };
 constexpr const char* STEP_NAMES = "SRCrdfpt";
-constexpr std::array<const char*, 2> ACCOUNTS = {"3.1001", "3.1003"};
+constexpr std::array<const char*, 2> ACCOUNTS = {"3.1001", "11.1003"};
 
 /// What the table must show, from the rules alone. Values are rising numbers; a row is (account, value).
 class CModel {

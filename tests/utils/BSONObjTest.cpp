@@ -17,7 +17,8 @@ BSONObj sample() {
   inside.append("deep", "合约");
   BSONObjBuilder builder;
   builder.append("i", -7).append("l", MAX_LONG).append("d", 2.5).append("b", true).append("s", "text");
-  builder.append("o", inside.obj()).append("nan", std::nan("")).append("huge", -1e300).append("z", std::string("a\0b", 3));
+  builder.append("o", inside.obj()).append("nan", std::nan("")).append("huge", -1e300);
+  builder.append("z", std::string("a\0b", 3));
   return builder.obj();
 }
 

@@ -3,6 +3,7 @@
 #include "kit/CTestRuntime.h"
 #include "kit/records.h"
 #include "rdservice/TraderCenter.h"
+#include "rdservice/meta_types.h"
 #include "vn/CUserConfig.h"
 
 #include <gmock/gmock.h>
@@ -147,10 +148,10 @@ TEST(CTradeClient, LoginStatusFollowsTheCounter) {
   runtime.settle();
   EXPECT_EQ(client->getLoginStatus(A), rdservice::LoginStatusLoggedOut);
   client->setLogin(A, true);
-  EXPECT_EQ(client->getLoginStatus(A), rdservice::LoginStatusLoggingIn);
   runtime.settle();
   EXPECT_EQ(client->getLoginStatus(A), rdservice::LoginStatusReady);
-  EXPECT_EQ(logins.count(), 3);
+  ASSERT_EQ(logins.count(), 3);
+  EXPECT_EQ(logins[1][1].value<rdservice::EBROKER_LOGIN_STATUS>(), rdservice::LoginStatusLoggingIn);
 }
 
 }  // namespace
