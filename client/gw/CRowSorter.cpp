@@ -26,7 +26,7 @@ std::uint64_t sortable(double value) {
 }  // namespace
 
 int CRowSorter::CKey::compare(const CKey& other) const {
-  if (text && other.text) return text->compare(*other.text);
+  if (text && other.text) return number != 0 && number == other.number ? 0 : text->compare(*other.text);
   return number < other.number ? -1 : number > other.number ? 1 : 0;
 }
 
@@ -84,7 +84,7 @@ CRowSorter::CKey CRowSorter::makeKey(const CShownRow& row) {
       auto it = m_interned.find(&text);
       if (it == m_interned.end())
         it = m_interned.emplace(&text, m_collator.sortKey(QString::fromStdString(text))).first;
-      return {0, it->second};
+      return {reinterpret_cast<std::uintptr_t>(&text), it->second};
     }
     case EFieldType::Account:
     case EFieldType::Text: break;

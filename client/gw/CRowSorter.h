@@ -23,7 +23,7 @@ class CRowSorter {
   bool isActive() const { return m_column != nullptr; }
 
   struct CKey {
-    std::uint64_t number = 0;  ///< maps the number's order to that of unsigned integers
+    std::uint64_t number = 0;  ///< of a number, in its order; of a text, what only equal texts share, or 0
     std::optional<QCollatorSortKey> text;
 
     int compare(const CKey& other) const;
