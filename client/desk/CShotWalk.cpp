@@ -16,6 +16,7 @@ namespace {
 
 constexpr int POLL_MS = 20;
 constexpr int STEP_LIMIT_MS = 30000;
+constexpr int CHOICE_MS = 300;  // what a user takes at least between choosing an account and pressing the button
 
 }  // namespace
 
@@ -35,8 +36,9 @@ void CShotWalk::addAccountSteps() {
   auto* table = m_window.panel()->findChild<QWidget*>(QStringLiteral("compactsTable0"));
   auto* rows = dynamic_cast<GW::CBaseHighPerformanceTable*>(table);
   for (int i = 0; i < combo->count(); ++i) {
-    const QString name = QStringLiteral("%1-account-%2").arg(m_steps.size() + 1, 2, 10, QLatin1Char('0')).arg(i + 1);
-    m_steps.push_back({QString(), [combo, i] { combo->setCurrentIndex(i); }, [refresh] { return !refresh->isLocked(); }});
+    const QString name = QStringLiteral("%1-account-%2").arg(i + 2, 2, 10, QLatin1Char('0')).arg(i + 1);
+    m_steps.push_back({QString(), [combo, i] { combo->setCurrentIndex(i); }, 
+                       [this, refresh] { return !refresh->isLocked() && m_waited.elapsed() > CHOICE_MS; }});
     m_steps.push_back({name, [refresh] { refresh->click(); },
                        [combo, rows] { return combo->isEnabled() && (rows == nullptr || rows->isUpToDate()); }});
   }
