@@ -72,13 +72,20 @@ void CMainWindow::startClient(std::unique_ptr<runtime::CClientRuntime> client) {
   m_client = std::move(client);
 
   m_panel = new VN::CCompactsPanel(FIRST_PANEL_ID, this, 0);
-  addDock(QStringLiteral("compacts1"), m_panel->dockInfo().title, m_panel, Qt::TopDockWidgetArea);
+  QDockWidget* compacts =
+      addDock(QStringLiteral("compacts1"), m_panel->dockInfo().title, m_panel, Qt::TopDockWidgetArea);
   new CPanelHost(m_panel);
   m_messages = new CMessageView(this);
   QDockWidget* messages = addDock(QStringLiteral("messages"), QStringLiteral("消息"), m_messages, Qt::BottomDockWidgetArea);
   QDockWidget* log = addDock(QStringLiteral("log"), QStringLiteral("日志"), new CLogView(this), Qt::BottomDockWidgetArea);
-  resizeDocks({messages, log}, {180, 180}, Qt::Vertical);
-  resizeDocks({messages, log}, {420, 860}, Qt::Horizontal);
+  QMetaObject::invokeMethod(
+      this,
+      [this, compacts, messages, log] {
+        resizeDocks({compacts, messages}, {500, 180}, Qt::Vertical);
+        resizeDocks({messages, log}, {420, 860}, Qt::Horizontal);
+        m_meter.reset();
+      },
+      Qt::QueuedConnection);  // once the docks have their places
 
   connect(VN::CTradeClient::instance(), &VN::CTradeClient::sigLoginStatus, this,
           [this](const rdservice::CAccountInfoPtr& account, rdservice::EBROKER_LOGIN_STATUS status, const std::string& why) {

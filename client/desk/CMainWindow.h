@@ -48,5 +48,5 @@ class CMainWindow : public QMainWindow {
   QMenu* m_counterMenu = nullptr;
   QLabel* m_state = nullptr;
   QLabel* m_gap = nullptr;
-  utils::CEventLoopMeter m_meter{nullptr};
+  utils::CEventLoopMeter m_meter{10, nullptr};
 };

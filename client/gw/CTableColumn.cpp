@@ -41,7 +41,7 @@ QString sampleTextOf(const CTableColumn& column) {
   }
   switch (column.field->type) {
     case EFieldType::Account: return QStringLiteral("000000000000");
-    case EFieldType::Interned: return QString::fromUtf8("四字宽度");
+    case EFieldType::Interned: return QString::fromUtf8("六个字的宽度");
     case EFieldType::Text: return QStringLiteral("000000000000");
     case EFieldType::Char: return QStringLiteral("0");
     default: return QStringLiteral("000000");

@@ -7,22 +7,24 @@
 
 namespace utils {
 
-/// Measures how long the event loop of its thread did not turn: the longest time between waking up and being ready for
-/// the next event. GUI thread.
+/// Measures how long the event loop of its thread did not turn: a timer that fires every few milliseconds notices how
+/// late it is. GUI thread.
 class HOST_API CEventLoopMeter : public QObject {
  public:
-  explicit CEventLoopMeter(QObject* parent);
+  /// `periodMs`: the shorter, the shorter the gaps that are noticed, and the more the loop is woken.
+  CEventLoopMeter(int periodMs, QObject* parent);
   ~CEventLoopMeter() override;
 
-  /// Milliseconds, since construction or the last `reset`.
+  /// Milliseconds beyond the period, since construction or the last `reset`.
   double longestGap() const { return m_longestMs; }
-  void reset() { m_longestMs = 0; }
+  void reset();
+
+ protected:
+  void timerEvent(QTimerEvent* event) override;
 
  private:
-  void turn(bool sleeping);
-
-  QElapsedTimer m_clock;
-  bool m_busy = false;
+  const int m_periodMs;
+  QElapsedTimer m_sinceTurn;
   double m_longestMs = 0;
 };
 

@@ -138,7 +138,7 @@ TEST_F(DeskTest, ALateAnswerNeitherFreezesTheWindowNorShowsARowOfTheOldAccount) 
   EXPECT_FALSE(m_combo->isEnabled());
   QSignalSpy announced(m_table, &VN::CCompactsTable::sigQueryData);
   m_combo->setCurrentIndex(m_combo->findData(QString::fromLatin1(EMPTY)));
-  utils::CEventLoopMeter meter(nullptr);
+  utils::CEventLoopMeter meter(5, nullptr);
   int wrongRows = 0;
   ASSERT_TRUE(waitUntil([&] {
     m_table->updateTable();

@@ -58,7 +58,7 @@ class CTestRuntime {
   std::vector<utils::CLogLine> m_log TS_GUARDED_BY(m_logMutex);
   utils::CSubscriptionPtr m_listener;
   std::vector<std::string> m_expectedErrors;
-  utils::CEventLoopMeter m_meter{nullptr};
+  utils::CEventLoopMeter m_meter{10, nullptr};
   double m_gapLimit = 5000;
 };
 

@@ -1,0 +1,27 @@
+#include "utils/CEventLoopMeter.h"
+
+#include <gtest/gtest.h>
+
+#include <QEventLoop>
+#include <QTimer>
+
+namespace {
+
+TEST(CEventLoopMeter, NoticesALoopThatStandsStill) {
+  constexpr int STILL_MS = 60;
+  utils::CEventLoopMeter meter(5, nullptr);
+  QEventLoop loop;
+  QTimer::singleShot(0, [] {
+    QElapsedTimer still;
+    still.start();
+    while (still.elapsed() < STILL_MS) {
+    }
+  });
+  QTimer::singleShot(STILL_MS + 30, &loop, &QEventLoop::quit);
+  loop.exec();
+  EXPECT_GE(meter.longestGap(), STILL_MS - 10);
+  meter.reset();
+  EXPECT_EQ(meter.longestGap(), 0);
+}
+
+}  // namespace
