@@ -89,7 +89,8 @@ void pushIntoTable(benchmark::State& state) {
     std::vector<IDataPtr> changed;
     for (int i = 0; i < 100; ++i) {
       const IDataPtr copy = records[random() % records.size()]->copy();
-      boost::static_pointer_cast<rdservice::CStkUnClosedCompacts>(copy)->unpaidAmount = double(random() % 100000000) / 100;
+      boost::static_pointer_cast<rdservice::CStkUnClosedCompacts>(copy)->unpaidAmount =
+          double(random() % 100000000) / 100;
       changed.push_back(copy);
     }
     state.ResumeTiming();
@@ -112,7 +113,11 @@ void storeReply(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }
-BENCHMARK(storeReply)->ArgNames({"records", "again"})->Args({100000, 0})->Args({100000, 1})->Unit(benchmark::kMillisecond);
+BENCHMARK(storeReply)
+    ->ArgNames({"records", "again"})
+    ->Args({100000, 0})
+    ->Args({100000, 1})
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

@@ -8,7 +8,8 @@
 
 bool readDeskOptions(const QStringList& arguments, CDeskOptions& options) {
   QCommandLineParser parser;
-  parser.setApplicationDescription(QStringLiteral("A trading desk on an embedded counter, with the compacts panel docked."));
+  parser.setApplicationDescription(
+      QStringLiteral("A trading desk on an embedded counter, with the compacts panel docked."));
   parser.addHelpOption();
   const QString defaultData = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
   const QString share = QCoreApplication::applicationDirPath() + QStringLiteral("/../share/PanelCompacts");

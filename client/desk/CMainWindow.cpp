@@ -22,7 +22,8 @@ constexpr int FIRST_PANEL_ID = 1;
 constexpr int LATENCIES_MS[] = {0, 200, 1000, 3000};
 constexpr int PUSH_COUNTS[] = {1, 20, 200};
 
-QString loginText(const rdservice::CAccountInfo& account, rdservice::EBROKER_LOGIN_STATUS status, const std::string& why) {
+QString loginText(const rdservice::CAccountInfo& account, rdservice::EBROKER_LOGIN_STATUS status,
+                  const std::string& why) {
   const char* text = "未登录";
   switch (status) {
     case rdservice::LoginStatusLoggingIn: text = "正在登录"; break;
@@ -30,7 +31,8 @@ QString loginText(const rdservice::CAccountInfo& account, rdservice::EBROKER_LOG
     case rdservice::LoginStatusFailed: text = "登录失败"; break;
     default: break;
   }
-  QString line = QStringLiteral("资金账号[%1]%2").arg(QString::fromStdString(account.accountId), QString::fromUtf8(text));
+  QString line =
+      QStringLiteral("资金账号[%1]%2").arg(QString::fromStdString(account.accountId), QString::fromUtf8(text));
   if (!why.empty()) line += QStringLiteral(": ") + QString::fromStdString(why);
   return line;
 }
@@ -76,8 +78,10 @@ void CMainWindow::startClient(std::unique_ptr<runtime::CClientRuntime> client) {
       addDock(QStringLiteral("compacts1"), m_panel->dockInfo().title, m_panel, Qt::TopDockWidgetArea);
   new CPanelHost(m_panel);
   m_messages = new CMessageView(this);
-  QDockWidget* messages = addDock(QStringLiteral("messages"), QStringLiteral("消息"), m_messages, Qt::BottomDockWidgetArea);
-  QDockWidget* log = addDock(QStringLiteral("log"), QStringLiteral("日志"), new CLogView(this), Qt::BottomDockWidgetArea);
+  QDockWidget* messages =
+      addDock(QStringLiteral("messages"), QStringLiteral("消息"), m_messages, Qt::BottomDockWidgetArea);
+  QDockWidget* log =
+      addDock(QStringLiteral("log"), QStringLiteral("日志"), new CLogView(this), Qt::BottomDockWidgetArea);
   QMetaObject::invokeMethod(
       this,
       [this, compacts, messages, log] {
@@ -88,9 +92,8 @@ void CMainWindow::startClient(std::unique_ptr<runtime::CClientRuntime> client) {
       Qt::QueuedConnection);  // once the docks have their places
 
   connect(VN::CTradeClient::instance(), &VN::CTradeClient::sigLoginStatus, this,
-          [this](const rdservice::CAccountInfoPtr& account, rdservice::EBROKER_LOGIN_STATUS status, const std::string& why) {
-            m_messages->addMessage(loginText(*account, status, why));
-          });
+          [this](const rdservice::CAccountInfoPtr& account, rdservice::EBROKER_LOGIN_STATUS status,
+                 const std::string& why) { m_messages->addMessage(loginText(*account, status, why)); });
   connect(VN::CTradeClient::instance(), &VN::CTradeClient::sigAccountsChanged, this,
           [this] { showState(QStringLiteral("柜台已连接")); });
   buildCounterMenu();
@@ -108,8 +111,8 @@ void CMainWindow::buildCounterMenu() {
     connect(action, &QAction::triggered, this, [this, ms] { m_client->setCounterLatency(ms); });
   }
   for (const int count : PUSH_COUNTS)
-    connect(m_counterMenu->addAction(QStringLiteral("推送当前账号的 %1 条合约变动").arg(count)), &QAction::triggered, this,
-            [this, count] { changeShownAccount(count); });
+    connect(m_counterMenu->addAction(QStringLiteral("推送当前账号的 %1 条合约变动").arg(count)), &QAction::triggered,
+            this, [this, count] { changeShownAccount(count); });
   m_counterMenu->setEnabled(true);
 }
 

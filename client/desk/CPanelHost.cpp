@@ -13,8 +13,9 @@ CPanelHost::CPanelHost(VN::ITradeDockableWidget* panel) : QObject(panel), m_pane
   // Queued: the panel first handles the choice itself.
   const auto combos = panel->findChildren<GW::CComboBox*>();
   for (GW::CComboBox* combo : combos)
-    connect(combo, QOverload<int>::of(&QComboBox::currentIndexChanged), this, [this] { requestShownAccount(); },
-            Qt::QueuedConnection);
+    connect(
+        combo, QOverload<int>::of(&QComboBox::currentIndexChanged), this, [this] { requestShownAccount(); },
+        Qt::QueuedConnection);
   requestShownAccount();
 }
 

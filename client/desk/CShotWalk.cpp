@@ -22,8 +22,11 @@ constexpr int CHOICE_MS = 300;  // what a user takes at least between choosing a
 
 CShotWalk::CShotWalk(CMainWindow& window, const QString& folder, QObject* parent)
     : QObject(parent), m_window(window), m_folder(folder) {
-  const auto combo = [this] { return m_window.panel() != nullptr ? m_window.panel()->findChild<GW::CComboBox*>() : nullptr; };
-  m_steps.push_back({QStringLiteral("01-start"), [] {}, [combo] { return combo() != nullptr && combo()->count() > 0; }});
+  const auto combo = [this] {
+    return m_window.panel() != nullptr ? m_window.panel()->findChild<GW::CComboBox*>() : nullptr;
+  };
+  m_steps.push_back(
+      {QStringLiteral("01-start"), [] {}, [combo] { return combo() != nullptr && combo()->count() > 0; }});
   m_steps.push_back({QString(), [this] { addAccountSteps(); }, [] { return true; }});
   m_waited.start();
   startTimer(POLL_MS);
@@ -37,7 +40,7 @@ void CShotWalk::addAccountSteps() {
   auto* rows = dynamic_cast<GW::CBaseHighPerformanceTable*>(table);
   for (int i = 0; i < combo->count(); ++i) {
     const QString name = QStringLiteral("%1-account-%2").arg(i + 2, 2, 10, QLatin1Char('0')).arg(i + 1);
-    m_steps.push_back({QString(), [combo, i] { combo->setCurrentIndex(i); }, 
+    m_steps.push_back({QString(), [combo, i] { combo->setCurrentIndex(i); },
                        [this, refresh] { return !refresh->isLocked() && m_waited.elapsed() > CHOICE_MS; }});
     m_steps.push_back({name, [refresh] { refresh->click(); },
                        [combo, rows] { return combo->isEnabled() && (rows == nullptr || rows->isUpToDate()); }});

@@ -24,7 +24,8 @@ using runtime::CClientRuntime;
 /// Tells why the desk cannot start, on standard error and, with a display, in a box.
 void showFailure(CMainWindow& window, const CDeskOptions& options, const QString& what, const QString& errors) {
   std::fprintf(stderr, "%s\n%s\n", qPrintable(what), qPrintable(errors));
-  if (options.shots.isEmpty()) QMessageBox::critical(&window, window.windowTitle(), what + QStringLiteral("\n\n") + errors.left(4000));
+  if (options.shots.isEmpty())
+    QMessageBox::critical(&window, window.windowTitle(), what + QStringLiteral("\n\n") + errors.left(4000));
   QApplication::exit(EXIT_INPUT);
 }
 
@@ -85,8 +86,10 @@ int main(int argc, char** argv) {
   QMetaObject::invokeMethod(
       &window,
       [&] {
-        if (book.isEmpty()) openClient(window, options, database);
-        else loadBookThenOpen(window, options, book, database);
+        if (book.isEmpty())
+          openClient(window, options, database);
+        else
+          loadBookThenOpen(window, options, book, database);
       },
       Qt::QueuedConnection);
   return QApplication::exec();

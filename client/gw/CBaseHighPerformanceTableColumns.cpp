@@ -36,11 +36,12 @@ void CBaseHighPerformanceTable::Private::onHeaderClicked(int columnId) {
     q->setSortColumn(-1, Qt::AscendingOrder);
 }
 
-int CBaseHighPerformanceTable::addPlainColumn(const QString& title, Qt::Alignment alignment) {
+int CBaseHighPerformanceTable::addPlainColumn(int number, const QString& title, Qt::Alignment alignment) {
   utils::assertGui();
   CTableColumn column;
   column.title = title;
-  column.number = -++m_d->plainColumns;
+  assert(number >= 1);
+  column.number = -number;
   column.alignment = alignment;
   return m_d->addColumn(std::move(column));
 }

@@ -23,7 +23,6 @@ struct CBaseHighPerformanceTable::Private {
   CTableModel model;
   CTableView* view;  ///< child of the table, deleted before the model
   int recordType = 0;
-  int plainColumns = 0;
   bool isUpdating = false;
 };
 

@@ -11,16 +11,18 @@ struct CBaseTableColumnWidgetDelegate::Private {
   std::shared_ptr<CTableStore> store;
   std::function<qint64(const QString& rowKey)> sortKey;
 
-  void change(EItemPart part, const QString& key, const QString& text, bool on) {
+  void change(EItemPart part, const QString& key, const QString& text, bool on, qint64 value = 0) {
     store->change([&](CTableChanges& changes) {
-      changes.items.push_back({part, columnId, key.toStdString(), text, on});
+      changes.add(CItemChange{part, columnId, key.toStdString(), text, on, value});
     });
   }
   CItemState item(const QString& key) const { return store->item(columnId, key.toStdString()); }
 };
 
 CBaseTableColumnWidgetDelegate::CBaseTableColumnWidgetDelegate(int columnId, CBaseHighPerformanceTable* deliverer)
-    : CEventDeliverer(deliverer), m_d(new Private{columnId, deliverer->m_d->store, nullptr}) {}
+    : CEventDeliverer(nullptr), m_d(new Private{columnId, deliverer->m_d->store, nullptr}) {
+  setEventReceiver(deliverer);
+}
 
 CBaseTableColumnWidgetDelegate::~CBaseTableColumnWidgetDelegate() = default;
 
@@ -58,10 +60,12 @@ const std::function<qint64(const QString& rowKey)>& CBaseTableColumnWidgetDelega
   return m_d->sortKey;
 }
 
-void CBaseTableColumnWidgetDelegate::change(const QString& key, std::function<void()> apply) {
-  m_d->store->change([&](CTableChanges& changes) {
-    changes.items.push_back({EItemPart::Own, m_d->columnId, key.toStdString(), QString(), false, std::move(apply)});
-  });
+void CBaseTableColumnWidgetDelegate::setItemValue(const QString& key, qint64 value) {
+  m_d->change(EItemPart::Value, key, QString(), false, value);
+}
+
+std::optional<qint64> CBaseTableColumnWidgetDelegate::itemValue(const QString& key) const {
+  return m_d->item(key).value;
 }
 
 CBaseTableColumnSimpleTextDelegate::CBaseTableColumnSimpleTextDelegate(int columnId,

@@ -4,25 +4,31 @@
 #include "gw/CTableStore.h"
 
 #include <cassert>
-#include <optional>
 #include <utility>
 
 namespace GW {
 
 struct CTableBatch::Private {
-  Private(std::shared_ptr<CTableStore> tableStore, std::optional<CTableScope> scope)
-      : store(std::move(tableStore)), madeFor(std::move(scope)), gatherer(store.get()) {}
+  Private(std::shared_ptr<CTableStore> tableStore, CScopeTest test, ERowRule rowRule)
+      : store(std::move(tableStore)), accepts(std::move(test)), rule(rowRule), gatherer(store.get()) {}
 
   std::shared_ptr<CTableStore> store;  ///< outlives the table, so that a late commit is refused instead of crashing
-  std::optional<CTableScope> madeFor;  ///< none: a push
+  const CScopeTest accepts;            ///< null: any scope
+  const ERowRule rule;
   CChangeGatherer gatherer;
 };
 
 CTableBatch::CTableBatch(CBaseHighPerformanceTable& table, CTableScope madeFor)
-    : m_d(std::make_unique<Private>(table.m_d->store, std::move(madeFor))) {}
+    : m_d(std::make_unique<Private>(
+          table.m_d->store, [scope = std::move(madeFor)](const CTableScope& present) { return present == scope; },
+          ERowRule::Ordinary)) {}
 
 CTableBatch::CTableBatch(CBaseHighPerformanceTable& table)
-    : m_d(std::make_unique<Private>(table.m_d->store, std::nullopt)) {}
+    : m_d(std::make_unique<Private>(table.m_d->store, nullptr, ERowRule::Push)) {}
+
+CTableBatch::CTableBatch(CBaseHighPerformanceTable& table, int type)
+    : m_d(std::make_unique<Private>(
+          table.m_d->store, [type](const CTableScope& present) { return present.type == type; }, ERowRule::Push)) {}
 
 CTableBatch::~CTableBatch() = default;
 
@@ -39,8 +45,7 @@ void CTableBatch::dropAbsent(std::function<bool(const rdservice::IData&)> belong
 bool CTableBatch::commit(CTableScope* present) {
   assert(m_d->gatherer.isGathering() && "a batch is committed once");
   m_d->gatherer.stop();
-  return m_d->store->commit(std::move(m_d->gatherer.changes), m_d->madeFor ? &*m_d->madeFor : nullptr,
-                            m_d->madeFor ? ERowRule::Ordinary : ERowRule::Push, present);
+  return m_d->store->commit(m_d->gatherer.changes, m_d->accepts, m_d->rule, present);
 }
 
 }  // namespace GW

@@ -21,6 +21,11 @@ void CTableChanges::add(const rdservice::IDataPtr& record) {
   if (record) records.push_back({record->getKey(), record});
 }
 
+void CTableChanges::add(CItemChange item) {
+  item.records = records.size();
+  items.push_back(std::move(item));
+}
+
 CChangeGatherer::CChangeGatherer(const CTableStore* store)
     : m_store(store), m_outer(t_innermost), m_thread(std::this_thread::get_id()) {
   t_innermost = this;

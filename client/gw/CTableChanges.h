@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <thread>
 #include <utility>
@@ -20,9 +21,11 @@ struct CItemState {
   bool visible = true;
   bool enabled = true;
   bool checked = false;
+  std::optional<qint64> value;
 
   friend bool operator==(const CItemState& a, const CItemState& b) {
-    return a.visible == b.visible && a.enabled == b.enabled && a.checked == b.checked && a.text == b.text;
+    return a.visible == b.visible && a.enabled == b.enabled && a.checked == b.checked && a.value == b.value &&
+           a.text == b.text;
   }
 };
 
@@ -44,16 +47,17 @@ enum class EItemPart : unsigned char {
   Enabled,
   Checked,
   ResetColumn,  ///< forgets every key of the column; without a key
-  Own,          ///< state that a derived delegate keeps itself
+  Value,
 };
 
 struct CItemChange {
   EItemPart part;
   int column;
   std::string key;
-  QString text;                   ///< part Text
-  bool on;                        ///< the other parts
-  std::function<void()> apply{};  ///< part Own: called with the store's lock held
+  QString text;             ///< part Text
+  bool on;                  ///< parts Visible, Enabled, Checked
+  qint64 value = 0;         ///< part Value
+  std::size_t records = 0;  ///< how many records had been gathered before it
 };
 
 struct CRecordChange {
@@ -61,7 +65,8 @@ struct CRecordChange {
   rdservice::IDataPtr record;
 };
 
-/// What a batch has gathered. Records and items are applied in this order: clear, drop, records, items.
+/// What a batch has gathered. It is applied in this order: clear, drop, records and items as they were gathered. An
+/// item goes with the last record of its key gathered before it, and is ignored when that record is.
 struct CTableChanges {
   std::vector<CRecordChange> records;
   std::vector<CItemChange> items;
@@ -70,6 +75,7 @@ struct CTableChanges {
   bool refresh = false;  ///< wake the GUI thread after the commit
 
   void add(const rdservice::IDataPtr& record);
+  void add(CItemChange item);
   bool isEmpty() const { return records.empty() && items.empty(); }
 };
 

@@ -12,28 +12,35 @@ using utils::CMutexLock;
 
 CTableStore::CTableStore(std::function<void()> wake) : m_wake(std::move(wake)) {}
 
-bool CTableStore::commit(CTableChanges&& changes, const CTableScope* madeFor, ERowRule rule, CTableScope* present) {
+bool CTableStore::commit(CTableChanges& changes, const CScopeTest& accepts, ERowRule rule, CTableScope* present) {
   CGarbage garbage;
   {
     CMutexLock lock(m_mutex);
-    if (m_closed || (madeFor != nullptr && *madeFor != m_scope)) {
+    if (m_closed || (accepts && !accepts(m_scope))) {
       if (present != nullptr) *present = m_scope;
       return false;
     }
     if (changes.clearFirst) clearRows(garbage);
     if (changes.belongs) dropAbsent(changes, garbage);
 
-    std::unordered_set<std::string> accepted, ignored;
-    const bool filterItems = rule == ERowRule::Push && !changes.items.empty();
-    for (CRecordChange& change : changes.records) {
-      std::string key = filterItems ? change.key : std::string();
-      const bool done = put(change, rule, garbage);
-      if (filterItems) (done ? accepted : ignored).insert(std::move(key));
-    }
+    std::unordered_set<std::string> ignored;  // keys whose last record so far was not taken
+    std::size_t done = 0;
+    const auto putUntil = [&](std::size_t end) TS_REQUIRES(m_mutex) {
+      for (; done < end; ++done) {
+        CRecordChange& change = changes.records[done];
+        // A record that is not taken leaves its key where it is; one that is may have given it away.
+        const std::string key = ignored.empty() ? std::string() : change.key;
+        if (!put(change, rule, garbage))
+          ignored.insert(change.key);
+        else if (!ignored.empty())
+          ignored.erase(key);
+      }
+    };
     for (CItemChange& change : changes.items) {
-      if (filterItems && ignored.count(change.key) > 0 && accepted.count(change.key) == 0) continue;
-      changeItem(change);
+      putUntil(change.records);
+      if (ignored.empty() || ignored.count(change.key) == 0) changeItem(change);
     }
+    putUntil(changes.records.size());
     if (changes.refresh && m_wake && !m_isWoken) {
       m_isWoken = true;
       m_wake();
@@ -208,11 +215,6 @@ void CTableStore::changeItem(CItemChange& change) {
     resetItems(change.column);
     return;
   }
-  if (change.part == EItemPart::Own) {
-    change.apply();
-    if (const auto it = m_rows.find(change.key); it != m_rows.end() && it->second.slot >= 0) markDirty(it->second);
-    return;
-  }
   CRow& row = m_rows.try_emplace(std::move(change.key)).first->second;
   auto it = std::find_if(row.items.begin(), row.items.end(),
                          [&change](const auto& item) { return item.first == change.column; });
@@ -227,8 +229,8 @@ void CTableStore::changeItem(CItemChange& change) {
     case EItemPart::Visible: item.visible = change.on; break;
     case EItemPart::Enabled: item.enabled = change.on; break;
     case EItemPart::Checked: item.checked = change.on; break;
-    case EItemPart::ResetColumn:
-    case EItemPart::Own: break;
+    case EItemPart::Value: item.value = change.value; break;
+    case EItemPart::ResetColumn: break;
   }
   if (row.slot >= 0) markDirty(row);
 }

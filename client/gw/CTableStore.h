@@ -18,8 +18,11 @@ namespace GW {
 /// How a batch treats a record whose row exists.
 enum class ERowRule : unsigned char {
   Ordinary,  ///< replaces it unless the record is older; an unpublished record always replaces
-  Push,      ///< replaces it only when the record is newer; otherwise its items are ignored too
+  Push,      ///< replaces it only when the record is newer
 };
+
+/// Whether a batch may still be shown; called with the lock held.
+using CScopeTest = std::function<bool(const CTableScope& present)>;
 
 /// A row that the GUI side has to take over. Slot numbers count arrivals.
 struct CDrainedRow {
@@ -42,9 +45,9 @@ class CTableStore {
   /// `wake` is called (any thread, with the lock held) when the GUI side shall drain soon, once until it does.
   explicit CTableStore(std::function<void()> wake);
 
-  /// All or nothing: false when closed or when the present scope is not `madeFor` (null: any scope will do). `present`
-  /// may be null. The changes are used up.
-  bool commit(CTableChanges&& changes, const CTableScope* madeFor, ERowRule rule, CTableScope* present);
+  /// All or nothing: false when closed or when the present scope does not satisfy `accepts` (null: any will do).
+  /// `present` may be null. The changes are used up when it returns true.
+  bool commit(CTableChanges& changes, const CScopeTest& accepts, ERowRule rule, CTableScope* present);
 
   /// Lets `fill` add changes to this thread's batch of the table, or to a batch of one that is committed here.
   template <class F>
@@ -55,7 +58,7 @@ class CTableStore {
     }
     CTableChanges changes;
     fill(changes);
-    commit(std::move(changes), nullptr, ERowRule::Ordinary, nullptr);
+    commit(changes, nullptr, ERowRule::Ordinary, nullptr);
   }
 
   void setScope(const CTableScope& scope);
@@ -104,8 +107,8 @@ class CTableStore {
   void countText(int column, const QString& text, int step) TS_REQUIRES(m_mutex);
   bool hasDropped() const TS_REQUIRES(m_mutex) { return m_cleared || m_replaced; }
 
-  /// Guards everything below. Taken once a batch and once a drain step; nothing but `belongs`, `wake` and
-  /// the delegates' own changes is called with it held.
+  /// Guards everything below. Taken once a batch and once a drain step; nothing but `belongs` and `wake`
+  /// is called with it held.
   mutable utils::CMutex m_mutex;
   CTableScope m_scope TS_GUARDED_BY(m_mutex);
   bool m_closed TS_GUARDED_BY(m_mutex) = false;

@@ -54,7 +54,7 @@ struct RPCEngine::Private {
   CStrandPtr getStrand(const std::string& name);
   void stop();
 
-  utils::CMutex stopMutex;  ///< held while stopping, so that a second caller waits too
+  utils::CMutex stopMutex;                         ///< held while stopping, so that a second caller waits too
   std::unique_ptr<boost::asio::thread_pool> pool;  ///< freed by `stop`; `isOpen` says whether it may be used
   utils::CMutex mutex;
   bool isOpen TS_GUARDED_BY(mutex) = true;

@@ -2,9 +2,9 @@
 
 #include "rdservice/CAccountData_p.h"
 #include "rdservice/CDataVersion.h"
-#include "rdservice/reply_marks.h"
 #include "rdservice/CStructDes.h"
 #include "rdservice/data_centre_factory.h"
+#include "rdservice/reply_marks.h"
 
 #include <boost/smart_ptr/make_shared.hpp>
 
@@ -49,11 +49,12 @@ void CAccountData::updateCompacts(int typeId, const std::vector<IDataPtr>& recor
   m_d->replaceAll(typeId, records, Private::ALWAYS);
 }
 
-std::uint64_t takeMark(CAccountData& account) {
-  CAccountData::Private& d = CAccountData::Private::of(account);
-  const utils::CWriteLock lock(d.mutex);
-  return ++d.lastVersion;
+CAccountData::Private::CListeners& CAccountData::Private::listenersOf(int typeId) {
+  const utils::CMutexLock lock(listenersMutex);
+  return listeners[typeId];
 }
+
+std::uint64_t takeMark(CAccountData& account) { return ++CAccountData::Private::of(account).lastVersion; }
 
 void noteMark(const std::vector<IDataPtr>& records, std::uint64_t mark) {
   for (const IDataPtr& record : records)
@@ -76,7 +77,6 @@ void CAccountData::removeMetaData(int typeId) {
 IDataPtr CAccountData::modifyData(int typeId, const std::string& key, const std::function<void(IData&)>& edit) {
   IDataPtr replaced;
   IDataPtr held;
-  const Private::CListeners* listeners = nullptr;
   {
     const utils::CWriteLock lock(m_d->mutex);
     const auto type = m_d->types.find(typeId);
@@ -92,19 +92,20 @@ IDataPtr CAccountData::modifyData(int typeId, const std::string& key, const std:
     held = m_d->publish(edited);
     replaced = entry.store.replace(place, held, held->version());
     ++entry.generation;
-    listeners = &entry.listeners;
   }
-  listeners->call(key, held);
+  m_d->listenersOf(typeId).call({key}, {held});
   return held;
 }
 
 utils::CSubscriptionPtr CAccountData::subscribe(int typeId, const std::string& key, CDataCallback callback) {
-  const utils::CWriteLock lock(m_d->mutex);
-  auto& listeners = m_d->types[typeId].listeners;
+  using CKeys = std::vector<std::string>;
+  using CRecords = std::vector<IDataPtr>;
+  Private::CListeners& listeners = m_d->listenersOf(typeId);
   if (key.empty())
-    return listeners.add([f = std::move(callback)](const std::string&, const IDataPtr& record) { f(record); });
-  return listeners.add([f = std::move(callback), key](const std::string& changed, const IDataPtr& record) {
-    if (changed == key) f(record);
+    return listeners.add([f = std::move(callback)](const CKeys&, const CRecords& records) { f(records); });
+  return listeners.add([f = std::move(callback), key](const CKeys& keys, const CRecords& records) {
+    for (std::size_t i = 0; i < keys.size(); ++i)
+      if (keys[i] == key) f({records[i]});
   });
 }
 

@@ -85,8 +85,14 @@ std::vector<IDataPtr> CAccountData::Private::store(const IDataPtr* records, std:
     const utils::CWriteLock lock(mutex);
     for (std::size_t i = begin; i < std::min(begin + SLICE, items.size()); ++i) storeItem(items[i], keepNewer);
   }
-  for (const CItem& item : items)
-    if (item.isChanged) item.type->listeners.call(item.key, item.held);
+  std::map<int, std::pair<std::vector<std::string>, std::vector<IDataPtr>>> changed;
+  for (const CItem& item : items) {
+    if (!item.isChanged) continue;
+    auto& [keys, changedRecords] = changed[item.held->getBaseId()];
+    keys.push_back(item.key);
+    changedRecords.push_back(item.held);
+  }
+  for (const auto& [typeId, change] : changed) listenersOf(typeId).call(change.first, change.second);
 
   std::vector<IDataPtr> held(count);
   for (std::size_t i = 0; i < count; ++i)
@@ -124,7 +130,6 @@ void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& 
     }
   }
   std::vector<IDataPtr> changed(fresh.size());
-  const CListeners* listeners = nullptr;
   {
     const utils::CWriteLock lock(mutex);
     CTypeEntry& entry = types[typeId];
@@ -134,7 +139,7 @@ void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& 
       const IDataPtr& held = unchanged[i] == nullptr ? changed[i] : unchanged[i];
       const std::size_t before = entry.store.find(keys[i]);
       const std::uint64_t basis = before == CTypeStore::NONE ? 0 : entry.store.basis(before);
-      fresh.replace(i, held, std::max(basis, mark != ALWAYS ? mark : lastVersion));
+      fresh.replace(i, held, std::max(basis, mark != ALWAYS ? mark : lastVersion.load()));
     }
     for (std::size_t i = 0; mark != ALWAYS && i < entry.store.size(); ++i) {
       if (entry.store.basis(i) <= mark) continue;
@@ -143,10 +148,15 @@ void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& 
     }
     std::swap(fresh, entry.store);
     ++entry.generation;
-    listeners = &entry.listeners;
   }
-  for (std::size_t i = 0; i < changed.size(); ++i)
-    if (changed[i] != nullptr) listeners->call(keys[i], changed[i]);
+  std::vector<std::string> changedKeys;
+  std::vector<IDataPtr> changedRecords;
+  for (std::size_t i = 0; i < changed.size(); ++i) {
+    if (changed[i] == nullptr) continue;
+    changedKeys.push_back(keys[i]);
+    changedRecords.push_back(changed[i]);
+  }
+  if (!changedKeys.empty()) listenersOf(typeId).call(changedKeys, changedRecords);
 }
 
 }  // namespace rdservice

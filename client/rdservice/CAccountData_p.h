@@ -7,18 +7,18 @@
 
 #include <map>
 
+#include <atomic>
 #include <limits>
 
 namespace rdservice {
 
 struct CAccountData::Private {
-  /// Called with the key, so that subscribers of one record need not build it.
-  using CListeners = utils::CCallbackList<const std::string&, const IDataPtr&>;
+  /// Called with keys and records, so that subscribers of one record need not build its key.
+  using CListeners = utils::CCallbackList<const std::vector<std::string>&, const std::vector<IDataPtr>&>;
 
   struct CTypeEntry {
     CTypeStore store;
     std::uint64_t generation = 0;  ///< counts the changes of the store
-    CListeners listeners;          ///< has its own lock, and is called outside the store's
   };
 
   /// A record on its way into the store. Of several with one key in a batch only the last is stored.
@@ -50,10 +50,16 @@ struct CAccountData::Private {
 
   const CAccountInfoPtr accountInfo;
   mutable utils::CSharedMutex mutex;
-  /// Entries are never erased, so that their listeners can be called without the lock.
   std::map<int, CTypeEntry> types TS_GUARDED_BY(mutex);
-  /// The last version or mark given: one count for both, so that they can be compared.
-  std::uint64_t lastVersion TS_GUARDED_BY(mutex) = 0;
+  /// The last version or mark given: one count for both, so that they can be compared. Versions are given under the
+  /// lock, marks without it, so that asking for one never waits.
+  std::atomic<std::uint64_t> lastVersion{0};
+
+  /// Subscribers by type. They have a lock of their own, so that subscribing does not wait for a large set that is
+  /// being stored; lists are never erased, and called without any lock.
+  CListeners& listenersOf(int typeId);
+  utils::CMutex listenersMutex;
+  std::map<int, CListeners> listeners TS_GUARDED_BY(listenersMutex);
 };
 
 }  // namespace rdservice

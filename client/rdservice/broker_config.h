@@ -12,10 +12,10 @@ namespace rdservice {
 
 /// What is particular to counters of one type.
 struct CCounterTypeConfig {
-  std::string name;                     ///< for people
-  int maxCompacts = 0;                  ///< most compacts in one reply; 0 for no limit
-  bool repeatsRecords = false;          ///< replies may repeat records of the reply before
-  bool refusesTodaysRenewal = false;    ///< compacts opened today cannot be extended
+  std::string name;                   ///< for people
+  int maxCompacts = 0;                ///< most compacts in one reply; 0 for no limit
+  bool repeatsRecords = false;        ///< replies may repeat records of the reply before
+  bool refusesTodaysRenewal = false;  ///< compacts opened today cannot be extended
 };
 
 /// The broker's switches: broker.toml.

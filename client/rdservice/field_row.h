@@ -51,8 +51,14 @@ template <auto Member>
 constexpr CFieldDes fieldRow(int number, const char* name, const char* title, EFieldFormat format,
                              EFieldShown shown = EFieldShown::Shown) {
   using Value = typename detail::CMemberOf<decltype(Member)>::ValueType;
-  return {number,  name,   title, detail::CFieldTypeOf<Value>::VALUE, format,
-          nullptr, shown == EFieldShown::Hidden, &detail::memberAddress<Member>};
+  return {number,
+          name,
+          title,
+          detail::CFieldTypeOf<Value>::VALUE,
+          format,
+          nullptr,
+          shown == EFieldShown::Hidden,
+          &detail::memberAddress<Member>};
 }
 
 /// A row of a field that holds codes of the enumeration `enumType`, as `TypeManager` names it.

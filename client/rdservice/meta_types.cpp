@@ -11,6 +11,9 @@ void registerMetaTypes() {
   qRegisterMetaType<CAccountInfoPtr>("rdservice::CAccountInfoPtr");
   qRegisterMetaType<CStkUnClosedCompactsPtr>("rdservice::CStkUnClosedCompactsPtr");
   qRegisterMetaType<CStkClosedCompactsPtr>("rdservice::CStkClosedCompactsPtr");
+  qRegisterMetaType<CStkUnClosedCompactsStaticsPtr>("rdservice::CStkUnClosedCompactsStaticsPtr");
+  qRegisterMetaType<CStkCompactChangePtr>("rdservice::CStkCompactChangePtr");
+  qRegisterMetaType<CCreditRepayPriorityRespPtr>("rdservice::CCreditRepayPriorityRespPtr");
   qRegisterMetaType<EBROKER_LOGIN_STATUS>("rdservice::EBROKER_LOGIN_STATUS");
   qRegisterMetaType<bson::BSONObj>("bson::BSONObj");
   qRegisterMetaType<bson::BSONObj>("bson::bo");

@@ -122,7 +122,7 @@ void CHpfDataTable::setTradeType(int tradeType) {
 int CHpfDataTable::tradeType() const { return m_d->tradeType; }
 
 int CHpfDataTable::addColumn(const CHpfDataColumnProperty& property, bool, bool movable, const QString&) {
-  const int id = addPlainColumn(property.title, Qt::Alignment(property.alignment));
+  const int id = addPlainColumn(property.number, property.title, Qt::Alignment(property.alignment));
   m_d->view->setColumnMovable(id, movable);
   return id;
 }

@@ -1,15 +1,15 @@
 #include "vn/CTradeClient.h"
 
-#include "vn/CRequestBook.h"
 #include "rdservice/CStructDes.h"
 #include "rdservice/TraderCenter.h"
 #include "rdservice/reply_marks.h"
 #include "rdservice/service_requests.h"
-#include "vn/trade_client_factory.h"
 #include "utils/CCallbackList.h"
 #include "utils/CInstance.h"
 #include "utils/CLogCenter.h"
+#include "vn/CRequestBook.h"
 #include "vn/CUserConfig.h"
+#include "vn/trade_client_factory.h"
 
 #include <boost/make_shared.hpp>
 
@@ -106,34 +106,36 @@ void CTradeClient::Private::queryCompacts(int dataType, const rdservice::CQueryC
   const auto sent = boost::make_shared<rdservice::CQueryCompactReqV2>(*request);
   sent->dataType = dataType;
   const std::uint64_t mark = markOf(sent->accountKey);
-  requests.send(sent, [mark, reply = std::move(reply)](const utils::RDError& error, const std::vector<IDataPtr>& records,
-                                                       const bson::BSONObj& extra) {
-    rdservice::noteMark(records, mark);
-    reply(error, records, 0, extra);
-  });
+  requests.send(sent,
+                [mark, reply = std::move(reply)](const utils::RDError& error, const std::vector<IDataPtr>& records,
+                                                 const bson::BSONObj& extra) {
+                  rdservice::noteMark(records, mark);
+                  reply(error, records, 0, extra);
+                });
 }
 
 void CTradeClient::queryData(const rdservice::CQueryDataReqPtr& request, CDataReply reply, int, int) {
   const auto sent = boost::make_shared<rdservice::CQueryDataReq>(*request);
   const std::string accountKey = sent->accountInfo ? sent->accountInfo->getKey() : std::string();
   const std::uint64_t mark = markOf(accountKey);
-  m_d->requests.send(sent, [this, accountKey, mark, dataType = sent->dataType, reply = std::move(reply)](
-                               const utils::RDError& error, const std::vector<IDataPtr>& records,
-                               const bson::BSONObj& extra) {
-    if (isCompactType(dataType)) m_d->takeData(accountKey, mark, dataType, error, records);
-    if (reply) reply(error, records, extra);
-  });
+  m_d->requests.send(
+      sent, [this, accountKey, mark, dataType = sent->dataType, reply = std::move(reply)](
+                const utils::RDError& error, const std::vector<IDataPtr>& records, const bson::BSONObj& extra) {
+        if (isCompactType(dataType)) m_d->takeData(accountKey, mark, dataType, error, records);
+        if (reply) reply(error, records, extra);
+      });
 }
 
-void CTradeClient::Private::takeData(const std::string& accountKey, std::uint64_t mark, int dataType, const utils::RDError& error,
-                                     const std::vector<IDataPtr>& records) {
+void CTradeClient::Private::takeData(const std::string& accountKey, std::uint64_t mark, int dataType,
+                                     const utils::RDError& error, const std::vector<IDataPtr>& records) {
   if (error.isSuccess()) {
     rdservice::CDataCenter* centre = dataCentre();
     if (const auto account = centre != nullptr ? centre->getAccountData(accountKey) : nullptr)
       rdservice::replaceAsOf(*account, dataType, records, mark);
   } else {
-    constexpr utils::CLogSite SITE{FILE_NAME, "void VN::CTradeClient::queryData(const rdservice::CQueryDataReqPtr&, "
-                                              "CDataReply, int, int)"};
+    constexpr utils::CLogSite SITE{FILE_NAME,
+                                   "void VN::CTradeClient::queryData(const rdservice::CQueryDataReqPtr&, "
+                                   "CDataReply, int, int)"};
     utils::logInfo(SITE, "[query data] fail : acc = {0}, data type = {1}, errmsg = {2}", accountKey, dataType,
                    error.errorMsg());
   }
@@ -152,8 +154,7 @@ void CTradeClient::setLogin(const std::string& accountKey, bool login) {
   m_d->requests.send(request, [this, accountKey, login](const utils::RDError& error, const std::vector<IDataPtr>&,
                                                         const bson::BSONObj&) {
     // Success is told by the counter itself, through the sink.
-    if (!error.isSuccess() && login)
-      m_d->onLoginStatus(accountKey, rdservice::LoginStatusFailed, error.errorMsg());
+    if (!error.isSuccess() && login) m_d->onLoginStatus(accountKey, rdservice::LoginStatusFailed, error.errorMsg());
   });
 }
 
@@ -179,7 +180,8 @@ void CTradeClient::Private::onLoginStatus(const std::string& accountKey, rdservi
     account = found->second;
     loginStatus[accountKey] = status;
   }
-  Q_EMIT q->sigLoginStatus(account, status, text);
+  Q_EMIT
+  q->sigLoginStatus(account, status, text);
 }
 
 void CTradeClient::Private::takeAccounts(const std::vector<IDataPtr>& records) {
@@ -200,7 +202,8 @@ void CTradeClient::Private::takeAccounts(const std::vector<IDataPtr>& records) {
       loginStatus.emplace(info->getKey(), rdservice::LoginStatusLoggedOut);
     }
   }
-  Q_EMIT q->sigAccountsChanged();
+  Q_EMIT
+  q->sigAccountsChanged();
   for (const auto& info : infos)
     if (info->autoLogin != 0) q->setLogin(info->getKey(), true);
 }
@@ -221,8 +224,10 @@ void CTradeClient::Private::start() {
 void CTradeClient::Private::queryAccounts() {
   requests.send(boost::make_shared<rdservice::CQueryAccountsReq>(),
                 [this](const utils::RDError& error, const std::vector<IDataPtr>& records, const bson::BSONObj&) {
-                  if (error.isSuccess()) takeAccounts(records);
-                  else utils::logError(START_SITE, "[start] accounts : errmsg = {0}", error.errorMsg());
+                  if (error.isSuccess())
+                    takeAccounts(records);
+                  else
+                    utils::logError(START_SITE, "[start] accounts : errmsg = {0}", error.errorMsg());
                 });
 }
 

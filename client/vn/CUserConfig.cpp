@@ -1,8 +1,8 @@
 #include "vn/CUserConfig.h"
 
-#include "vn/user_settings.h"
 #include "utils/CInstance.h"
 #include "utils/CMutex.h"
+#include "vn/user_settings.h"
 
 namespace VN {
 

@@ -81,8 +81,9 @@ class HOST_API CBaseHighPerformanceTable : public IBaseTable {
   void adjustVisibleRowsColumnWidth() override;
 
  protected:
-  /// A column without a record field; its cells are a delegate's. Returns its id.
-  int addPlainColumn(const QString& title, Qt::Alignment alignment);
+  /// A column without a record field; its cells are a delegate's. `number`, at least 1, is how saved layouts know it.
+  /// Returns its id.
+  int addPlainColumn(int number, const QString& title, Qt::Alignment alignment);
   /// One column for each field of the record type, in the field table's order.
   void addRecordColumns(const rdservice::CStructDes& des);
 

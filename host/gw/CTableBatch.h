@@ -12,7 +12,8 @@ namespace GW {
 
 class CBaseHighPerformanceTable;
 
-/// What a table shows at present: its account key and compact type, and in a paged table the number of the newest query.
+/// What a table shows at present: its account key and compact type, and in a paged table the number of the newest
+/// query.
 struct CTableScope {
   std::string account;
   int type = 0;
@@ -30,13 +31,18 @@ struct CTableScope {
 /// delegates and extra column data that this thread gives to the table are gathered in it, without a lock. `commit`
 /// takes the table's mutex once, compares the scope that the work was made for with the table's present one, and hands
 /// over everything or nothing. Without `commit` nothing happens, so that an exception leaves no half page.
+///
+/// A record that is older than its row's is ignored, and with it the item changes of its key that follow it.
 class HOST_API CTableBatch {
  public:
   /// For the rows of a reply or rebuild that was made for `madeFor`.
   CTableBatch(CBaseHighPerformanceTable& table, CTableScope madeFor);
 
-  /// For pushes: never refused; a record whose version is not above its row's is ignored, with its items.
+  /// For pushes: never refused. A record whose version is not above its row's is ignored.
   explicit CTableBatch(CBaseHighPerformanceTable& table);
+
+  /// For pushes that were filtered for a type: refused when the table shows another type by now, whatever its account.
+  CTableBatch(CBaseHighPerformanceTable& table, int type);
 
   ~CTableBatch();
   CTableBatch(const CTableBatch&) = delete;

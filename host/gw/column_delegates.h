@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace GW {
 
@@ -20,7 +21,8 @@ class CBaseHighPerformanceTable;
 /// noted.
 class HOST_API CBaseTableColumnWidgetDelegate : public CEventDeliverer {
  public:
-  /// `columnId` is the column of the table that will own the delegate, `deliverer` reports its events (the table).
+  /// `columnId` is the column of the table that will own the delegate, `deliverer` that table: its `handleEvent`
+  /// receives the delegate's events first.
   CBaseTableColumnWidgetDelegate(int columnId, CBaseHighPerformanceTable* deliverer);
   ~CBaseTableColumnWidgetDelegate() override;
 
@@ -48,9 +50,9 @@ class HOST_API CBaseTableColumnWidgetDelegate : public CEventDeliverer {
   const std::function<qint64(const QString& rowKey)>& sortKey() const;
 
  protected:
-  /// For state that a derived delegate keeps itself: runs `apply` under the table's mutex when the batch of this thread
-  /// is committed (not at all when it is refused or dropped), or at once outside a batch. `apply` must not call back.
-  void change(const QString& key, std::function<void()> apply);
+  /// A number per key for derived delegates, kept like the rest of the state; none until it is set.
+  void setItemValue(const QString& key, qint64 value);
+  std::optional<qint64> itemValue(const QString& key) const;
 
  private:
   struct Private;

@@ -19,7 +19,7 @@ namespace rdservice {
 class HOST_API CAccountData {
  public:
   struct Private;
-  using CDataCallback = std::function<void(IDataPtr)>;
+  using CDataCallback = std::function<void(const std::vector<IDataPtr>& changed)>;
 
   explicit CAccountData(std::unique_ptr<Private> d);
   ~CAccountData();
@@ -36,7 +36,7 @@ class HOST_API CAccountData {
   /// `keepNewer`: a record whose version is below the held one's is dropped and the held one returned.
   IDataPtr updateData(const IDataPtr& record, bool keepNewer);
 
-  /// Inserts or replaces records of one or several types and tells subscribers once, about those that differ. Returns
+  /// Inserts or replaces records of one or several types and tells each subscriber once, of those that differ. Returns
   /// what is held now, in the order given; null entries stay null.
   std::vector<IDataPtr> updateDatas(const std::vector<IDataPtr>& records);
 
@@ -52,9 +52,10 @@ class HOST_API CAccountData {
   /// afterwards, null when the key is not stored.
   IDataPtr modifyData(int typeId, const std::string& key, const std::function<void(IData&)>& edit);
 
-  /// Calls `callback` for every record of the type that is inserted or changed from now on, or only for the record of
-  /// `key` when that is not empty. It is called on the thread that stores, outside the store's lock; calls for one
-  /// record may overtake each other, and the record's version tells which is newer.
+  /// Calls `callback` with the records of the type that are inserted or changed from now on, or only with the record of
+  /// `key` when that is not empty: once for each change of the store, however many records it concerns. It is called on
+  /// the thread that stores, outside the store's lock; calls may overtake each other, and a record's version tells
+  /// which is newer.
   [[nodiscard]] utils::CSubscriptionPtr subscribe(int typeId, const std::string& key, CDataCallback callback);
 
  private:

@@ -19,11 +19,11 @@ class HOST_API CAccountInfo : public IData {
   const CStructDes& getStructDes() const override;
   static const CStructDes& structDes();
 
-  std::string accountId;      ///< fund account id; begins with a digit
+  std::string accountId;         ///< fund account id; begins with a digit
   std::int32_t brokerType = 0;   ///< EBrokerType
   std::int32_t counterType = 0;  ///< the counter's system type; selects the broker switches of the account
-  std::string name;           ///< holder's name
-  std::string alias;          ///< the user's own name for the account; may be empty
+  std::string name;              ///< holder's name
+  std::string alias;             ///< the user's own name for the account; may be empty
   std::int32_t autoLogin = 1;    ///< 1: the client logs the account in when it starts
 };
 

@@ -23,8 +23,8 @@ class HOST_API CInstrumentInfo : public IData {
   CInternedText exchangeId;  ///< letters only
   CInternedText code;        ///< begins with a digit
   CInternedText name;
-  std::string pinyin;        ///< initials of the name, upper case; may be empty
-  double priceTick = 0.01;   ///< yuan
+  std::string pinyin;       ///< initials of the name, upper case; may be empty
+  double priceTick = 0.01;  ///< yuan
 };
 
 using CInstrumentInfoPtr = boost::shared_ptr<CInstrumentInfo>;

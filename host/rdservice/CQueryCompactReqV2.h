@@ -19,10 +19,10 @@ class HOST_API CQueryCompactReqV2 : public IData {
   const CStructDes& getStructDes() const override;
   static const CStructDes& structDes();
 
-  std::int32_t dataType = 0;     ///< RecordStkUnClosedCompacts or RecordStkClosedCompacts; the trade client sets it
-  std::int32_t compactType = 32; ///< EKVCompactType; 32 for all
-  std::string positionString;    ///< continue after the record with this position; empty from the beginning
-  std::int32_t requestCount = 0; ///< most records to return; 0 leaves it to the counter
+  std::int32_t dataType = 0;      ///< RecordStkUnClosedCompacts or RecordStkClosedCompacts; the trade client sets it
+  std::int32_t compactType = 32;  ///< EKVCompactType; 32 for all
+  std::string positionString;     ///< continue after the record with this position; empty from the beginning
+  std::int32_t requestCount = 0;  ///< most records to return; 0 leaves it to the counter
   std::string accountKey;
 };
 

@@ -24,16 +24,16 @@ class HOST_API CStkCompactChange : public IData {
   CAccountInfoPtr accountInfo;
   CInternedText exchangeId;
   CInternedText code;
-  char compactType = '0';          ///< EKVCompactType
-  std::string compactNo;           ///< number of the compact that changed
-  std::int32_t openDate = 0;       ///< of that compact, Julian day number
-  std::int32_t changeDate = 0;     ///< Julian day number
-  CInternedText changeKind;        ///< what happened, in the counter's words
-  std::int64_t changeVolume = 0;   ///< shares; negative when the liability falls
-  double changeAmount = 0;         ///< yuan; negative when the liability falls
+  char compactType = '0';            ///< EKVCompactType
+  std::string compactNo;             ///< number of the compact that changed
+  std::int32_t openDate = 0;         ///< of that compact, Julian day number
+  std::int32_t changeDate = 0;       ///< Julian day number
+  CInternedText changeKind;          ///< what happened, in the counter's words
+  std::int64_t changeVolume = 0;     ///< shares; negative when the liability falls
+  double changeAmount = 0;           ///< yuan; negative when the liability falls
   std::int64_t remainingVolume = 0;  ///< shares owed afterwards
-  double remainingAmount = 0;      ///< yuan owed afterwards
-  std::string serialNo;            ///< unique within account and day
+  double remainingAmount = 0;        ///< yuan owed afterwards
+  std::string serialNo;              ///< unique within account and day
 };
 
 using CStkCompactChangePtr = boost::shared_ptr<CStkCompactChange>;

@@ -32,13 +32,13 @@ enum class EFieldFormat : unsigned char {
 
 /// One field of a record type: the one source for columns, sort keys, filters, SQL columns and book files.
 struct CFieldDes {
-  int number;              ///< field number; the file id is type id × 100 + number
-  const char* name;        ///< column name in SQL and in book files
-  const char* title;       ///< column title shown to users (UTF-8)
+  int number;         ///< field number; the file id is type id × 100 + number
+  const char* name;   ///< column name in SQL and in book files
+  const char* title;  ///< column title shown to users (UTF-8)
   EFieldType type;
   EFieldFormat format;
-  const char* enumType;    ///< type name for `TypeManager` when `format` is Enum, else null
-  bool hidden;             ///< not shown by default
+  const char* enumType;                         ///< type name for `TypeManager` when `format` is Enum, else null
+  bool hidden;                                  ///< not shown by default
   const void* (*address)(const IData& record);  ///< where the member stands in a record of the type
 
   template <class T>
@@ -98,10 +98,12 @@ class HOST_API CStructDes {
   std::size_t m_count;
 };
 
-/// The field as users see it (UTF-8): dates yyyy-MM-dd, amounts "1,234.50", codes by their item name, an account by its id.
+/// The field as users see it (UTF-8): dates yyyy-MM-dd, amounts "1,234.50", codes by their item name, an account by its
+/// id.
 HOST_API std::string fieldText(const CFieldDes& field, const IData& record);
 
-/// Whether two records of one type hold the same values in every field. Versions do not count; accounts are compared by key.
+/// Whether two records of one type hold the same values in every field. Versions do not count; accounts are compared by
+/// key.
 HOST_API bool sameFields(const IData& a, const IData& b);
 
 /// Hash over every field of the record; equal records have equal fingerprints.

@@ -3,8 +3,11 @@
 #include "bson/BSONObj.h"
 #include "host_api.h"
 #include "rdservice/CAccountInfo.h"
+#include "rdservice/CCreditRepayPriorityResp.h"
 #include "rdservice/CStkClosedCompacts.h"
+#include "rdservice/CStkCompactChange.h"
 #include "rdservice/CStkUnClosedCompacts.h"
+#include "rdservice/CStkUnClosedCompactsStatics.h"
 #include "rdservice/rdservice_enums.h"
 #include "utils/RDError.h"
 
@@ -22,6 +25,9 @@ Q_DECLARE_METATYPE(std::vector<rdservice::IDataPtr>)
 Q_DECLARE_METATYPE(rdservice::CAccountInfoPtr)
 Q_DECLARE_METATYPE(rdservice::CStkUnClosedCompactsPtr)
 Q_DECLARE_METATYPE(rdservice::CStkClosedCompactsPtr)
+Q_DECLARE_METATYPE(rdservice::CStkUnClosedCompactsStaticsPtr)
+Q_DECLARE_METATYPE(rdservice::CStkCompactChangePtr)
+Q_DECLARE_METATYPE(rdservice::CCreditRepayPriorityRespPtr)
 Q_DECLARE_METATYPE(rdservice::EBROKER_LOGIN_STATUS)
 Q_DECLARE_METATYPE(bson::BSONObj)
 

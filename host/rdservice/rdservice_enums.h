@@ -40,7 +40,7 @@ enum EBrokerType : int {
 
 /// Log-in state of an account at its counter.
 enum EBROKER_LOGIN_STATUS : int {
-  LoginStatusNone = -1,       ///< unknown account
+  LoginStatusNone = -1,  ///< unknown account
   LoginStatusLoggedOut = 0,
   LoginStatusLoggingIn = 1,
   LoginStatusReady = 2,

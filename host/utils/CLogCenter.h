@@ -70,7 +70,8 @@ HOST_API bool isLogEnabled(int level);
 template <class... Args>
 void log(int level, const CLogSite& site, std::string_view format, const Args&... arguments) {
   if (detail::isLogEnabled(level))
-    detail::logFormatted(level, site, fmt::string_view(format.data(), format.size()), fmt::make_format_args(arguments...));
+    detail::logFormatted(level, site, fmt::string_view(format.data(), format.size()),
+                         fmt::make_format_args(arguments...));
 }
 
 template <class... Args>

@@ -8,7 +8,8 @@ namespace VN {
 /// A column that a table adds to those of its record type.
 struct CHpfDataColumnProperty {
   QString title;
-  int kind = 0;         ///< 0 control, 2 number editor, 4 integer, 10 text
+  int number = 0;       ///< by which saved layouts know the column, unique in the table; at least 1
+  int kind = 0;         ///< 0 control, 2 number editor, 4 integer, 10 text; the reference client shows them alike
   int alignment = 132;  ///< Qt::Alignment; 132 is centred both ways
   int setting1 = 0;     ///< for the client
   int setting2 = 0;     ///< for the client
@@ -27,8 +28,8 @@ class HOST_API CHpfDataTable : public GW::CStandardHpfTable {
   void setTradeType(int tradeType);
   int tradeType() const;
 
-  /// Adds a column and returns its id. `statistics`: take part in the statistics row; `movable`: the user may move it;
-  /// `group`: heading it belongs to, empty for none.
+  /// Adds a column and returns its id. `statistics`: take part in the statistics row (the reference client has none
+  /// yet); `movable`: the user may move it; `group`: heading it belongs to, empty for none.
   int addColumn(const CHpfDataColumnProperty& property, bool statistics, bool movable, const QString& group);
 
  private:

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "gw/CDockableWidget.h"
+#include "gw/IDockableWidget.h"
 #include "host_api.h"
 #include "rdservice/CAccountInfo.h"
 

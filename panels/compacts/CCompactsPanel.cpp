@@ -40,8 +40,8 @@ CCompactsPanel::CCompactsPanel(int panelId, QWidget* parent, int mode)
     : ITradeDockableWidget(typeKeyText(), panelId, getDockWidgetInfo(typeKeyText()), parent), m_mode(mode) {
   if (host::contractVersion() != host::CONTRACT_VERSION) {
     constexpr utils::CLogSite SITE{"CCompactsPanel.cpp", "VN::CCompactsPanel::CCompactsPanel(int, QWidget*, int)"};
-    utils::logError(SITE, "[CCompactsPanel] contract version {0} of the client, {1} of the panel", host::contractVersion(),
-                    host::CONTRACT_VERSION);
+    utils::logError(SITE, "[CCompactsPanel] contract version {0} of the client, {1} of the panel",
+                    host::contractVersion(), host::CONTRACT_VERSION);
     return;
   }
   rdservice::registerMetaTypes();
@@ -94,6 +94,7 @@ void CCompactsPanel::createUi() {
 }
 
 QString CCompactsPanel::param() const {
+  utils::assertGui();
   QStringList fields;
   if (m_unclosedTable != nullptr) fields << m_unclosedTable->saveConfigStr();
   fields << QString() << QString();
@@ -102,6 +103,7 @@ QString CCompactsPanel::param() const {
 }
 
 void CCompactsPanel::setParam(const QString& param) {
+  utils::assertGui();
   const QStringList fields = param.split(PARAM_SEPARATOR);
   if (m_unclosedTable != nullptr && fields.size() > ParamUnclosedTable)
     m_unclosedTable->loadConfigStr(fields.at(ParamUnclosedTable));
@@ -124,6 +126,7 @@ void CCompactsPanel::clear() {
 }
 
 void CCompactsPanel::adjustTableWidth() {
+  utils::assertGui();
   if (m_unclosedTable != nullptr) m_unclosedTable->adjustVisibleRowsColumnWidth();
 }
 
@@ -132,14 +135,11 @@ bool CCompactsPanel::handleEvent(int type, int p1, int p2, QString text, void* d
   if (!m_uiReady) return true;
   switch (type) {
     case GW::EventButtonClicked:
-    case GW::EventItemClicked:
-      handleButtonClicked(p1);
-      return true;
+    case GW::EventItemClicked: handleButtonClicked(p1); return true;
     case GW::EventComboChanged:
       if (p1 == IdAccountCombo) setAccount(m_accountCombo->currentKey().toStdString(), true, true);
       return true;
-    default:
-      return ITradeDockableWidget::handleEvent(type, p1, p2, text, data);
+    default: return ITradeDockableWidget::handleEvent(type, p1, p2, text, data);
   }
 }
 

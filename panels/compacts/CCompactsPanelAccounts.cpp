@@ -94,9 +94,11 @@ void CCompactsPanel::doRequestAccount(const std::string& accountKey) {
   const rdservice::CAccountDataPtr account =
       rdservice::TraderCenter::instance()->getDataCenter()->getAccountData(accountKey);
   if (!account) return;
-  utils::CSubscriptionPtr handle =
-      account->subscribe(rdservice::RecordStkUnClosedCompacts, std::string(),
-                         [this](const rdservice::IDataPtr& data) { onStkUnClosedCompacts(data); });
+  utils::CSubscriptionPtr handle = account->subscribe(rdservice::RecordStkUnClosedCompacts, std::string(),
+                                                      [this](const std::vector<rdservice::IDataPtr>& changed) {
+                                                        for (const rdservice::IDataPtr& data : changed)
+                                                          onStkUnClosedCompacts(data);
+                                                      });
   if (handle) m_unclosedSubscriptions[QString::fromStdString(accountKey)] = std::move(handle);
 }
 

@@ -7,6 +7,7 @@
 #include "gw/controls.h"
 #include "rdservice/ConfigCollector.h"
 #include "utils/CLogCenter.h"
+#include "utils/threads.h"
 #include "vn/CCountDownButton.h"
 #include "vn/CUserConfig.h"
 
@@ -48,7 +49,7 @@ void CCompactsPanel::handleButtonClicked(int id) {
 }
 
 void CCompactsPanel::switchView(int id) {
-  m_toolbar->updateItemLength();
+  if (m_toolbar != nullptr) m_toolbar->updateItemLength();
   if (m_unclosedTable == nullptr) return;
   m_unclosedTable->setVisible(id == ViewUnclosed);
   if (id == ViewUnclosed) m_unclosedTable->refresh(std::string(), true, false);
@@ -59,10 +60,12 @@ void CCompactsPanel::refreshTablesData(const std::string& accountKey) {
 }
 
 void CCompactsPanel::slotTimeout() {
+  utils::assertGui();
   if (m_unclosedTable != nullptr && m_unclosedTable->isVisible()) m_unclosedTable->updateTable();
 }
 
 void CCompactsPanel::slotQueryData() {
+  utils::assertGui();
   if (m_refreshButton != nullptr && !rdservice::ConfigCollector::instance()->calcCompactType())
     m_refreshButton->setEnabled(true);
   if (m_accountCombo != nullptr) m_accountCombo->setEnabled(true);

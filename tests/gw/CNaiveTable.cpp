@@ -33,7 +33,7 @@ void CNaiveTable::apply(const CBatchPlan& plan) {
   for (const CTestRecordPtr& record : plan.records) put(record, plan.rule, accepted);
   for (const GW::CItemChange& change : plan.items) {
     const auto it = accepted.find(change.key);
-    if (plan.rule == GW::ERowRule::Ordinary || it == accepted.end() || it->second) changeItem(change);
+    if (it == accepted.end() || it->second) changeItem(change);
   }
 }
 
@@ -50,6 +50,7 @@ void CNaiveTable::put(const CTestRecordPtr& record, GW::ERowRule rule, std::map<
   const auto row =
       std::find_if(heldRows.begin(), heldRows.end(), [&record](const CRow& r) { return r.record->id == record->id; });
   bool& isAccepted = accepted[record->id];
+  isAccepted = false;
   if (row == heldRows.end()) {
     heldRows.push_back({m_nextSerial++, record, {}});
     isAccepted = true;

@@ -16,7 +16,7 @@ class CTestTable : public GW::CStandardHpfTable {
   CTestTable() : CStandardHpfTable(1, nullptr) {
     addRecordColumns(CTestRecord::structDes());
     for (const int id : {ColumnText, ColumnRanked}) {
-      const int added = addPlainColumn(QString::fromUtf8("备注%1").arg(id), Qt::AlignLeft | Qt::AlignVCenter);
+      const int added = addPlainColumn(id, QString::fromUtf8("备注%1").arg(id), Qt::AlignLeft | Qt::AlignVCenter);
       setColumnDelegate(added, new GW::CBaseTableColumnSimpleTextDelegate(added, this));
     }
     columnDelegate(ColumnRanked)->setSortKey(&rankOf);

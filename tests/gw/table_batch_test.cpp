@@ -58,44 +58,59 @@ TEST(TableBatch, goesToItsOwnTableAndTheInnermostBatch) {
 
 namespace {
 
-/// Keeps a number per key, as derived delegates keep what the base has no place for.
 class CNumberDelegate : public GW::CBaseTableColumnSimpleTextDelegate {
  public:
   using CBaseTableColumnSimpleTextDelegate::CBaseTableColumnSimpleTextDelegate;
-  void set(const QString& key, int number) {
-    change(key, [this, key, number] { numbers[key] = number; });
-  }
-  QMap<QString, int> numbers;
+  using CBaseTableColumnSimpleTextDelegate::itemValue;
+  using CBaseTableColumnSimpleTextDelegate::setItemValue;
 };
 
 }  // namespace
 
-TEST(TableBatch, carriesADelegatesOwnState) {
+TEST(TableBatch, anItemGoesWithTheRecordBeforeIt) {
   CTestTable table;
   table.setScope(SCOPE);
   auto* const delegate = new CNumberDelegate(CTestTable::ColumnText, &table);
   table.setColumnDelegate(CTestTable::ColumnText, delegate);
   const QString key = QStringLiteral("a");
+  const auto give = [&](std::uint64_t version, qint64 value) {
+    table.updateData(makeRecord("a", version), false);
+    delegate->setItemValue(key, value);
+  };
   {
     GW::CTableBatch refused(table, {"3.1002", '0', 0});
-    delegate->set(key, 1);
+    give(4, 1);
     EXPECT_FALSE(refused.commit());
-    GW::CTableBatch accepted(table, SCOPE);
-    table.updateData(makeRecord("a", 5), false);
-    delegate->set(key, 2);
-    EXPECT_TRUE(delegate->numbers.isEmpty());
-    EXPECT_TRUE(accepted.commit());
-    EXPECT_EQ(delegate->numbers[key], 2);
-    GW::CTableBatch stalePush(table);
-    table.updateData(makeRecord("a", 5), false);
-    delegate->set(key, 3);
-    EXPECT_TRUE(stalePush.commit());
-    EXPECT_EQ(delegate->numbers[key], 2);
+    EXPECT_FALSE(delegate->itemValue(key));
+  }
+  {
+    GW::CTableBatch overtaken(table);
+    give(6, 2);
+    give(5, 3);
+    EXPECT_TRUE(overtaken.commit());
+    EXPECT_EQ(delegate->itemValue(key), 2);
+  }
+  {
+    GW::CTableBatch older(table, SCOPE);
+    give(5, 4);
+    EXPECT_TRUE(older.commit());
+    EXPECT_EQ(delegate->itemValue(key), 2);
+  }
+  {
+    GW::CTableBatch otherType(table, '1');
+    give(7, 5);
+    EXPECT_FALSE(otherType.commit());
+    GW::CTableBatch sameType(table, SCOPE.type);
+    give(5, 6);
+    give(8, 7);
+    EXPECT_TRUE(sameType.commit());
+    EXPECT_EQ(delegate->itemValue(key), 7);
   }
   table.updateTable();
-  delegate->set(key, 4);
-  EXPECT_EQ(delegate->numbers[key], 4);
+  delegate->setItemValue(key, 8);
   EXPECT_FALSE(table.isUpToDate());  // the row is painted and sorted anew
+  table.clear();
+  EXPECT_FALSE(delegate->itemValue(key));
 }
 
 TEST(TableBatch, outlivesItsTable) {
@@ -174,8 +189,8 @@ TEST(TableDrain, partialTurnsEndAtTheSameRows) {
         };
       }
       for (const auto& record : plan.records) changes.add(record);
-      changes.items = plan.items;
-      ASSERT_TRUE(store.commit(std::move(changes), nullptr, plan.rule, nullptr));
+      for (const auto& item : plan.items) changes.add(item);
+      ASSERT_TRUE(store.commit(changes, nullptr, plan.rule, nullptr));
       naive.apply(plan);
     };
     for (int step = 0; step < 250; ++step) {

@@ -55,7 +55,7 @@ class CTableRun {
       case GW::EItemPart::Enabled: delegate.setItemEnabled(key, item.on); break;
       case GW::EItemPart::Checked: delegate.setItemChecked(key, item.on); break;
       case GW::EItemPart::ResetColumn: delegate.reset(); break;
-      case GW::EItemPart::Own: break;  // of derived delegates
+      case GW::EItemPart::Value: break;  // of derived delegates
     }
   }
 
@@ -168,7 +168,7 @@ class CTableRun {
         const std::string itemKey = "k" + std::to_string(i);
         const QString qKey = QString::fromStdString(itemKey);
         const GW::CItemState state{delegate.itemText(qKey), delegate.isItemVisible(qKey), delegate.isItemEnabled(qKey),
-                                   delegate.isItemChecked(qKey)};
+                                   delegate.isItemChecked(qKey), std::nullopt};
         ASSERT_TRUE(state == m_naive.item(column, itemKey)) << itemKey;
         isEmpty = isEmpty && state.text.isEmpty();
       }

@@ -82,7 +82,7 @@ TEST(HpfDataTable, hasTheColumnsOfItsRecordType) {
     const rdservice::CStructDes* des = rdservice::structDesOf(type);
     ASSERT_NE(des, nullptr) << type;
     ASSERT_EQ(table.columnCount(), static_cast<int>(des->size()));
-    const int added = table.addColumn({QString::fromUtf8("操作"), 0, 132, 0, 0}, false, true, QString());
+    const int added = table.addColumn({QString::fromUtf8("操作"), 1, 0, 132, 0, 0}, false, true, QString());
     EXPECT_EQ(added, static_cast<int>(des->size()));
     for (const rdservice::CFieldDes& field : *des) {
       const int id = table.getColumnIdByFileId(type * 100 + field.number);

@@ -34,7 +34,8 @@ rdservice::CAccountInfoPtr makeAccount(const char* id, int brokerType, int count
 
 std::vector<rdservice::CInstrumentInfoPtr> testInstruments() {
   std::vector<rdservice::CInstrumentInfoPtr> instruments;
-  for (const auto& [exchange, code, name] : {std::make_tuple("SH", "600000", "浦发银行"), std::make_tuple("SZ", "000001", "平安银行")}) {
+  for (const auto& [exchange, code, name] :
+       {std::make_tuple("SH", "600000", "浦发银行"), std::make_tuple("SZ", "000001", "平安银行")}) {
     const auto instrument = boost::make_shared<rdservice::CInstrumentInfo>();
     instrument->exchangeId = exchange;
     instrument->code = code;

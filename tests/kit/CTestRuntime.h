@@ -18,7 +18,8 @@ namespace kit {
 /// counter types 90 (plain) and 102 (repeats records), no refresh lock.
 runtime::CClientConfig testConfig();
 
-/// Two credit accounts ("3.1001" on counter type 90, "3.1002" on 102), one institution's ("11.1003"), one stock account.
+/// Two credit accounts ("3.1001" on counter type 90, "3.1002" on 102), one institution's ("11.1003"), one stock
+/// account.
 std::vector<rdservice::CAccountInfoPtr> testAccounts();
 
 /// A fresh client for one test case, on a scripted counter or another. At its end the case fails on an error line

@@ -97,8 +97,8 @@ void QCoreApplication::postEvent(QObject* receiver, QEvent* event, int priority)
 
 // A signal or an invocation may post an event inside Qt, where no call can be caught any more.
 void QMetaObject::activate(QObject* sender, const QMetaObject* type, int signal, void** arguments) {
-  static const auto qt = hidden<void(QObject*, const QMetaObject*, int, void**)>(
-      "_ZN11QMetaObject8activateEP7QObjectPKS_iPPv");
+  static const auto qt =
+      hidden<void(QObject*, const QMetaObject*, int, void**)>("_ZN11QMetaObject8activateEP7QObjectPKS_iPPv");
   __tsan_release(&s_eventQueues);
   qt(sender, type, signal, arguments);
 }

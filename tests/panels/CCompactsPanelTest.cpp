@@ -45,8 +45,8 @@ struct CPanelUnderTest {
     runtime.settle();
   }
   rdservice::CStkUnClosedCompactsPtr compact(const char* key, const std::string& number) const {
-    return kit::compact(
-        rdservice::TraderCenter::instance()->getDataCenter()->getAccountData(key)->getAccountInfo(), number);
+    return kit::compact(rdservice::TraderCenter::instance()->getDataCenter()->getAccountData(key)->getAccountInfo(),
+                        number);
   }
   std::size_t requests() const { return runtime.counter().held().size(); }
 
@@ -167,7 +167,8 @@ TEST(CCompactsPanel, ParameterStringsRoundTripAndDamagedOnesDoNothing) {
   const QString saved = p.panel->param();
   EXPECT_EQ(saved.split(QLatin1Char('|')).size(), 4);
   CPanelUnderTest other(runtime);
-  for (const QString& damaged : {QString(), QStringLiteral("|||7"), QStringLiteral("13915;x|||10002"), QString(5000, QLatin1Char('|'))})
+  for (const QString& damaged :
+       {QString(), QStringLiteral("|||7"), QStringLiteral("13915;x|||10002"), QString(5000, QLatin1Char('|'))})
     other.panel->setParam(damaged);
   EXPECT_NE(other.panel->param(), saved);
   other.panel->setParam(saved);

@@ -121,8 +121,7 @@ class CModel {
 
   void show(int account, const CStored& record, bool reply) {
     const auto row = m_rows.find(account);
-    if (row == m_rows.end() || record.version > row->second.version ||
-        (reply && record.version == row->second.version))
+    if (row == m_rows.end() || record.version > row->second.version || (reply && record.version == row->second.version))
       m_rows[account] = record;
   }
 
@@ -142,10 +141,12 @@ class CPlayer {
  public:
   explicit CPlayer(CTestRuntime& runtime) : m_runtime(runtime) {
     for (const char* key : ACCOUNTS) m_accounts.push_back(dataOf(key)->getAccountInfo());
-    m_subscription = dataOf(ACCOUNTS[0])->subscribe(rdservice::RecordStkUnClosedCompacts, std::string(),
-                                                    [this](const rdservice::IDataPtr& data) {
-                                                      if (CCompactsTable* table = m_table.get()) table->onPushData(data);
-                                                    });
+    m_subscription = dataOf(ACCOUNTS[0])
+                         ->subscribe(rdservice::RecordStkUnClosedCompacts, std::string(),
+                                     [this](const std::vector<rdservice::IDataPtr>& changed) {
+                                       for (const rdservice::IDataPtr& data : changed)
+                                         if (m_table) m_table->onPushData(data);
+                                     });
   }
 
   /// One sequence on a fresh table; the rows at its end must be the model's. Or the table is destroyed at its end, with
@@ -153,7 +154,8 @@ class CPlayer {
   void play(const std::vector<EStep>& steps, bool destroyInFlight) {
     for (const char* key : ACCOUNTS) dataOf(key)->removeMetaData(rdservice::RecordStkUnClosedCompacts);
     m_firstRequest = m_runtime.counter().held().size();
-    m_table = std::make_unique<CCompactsTable>(VN::TableUnclosedCompacts, rdservice::RecordStkUnClosedCompacts, nullptr);
+    m_table =
+        std::make_unique<CCompactsTable>(VN::TableUnclosedCompacts, rdservice::RecordStkUnClosedCompacts, nullptr);
     m_model = CModel();
     // The table starts on no account; the model starts on account 0 having shown it before.
     m_table->setAccount(ACCOUNTS[0], false, false);
@@ -206,8 +208,10 @@ class CPlayer {
         break;
       case Push: counter.push({record(0)}); break;
       case ToggleStrand:
-        if (m_model.held()) m_latch.emplace();
-        else m_latch.reset();
+        if (m_model.held())
+          m_latch.emplace();
+        else
+          m_latch.reset();
         break;
       case STEP_COUNT: break;
     }
@@ -220,8 +224,10 @@ class CPlayer {
   }
 
   void rest() {
-    if (m_latch) m_runtime.settleWithoutStrand();
-    else m_runtime.settle();
+    if (m_latch)
+      m_runtime.settleWithoutStrand();
+    else
+      m_runtime.settle();
   }
 
   std::map<std::string, int> shown() const {
@@ -270,11 +276,11 @@ TEST(CompactsInterleaving, LongOrdersThatOnceWentWrong) {
   CTestRuntime runtime;
   CPlayer player(runtime);
   const std::vector<std::vector<EStep>> sequences = {
-      {Refresh, Switch, Switch, Reply, Reply},                          // A→B→A, the first answer late
-      {Refresh, Switch, Switch, Reply, Reply, Reply, Duplicate},        // and everything answered in the end
-      {Refresh, ToggleStrand, Reply, Switch, ToggleStrand},             // switched while the strand was busy
-      {Refresh, ToggleStrand, Reply, Push, ToggleStrand},               // a push overtakes the reply before it
-      {Refresh, Push, Reply},                                           // a reply older than the push
+      {Refresh, Switch, Switch, Reply, Reply},                    // A→B→A, the first answer late
+      {Refresh, Switch, Switch, Reply, Reply, Reply, Duplicate},  // and everything answered in the end
+      {Refresh, ToggleStrand, Reply, Switch, ToggleStrand},       // switched while the strand was busy
+      {Refresh, ToggleStrand, Reply, Push, ToggleStrand},         // a push overtakes the reply before it
+      {Refresh, Push, Reply},                                     // a reply older than the push
       {Refresh, Refresh, Reply, Push, Reply, Duplicate},
       {Refresh, ToggleStrand, Reply, Switch, Switch, ToggleStrand, Fail, Reply},
       {Refresh, ToggleStrand, Reply, Clear, ToggleStrand, Reply},

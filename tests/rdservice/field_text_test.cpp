@@ -138,11 +138,20 @@ TEST(FieldText, asUsersSeeIt) {
     const char* column;
     const char* text;
   } cases[] = {
-      {"account", "10010001"},      {"exchange", "SH"},        {"open_date", "2024-02-29"},
-      {"expiry_date", ""},          {"compact_type", "融券"},  {"source", "55"},
-      {"renewal_flag", "未展期"},   {"repay_priority", "0"},   {"financing_volume", "-1,234,567"},
-      {"lending_volume", "999"},    {"compact_amount", "1,234.50"}, {"unpaid_amount", "-1,000,000.00"},
-      {"repaid_amount", "0.00"},    {"interest_amount", "-"},
+      {"account", "10010001"},
+      {"exchange", "SH"},
+      {"open_date", "2024-02-29"},
+      {"expiry_date", ""},
+      {"compact_type", "融券"},
+      {"source", "55"},
+      {"renewal_flag", "未展期"},
+      {"repay_priority", "0"},
+      {"financing_volume", "-1,234,567"},
+      {"lending_volume", "999"},
+      {"compact_amount", "1,234.50"},
+      {"unpaid_amount", "-1,000,000.00"},
+      {"repaid_amount", "0.00"},
+      {"interest_amount", "-"},
   };
   for (const auto& c : cases) EXPECT_EQ(shown(*record, c.column), c.text) << c.column;
   EXPECT_EQ(shown(CInstrumentInfo(), "price_tick"), "0.01");

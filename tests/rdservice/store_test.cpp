@@ -3,6 +3,7 @@
 #include "rdservice/CStructDes.h"
 #include "rdservice/data_centre_factory.h"
 #include "rdservice/rdservice_enums.h"
+#include "rdservice/reply_marks.h"
 
 #include <gtest/gtest.h>
 
@@ -27,8 +28,9 @@ class CStoreTest : public testing::Test {
  protected:
   CAccountDataPtr store = makeAccountData(test::creditAccount());
   std::vector<IDataPtr> told;
-  utils::CSubscriptionPtr subscription =
-      store->subscribe(OPEN, {}, [this](const IDataPtr& record) { told.push_back(record); });
+  utils::CSubscriptionPtr subscription = store->subscribe(OPEN, {}, [this](const std::vector<IDataPtr>& changed) {
+    told.insert(told.end(), changed.begin(), changed.end());
+  });
 
   std::string takeTold() {
     const std::string numbers = numbersOf(told);
@@ -85,8 +87,8 @@ TEST_F(CStoreTest, aWholeSetReplacesTheOldOne) {
   const auto kept = store->getData(OPEN, openKey("C2"));
   const auto before = store->getData(OPEN, openKey("C3"));
   takeTold();
-  store->updateCompacts(
-      OPEN, {openCompact("C4"), nullptr, openCompact("C3", 7), openCompact("C2"), openCompact("C4", 8)});
+  store->updateCompacts(OPEN,
+                        {openCompact("C4"), nullptr, openCompact("C3", 7), openCompact("C2"), openCompact("C4", 8)});
   EXPECT_EQ(numbersOf(store->getData(OPEN)), "C4 C3 C2");
   EXPECT_EQ(store->getData(OPEN, openKey("C1")), nullptr);
   EXPECT_EQ(store->getData(OPEN, openKey("C2")), kept);
@@ -110,11 +112,11 @@ TEST_F(CStoreTest, aBatchIsToldOnceWhenAllOfItIsStored) {
   store->updateData(openCompact("C1"), false);
   takeTold();
   std::vector<std::size_t> heldWhenTold;
-  const auto counting = store->subscribe(OPEN, {}, [&](const IDataPtr&) {
+  const auto counting = store->subscribe(OPEN, {}, [&](const std::vector<IDataPtr>&) {
     heldWhenTold.push_back(store->getData(OPEN).size() + store->getData(CLOSED).size());
   });
-  const auto held = store->updateDatas(
-      {openCompact("C2", 1), nullptr, openCompact("C1"), closedCompact("X1"), openCompact("C2", 2)});
+  const auto held =
+      store->updateDatas({openCompact("C2", 1), nullptr, openCompact("C1"), closedCompact("X1"), openCompact("C2", 2)});
   EXPECT_EQ(numbersOf(held), "C2 - C1 X1 C2");
   EXPECT_EQ(held[0], held[4]);
   EXPECT_EQ(volumeOf(held[0]), 2);
@@ -140,17 +142,51 @@ TEST_F(CStoreTest, modifyingWorksOnWhatIsHeldNow) {
   EXPECT_EQ(static_cast<const CStkUnClosedCompacts&>(*stale).repayPriority, 0);
 }
 
+TEST_F(CStoreTest, aReplyLeavesAloneWhatIsNewerThanItsRequest) {
+  const auto reply = [&](std::uint64_t mark, std::vector<IDataPtr> records) {
+    noteMark(records, mark);
+    return records;
+  };
+  const auto volume = [&](const char* number) { return volumeOf(store->getData(OPEN, openKey(number))); };
+  store->updateData(openCompact("C1", 1), false);
+  const std::uint64_t first = takeMark(*store);
+  const std::uint64_t second = takeMark(*store);
+  store->updateDatas(reply(second, {openCompact("C2", 20)}));
+  store->updateData(openCompact("C3", 3), false);
+  store->updateData(openCompact("C4", 4), false);
+  const auto held = store->updateDatas(
+      reply(first, {openCompact("C1", 10), openCompact("C2", 10), openCompact("C3", 10), openCompact("C5", 10)}));
+  EXPECT_EQ(volume("C1"), 10) << "pushed before the request";
+  EXPECT_EQ(volume("C2"), 20) << "a later request was answered first";
+  EXPECT_EQ(volume("C3"), 3) << "pushed after the request";
+  EXPECT_EQ(held[2], store->getData(OPEN, openKey("C3"))) << "told what is held, not what came";
+
+  // The same for a whole set, which also keeps what was opened after the request.
+  const std::uint64_t third = takeMark(*store);
+  store->updateData(openCompact("C4", 4), false);  // the same values, but true later than the request
+  store->modifyData(OPEN, openKey("C1"), [](IData& r) { static_cast<CStkUnClosedCompacts&>(r).repayPriority = 5; });
+  takeTold();
+  replaceAsOf(*store, OPEN, {openCompact("C5", 50), openCompact("C1", 11)}, third);
+  EXPECT_EQ(numbersOf(store->getData(OPEN)), "C5 C1 C4");
+  EXPECT_EQ(volume("C1"), 10);
+  EXPECT_EQ(volume("C5"), 50);
+  EXPECT_EQ(takeTold(), "C5");
+  replaceAsOf(*store, OPEN, {}, takeMark(*store));
+  EXPECT_TRUE(store->getData(OPEN).empty());
+}
+
 TEST_F(CStoreTest, subscriptionsHearTheirTypeOrKeyUntilDropped) {
   std::vector<IDataPtr> ofKey;
-  auto keySubscription = store->subscribe(OPEN, openKey("C2"), [&](const IDataPtr& r) { ofKey.push_back(r); });
+  auto keySubscription = store->subscribe(
+      OPEN, openKey("C2"), [&](const std::vector<IDataPtr>& r) { ofKey.insert(ofKey.end(), r.begin(), r.end()); });
   int calls = 0;
-  utils::CSubscriptionPtr once = store->subscribe(OPEN, {}, [&](const IDataPtr&) {
+  utils::CSubscriptionPtr once = store->subscribe(OPEN, {}, [&](const std::vector<IDataPtr>&) {
     ++calls;
     once.reset();
   });
   store->updateDatas({openCompact("C1"), openCompact("C2"), closedCompact("C2"), openCompact("C3")});
   EXPECT_EQ(numbersOf(ofKey), "C2");
-  EXPECT_EQ(calls, 1) << "dropped in the middle of a batch";
+  EXPECT_EQ(calls, 1) << "dropped from inside itself";
   keySubscription.reset();
   store->updateData(openCompact("C2", 9), false);
   EXPECT_EQ(ofKey.size(), 1u);

@@ -55,8 +55,9 @@ class CVersionWatch {
 TEST(StoreThreads, readersSeeWholeRecordsOfRisingVersions) {
   const auto store = makeAccountData(test::creditAccount());
   std::atomic<int> told{0};
-  const auto subscription = store->subscribe(OPEN, {}, [&](const IDataPtr& record) {
-    if (isConsistent(static_cast<const CStkUnClosedCompacts&>(*record))) ++told;
+  const auto subscription = store->subscribe(OPEN, {}, [&](const std::vector<IDataPtr>& changed) {
+    for (const IDataPtr& record : changed)
+      if (isConsistent(static_cast<const CStkUnClosedCompacts&>(*record))) ++told;
   });
   std::atomic<int> published{0};
   std::atomic<bool> isDone{false};

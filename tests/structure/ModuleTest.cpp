@@ -17,7 +17,8 @@ namespace {
 TEST(Module, ExportsTheEntryClassAndNothingElse) {
   if (std::string(PC_SANITIZE) != "") GTEST_SKIP() << "sanitizers add symbols of their own";
   QProcess nm;
-  nm.start(QStringLiteral("nm"), {QStringLiteral("-DC"), QStringLiteral("--defined-only"), QStringLiteral(MODULE_FILE)});
+  nm.start(QStringLiteral("nm"),
+           {QStringLiteral("-DC"), QStringLiteral("--defined-only"), QStringLiteral(MODULE_FILE)});
   ASSERT_TRUE(nm.waitForFinished()) << "nm did not run";
   int entries = 0;
   const QStringList lines = QString::fromUtf8(nm.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);

@@ -15,7 +15,7 @@ TEST(LuaModuleCtrl, AnswersByGroupAndFollowsChanges) {
     int level;
     const char* key;
     bool enabled;
-  } cases[] = {{1, "repay", true}, {1, "renew", false}, {1, "admin", false}, {2, "admin", true},
+  } cases[] = {{1, "repay", true},  {1, "renew", false}, {1, "admin", false}, {2, "admin", true},
                {2, "repay", false}, {3, "repay", false}, {1, "", false}};
   for (const auto& c : cases) EXPECT_EQ(rights->checkModule(c.level, c.key), c.enabled) << c.level << c.key;
 }

@@ -105,8 +105,8 @@ TEST(CTradeClient, GenericQueriesReplaceTheSetAndAreAnnouncedEvenWhenTheyFail) {
   CTestRuntime runtime;
   std::vector<std::string> announced;
   utils::CMutex mutex;
-  const auto subscription = CTradeClient::instance()->subscribeCompactChange(
-      [&](bool replaced, const std::string& account, int type) {
+  const auto subscription =
+      CTradeClient::instance()->subscribeCompactChange([&](bool replaced, const std::string& account, int type) {
         const utils::CMutexLock lock(mutex);
         announced.push_back(account + (replaced ? " replaced " : " failed ") + std::to_string(type));
       });

@@ -1,15 +1,13 @@
 #pragma once
 
 #include "gw/column_delegates.h"
-#include "utils/CMutex.h"
 
-#include <QHash>
 #include <QString>
 
 namespace GW {
 
 /// The column that shows each compact's current repay priority; also knows the priority by row key, which the column
-/// sorts by. Any thread.
+/// sorts by. The numbers stand in the per-key store, so that they come and go with the rows. Any thread.
 class CBaseTableColumnRepayPriorityTextDelegate : public CBaseTableColumnSimpleTextDelegate {
  public:
   enum : int {
@@ -24,12 +22,6 @@ class CBaseTableColumnRepayPriorityTextDelegate : public CBaseTableColumnSimpleT
   int priority(const QString& key) const;
   /// 0 for none. Inside a batch it takes effect with the batch's rows.
   void setPriority(const QString& key, int priority);
-  void clearPriorities();
-
- private:
-  /// Taken inside the table's mutex, never around it.
-  mutable utils::CMutex m_mutex;
-  QHash<QString, int> m_priorities TS_GUARDED_BY(m_mutex);
 };
 
 }  // namespace GW

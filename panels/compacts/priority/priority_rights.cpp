@@ -20,7 +20,8 @@ bool isSpecialCounter() {
 }
 
 bool hasPrioritySettingAuth() {
-  return luawrapper::LuaModuleCtrl::instance()->checkModule(luawrapper::LuaModuleCtrl::Order, "mdl_order_credit_priority") &&
+  return luawrapper::LuaModuleCtrl::instance()->checkModule(luawrapper::LuaModuleCtrl::Order,
+                                                            "mdl_order_credit_priority") &&
          isSpecialCounter();
 }
 

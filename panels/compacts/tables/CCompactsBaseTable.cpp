@@ -1,5 +1,6 @@
 #include "compacts/tables/CCompactsBaseTable.h"
 
+#include "compacts/tables/compact_fields.h"
 #include "rdservice/rdservice_enums.h"
 #include "utils/CLogCenter.h"
 
@@ -11,7 +12,8 @@ namespace {
 
 constexpr const char* STRAND_NAME = "hpfmodel";
 constexpr int MENU_FLAGS = 255;
-constexpr utils::CLogSite TASK_SITE{"CCompactsTable.cpp", "void VN::CCompactsBaseTable::runTask(const std::function<void()>&)"};
+constexpr utils::CLogSite TASK_SITE{"CCompactsTable.cpp",
+                                    "void VN::CCompactsBaseTable::runTask(const std::function<void()>&)"};
 
 }  // namespace
 
@@ -56,13 +58,18 @@ bool CCompactsBaseTable::storeCompactType(int compactType) {
 void CCompactsBaseTable::postTask(std::function<void()> task) { m_strand->post(std::move(task)); }
 
 void CCompactsBaseTable::runTask(const std::function<void()>& task) {
-  m_strand->assertCurrent();
+  std::string what;
   try {
     task();
+    return;
   } catch (const std::exception& e) {
-    utils::logError(TASK_SITE, "[compact] strand task failed : acc = {0}, what = {1}", currentAccount(), e.what());
-    emitQueryData();
+    what = e.what();
+  } catch (...) {
+    what = "unknown exception";
   }
+  utils::logError(TASK_SITE, "{0} task failed : acc = {1}, what = {2}",
+                  getID() == TableUnclosedCompacts ? "[unclosed compact]" : "[closed compact]", currentAccount(), what);
+  emitQueryData();
 }
 
 }  // namespace VN

@@ -69,11 +69,11 @@ class CCompactsBaseTable : public CHpfDataTable {
     }));
   }
 
-  /// A callable for a service's reply that runs `function(table, ...)` while the table lives.
+  /// A callable for a service's reply that runs `function(table, ...)` while the table lives, with the same barrier.
   template <class Table, class F>
   auto guarded(F function) {
     return m_lifeline.guard([function = std::move(function)](CCompactsBaseTable& table, auto&&... arguments) mutable {
-      function(static_cast<Table&>(table), std::forward<decltype(arguments)>(arguments)...);
+      table.runTask([&] { function(static_cast<Table&>(table), std::forward<decltype(arguments)>(arguments)...); });
     });
   }
 

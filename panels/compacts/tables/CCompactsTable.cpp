@@ -23,13 +23,20 @@ QString priorityTextTitle() { return QStringLiteral("偿还优先级"); }
 CCompactsTable::CCompactsTable(int tableId, int secondId, QWidget* parent)
     : CCompactsBaseTable(tableId, secondId, parent),
       m_calcCompactType(rdservice::ConfigCollector::instance()->calcCompactType()) {
-  setSignals({[this] { Q_EMIT sigQueryData(); }, [this] { Q_EMIT sigUpdateTable(); }});
+  setSignals({[this] {
+                Q_EMIT
+                sigQueryData();
+              },
+              [this] {
+                Q_EMIT
+                sigUpdateTable();
+              }});
   setObjectName(QStringLiteral("compactsTable%1").arg(tableId));
   setTradeType(rdservice::TraderTypeStockCredit);
   connect(this, &CCompactsTable::sigQueryData, this, &CCompactsTable::slotQueryData);
   connect(this, &CCompactsTable::sigClearTable, this, &CCompactsTable::slotClearTable);
-  m_changeSubscription = CTradeClient::instance()->subscribeCompactChange(guarded<CCompactsTable>(
-      [](CCompactsTable& table, bool replaced, const std::string& account, int dataType) {
+  m_changeSubscription = CTradeClient::instance()->subscribeCompactChange(
+      guarded<CCompactsTable>([](CCompactsTable& table, bool replaced, const std::string& account, int dataType) {
         table.onCompactChange(replaced, account, dataType);
       }));
   buildColumns();
@@ -46,9 +53,11 @@ void CCompactsTable::buildColumns() {
   if (hasPrioritySettingAuth()) {
     CHpfDataColumnProperty property;
     property.title = priorityTextTitle();
+    property.number = PriorityTextColumn;
     m_priorityTextColumn = addColumn(property, false, true, QString());
     m_priorityText = new GW::CBaseTableColumnRepayPriorityTextDelegate(m_priorityTextColumn, this);
-    m_priorityText->setSortKey([delegate = m_priorityText](const QString& key) -> qint64 { return delegate->priority(key); });
+    m_priorityText->setSortKey(
+        [delegate = m_priorityText](const QString& key) -> qint64 { return delegate->priority(key); });
     setColumnDelegate(m_priorityTextColumn, m_priorityText);
   } else {
     setColumnHidden(getColumnIdByFileId(FileIdUnclosedPriority), true);
@@ -75,7 +84,6 @@ void CCompactsTable::setAccount(const std::string& account, bool serverQuery, bo
 void CCompactsTable::clearData(bool) {
   utils::assertGui();
   clear();
-  if (m_priorityText != nullptr) m_priorityText->clearPriorities();
   emitUpdateTable();
 }
 
@@ -88,7 +96,8 @@ bool CCompactsTable::refresh(const std::string& account, bool flag, bool) {
 }
 
 void CCompactsTable::clearTable(const std::string& account) {
-  if (account == currentAccount()) Q_EMIT sigClearTable(account);
+  if (account == currentAccount()) Q_EMIT
+  sigClearTable(account);
 }
 
 void CCompactsTable::slotQueryData() { updateTable(); }
@@ -96,6 +105,7 @@ void CCompactsTable::slotQueryData() { updateTable(); }
 void CCompactsTable::slotUpdateTable() { updateTable(); }
 
 void CCompactsTable::slotClearTable(const std::string& account) {
+  if (account != currentAccount()) return;  // another account has been chosen since the signal was emitted
   clearData(true);
   postToStrand<CCompactsTable>([account](CCompactsTable& table) { table.rebuildRows(account, false); });
 }
@@ -107,12 +117,17 @@ void CCompactsTable::startQuery(bool serverQuery) {
     return;
   }
   if (!serverQuery) {
-    postToStrand<CCompactsTable>([account = scope.account](CCompactsTable& table) { table.rebuildRows(account, false); });
+    postToStrand<CCompactsTable>(
+        [account = scope.account](CCompactsTable& table) { table.rebuildRows(account, false); });
     return;
   }
   if (!m_calcCompactType) {
     const auto request = boost::make_shared<rdservice::CQueryDataReq>();
     request->accountInfo = getUserConfig()->getAccountData(QString::fromStdString(scope.account));
+    if (!request->accountInfo) {
+      emitQueryData();  // nobody would announce the answer for an account that the client does not know
+      return;
+    }
     request->dataType = recordTypeOfTable(getID());
     CTradeClient::instance()->queryData(request, nullptr);
     return;
@@ -123,15 +138,19 @@ void CCompactsTable::startQuery(bool serverQuery) {
   request->requestCount = ALL_COMPACTS;
   const auto type = static_cast<rdservice::EKVCompactType>(scope.type);
   const bool unclosed = getID() == TableUnclosedCompacts;
-  auto reply = guarded<CCompactsTable>([account = scope.account, type, unclosed](
-                                           CCompactsTable& table, const utils::RDError& error,
-                                           const std::vector<rdservice::IDataPtr>& compacts, int reserved,
-                                           const bson::BSONObj& extra) {
-    if (unclosed) table.onQueryUnfinishCompact(account, error, compacts, reserved, extra, type);
-    else table.onQueryCompleteCompact(account, error, compacts, reserved, extra, type);
-  });
-  if (unclosed) CTradeClient::instance()->queryUnclosedCompacts(request, reply);
-  else CTradeClient::instance()->queryClosedCompacts(request, reply);
+  auto reply = guarded<CCompactsTable>(
+      [account = scope.account, type, unclosed](CCompactsTable& table, const utils::RDError& error,
+                                                const std::vector<rdservice::IDataPtr>& compacts, int reserved,
+                                                const bson::BSONObj& extra) {
+        if (unclosed)
+          table.onQueryUnfinishCompact(account, error, compacts, reserved, extra, type);
+        else
+          table.onQueryCompleteCompact(account, error, compacts, reserved, extra, type);
+      });
+  if (unclosed)
+    CTradeClient::instance()->queryUnclosedCompacts(request, reply);
+  else
+    CTradeClient::instance()->queryClosedCompacts(request, reply);
 }
 
 }  // namespace VN

@@ -37,6 +37,8 @@ class CCompactsTable : public CCompactsBaseTable {
   void sigQueryData();
   /// The table was emptied.
   void sigUpdateTable();
+  /// The user double-clicked an unclosed compact.
+  void sigDoubleClickCompact(rdservice::CStkUnClosedCompactsPtr compact);
   /// The table of that account must be emptied and rebuilt. Emitted on any thread.
   void sigClearTable(std::string account);
 
@@ -52,26 +54,31 @@ class CCompactsTable : public CCompactsBaseTable {
 
   // service threads
   void onQueryUnfinishCompact(const std::string& account, const utils::RDError& error,
-                              const std::vector<rdservice::IDataPtr>& compacts, int reserved, const bson::BSONObj& extra,
-                              rdservice::EKVCompactType type);
+                              const std::vector<rdservice::IDataPtr>& compacts, int reserved,
+                              const bson::BSONObj& extra, rdservice::EKVCompactType type);
   void onQueryCompleteCompact(const std::string& account, const utils::RDError& error,
-                              const std::vector<rdservice::IDataPtr>& compacts, int reserved, const bson::BSONObj& extra,
-                              rdservice::EKVCompactType type);
+                              const std::vector<rdservice::IDataPtr>& compacts, int reserved,
+                              const bson::BSONObj& extra, rdservice::EKVCompactType type);
   void onCompactChange(bool replaced, const std::string& account, int dataType);
   struct CReplyText;
   void onReply(const CReplyText& text, const std::string& account, const utils::RDError& error,
                const std::vector<rdservice::IDataPtr>& compacts, rdservice::EKVCompactType type);
+  const CReplyText& rebuildText() const;
+  /// Whether the record is of the type that this table shows; false for null.
+  bool isOwnRecord(const rdservice::IDataPtr& record) const;
   void logStale(const CReplyText& text, const GW::CTableScope& madeFor, const GW::CTableScope& present) const;
 
   // strand
-  void applyReply(const CReplyText& text, const GW::CTableScope& madeFor, const std::vector<rdservice::IDataPtr>& compacts);
+  void applyReply(const CReplyText& text, const GW::CTableScope& madeFor,
+                  const std::vector<rdservice::IDataPtr>& compacts);
   void rebuildRows(const std::string& account, bool replaced);
   void applyPushes();
   void writeRow(const rdservice::IDataPtr& record);
 
   const bool m_calcCompactType;
   int m_priorityTextColumn = -1;
-  GW::CBaseTableColumnRepayPriorityTextDelegate* m_priorityText = nullptr;  ///< owned by the table; null without the column
+  GW::CBaseTableColumnRepayPriorityTextDelegate* m_priorityText =
+      nullptr;  ///< owned by the table; null without the column
 
   /// Pushed records that wait for the strand; one strand task takes them all.
   utils::CMutex m_pushMutex;

@@ -15,6 +15,10 @@ using rdservice::IDataPtr;
 namespace {
 
 constexpr const char* FILE_NAME = "CCompactsTable.cpp";
+constexpr const char* STALE_UNCLOSED =
+    "[unclosed compact] acc changed, data acc = {0}, current acc = {1}, data compact = {2}, cur compact = {3}.";
+constexpr const char* STALE_CLOSED =
+    "[closed compatc] acc changed : data acc = {0}, current acc = {1}, data compact = {2}, cur compact = {3}.";
 
 rdservice::CAccountDataPtr accountDataOf(const std::string& account) {
   return rdservice::TraderCenter::instance()->getDataCenter()->getAccountData(account);
@@ -27,8 +31,7 @@ int compactTypeOf(const rdservice::IData& record) {
       return static_cast<const rdservice::CStkUnClosedCompacts&>(record).compactType;
     case rdservice::RecordStkClosedCompacts:
       return static_cast<const rdservice::CStkClosedCompacts&>(record).compactType;
-    default:
-      return -1;
+    default: return -1;
   }
 }
 
@@ -38,8 +41,7 @@ rdservice::CAccountInfoPtr accountInfoOf(const rdservice::IData& record) {
       return static_cast<const rdservice::CStkUnClosedCompacts&>(record).accountInfo;
     case rdservice::RecordStkClosedCompacts:
       return static_cast<const rdservice::CStkClosedCompacts&>(record).accountInfo;
-    default:
-      return nullptr;
+    default: return nullptr;
   }
 }
 
@@ -75,7 +77,7 @@ void CCompactsTable::onQueryUnfinishCompact(const std::string& account, const ut
       {FILE_NAME,
        "void VN::CCompactsTable::onQueryUnfinishCompact(const std::string&, const utils::RDError&, "
        "const std::vector<rdservice::IDataPtr>&, int, const bson::BSONObj&, rdservice::EKVCompactType)"},
-      "[unclosed compact] acc changed, data acc = {0}, current acc = {1}, data compact = {2}, cur compact = {3}.",
+      STALE_UNCLOSED,
       "[unclosed compact] query success, acc {0} datas {1}",
       "[unclosed compact] query fail : acc = {0}, errmsg = {1}"};
   onReply(TEXT, account, error, compacts, type);
@@ -88,10 +90,21 @@ void CCompactsTable::onQueryCompleteCompact(const std::string& account, const ut
       {FILE_NAME,
        "void VN::CCompactsTable::onQueryCompleteCompact(const std::string&, const utils::RDError&, "
        "const std::vector<rdservice::IDataPtr>&, int, const bson::BSONObj&, rdservice::EKVCompactType)"},
-      "[closed compatc] acc changed : data acc = {0}, current acc = {1}, data compact = {2}, cur compact = {3}.",
+      STALE_CLOSED,
       "[closed compact] query success : data acc = {0}, data size = {1}.",
       "[closed compact] fail : acc = {0}, errmsg = {1}."};
   onReply(TEXT, account, error, compacts, type);
+}
+
+const CCompactsTable::CReplyText& CCompactsTable::rebuildText() const {
+  static constexpr utils::CLogSite SITE{FILE_NAME, "void VN::CCompactsTable::rebuildRows(const std::string&, bool)"};
+  static constexpr CReplyText UNCLOSED{SITE, STALE_UNCLOSED, nullptr, nullptr};
+  static constexpr CReplyText CLOSED{SITE, STALE_CLOSED, nullptr, nullptr};
+  return getID() == TableUnclosedCompacts ? UNCLOSED : CLOSED;
+}
+
+bool CCompactsTable::isOwnRecord(const IDataPtr& record) const {
+  return record != nullptr && record->getBaseId() == recordTypeOfTable(getID());
 }
 
 void CCompactsTable::onReply(const CReplyText& text, const std::string& account, const utils::RDError& error,
@@ -109,7 +122,8 @@ void CCompactsTable::onReply(const CReplyText& text, const std::string& account,
     return;
   }
   utils::logInfo(text.site, text.success, account, compacts.size());
-  postToStrand<CCompactsTable>([&text, madeFor, compacts](CCompactsTable& table) { table.applyReply(text, madeFor, compacts); });
+  postToStrand<CCompactsTable>(
+      [&text, madeFor, compacts](CCompactsTable& table) { table.applyReply(text, madeFor, compacts); });
 }
 
 void CCompactsTable::logStale(const CReplyText& text, const GW::CTableScope& madeFor,
@@ -126,7 +140,7 @@ void CCompactsTable::applyReply(const CReplyText& text, const GW::CTableScope& m
   kept.reserve(compacts.size());
   for (const IDataPtr& record : compacts) {
     if (isClosing()) return;
-    if (!record || !isOfType(*record, madeFor.type)) continue;
+    if (!isOwnRecord(record) || !isOfType(*record, madeFor.type)) continue;
     if (repeats && getDataByKey(record->getKey())) continue;
     kept.push_back(record);
   }
@@ -136,17 +150,27 @@ void CCompactsTable::applyReply(const CReplyText& text, const GW::CTableScope& m
   }
 
   GW::CTableBatch batch(*this, madeFor);
-  for (const IDataPtr& record : kept) writeRow(record);
+  for (const IDataPtr& record : kept) {
+    if (isClosing()) return;
+    writeRow(record);
+  }
   GW::CTableScope present;
   if (!batch.commit(&present)) logStale(text, madeFor, present);
   emitQueryData();
 }
 
 void CCompactsTable::rebuildRows(const std::string& account, bool replaced) {
-  GW::CTableScope madeFor = shownScope();
-  madeFor.account = account;
+  const CReplyText& text = rebuildText();
+  const GW::CTableScope shown = shownScope();
+  const GW::CTableScope madeFor{account, shown.type, 0};
+  if (account != shown.account) {
+    logStale(text, madeFor, shown);
+    emitQueryData();
+    return;
+  }
   std::vector<IDataPtr> records;
-  if (const rdservice::CAccountDataPtr store = accountDataOf(account)) records = store->getData(recordTypeOfTable(getID()));
+  if (const rdservice::CAccountDataPtr store = accountDataOf(account))
+    records = store->getData(recordTypeOfTable(getID()));
 
   GW::CTableBatch batch(*this, madeFor);
   if (replaced)
@@ -154,14 +178,12 @@ void CCompactsTable::rebuildRows(const std::string& account, bool replaced) {
       const rdservice::CAccountInfoPtr info = accountInfoOf(row);
       return info && info->getKey() == account;
     });
-  for (const IDataPtr& record : records)
+  for (const IDataPtr& record : records) {
+    if (isClosing()) return;
     if (isOfType(*record, madeFor.type)) writeRow(record);
-  GW::CTableScope present;
-  if (!batch.commit(&present)) {
-    static constexpr utils::CLogSite SITE{FILE_NAME, "void VN::CCompactsTable::rebuildRows(const std::string&, bool)"};
-    utils::logInfo(SITE, "[compact] acc changed, data acc = {0}, current acc = {1}, data compact = {2}, cur compact = {3}.",
-                   madeFor.account, present.account, madeFor.type, present.type);
   }
+  GW::CTableScope present;
+  if (!batch.commit(&present)) logStale(text, madeFor, present);
   emitQueryData();
 }
 
@@ -172,9 +194,7 @@ void CCompactsTable::onCompactChange(bool replaced, const std::string& account, 
 }
 
 void CCompactsTable::onPushData(IDataPtr data) {
-  if (!data || storingTable == this) return;
-  const int typeId = data->getBaseId();
-  if (typeId != rdservice::RecordStkUnClosedCompacts && typeId != rdservice::RecordStkClosedCompacts) return;
+  if (!isOwnRecord(data) || storingTable == this) return;
   {
     const utils::CMutexLock lock(m_pushMutex);
     m_pushes.push_back(std::move(data));
@@ -189,11 +209,16 @@ void CCompactsTable::applyPushes() {
     const utils::CMutexLock lock(m_pushMutex);
     pushes.swap(m_pushes);
   }
-  const int compactType = shownScope().type;
-  GW::CTableBatch batch(*this);
-  for (const IDataPtr& record : pushes)
-    if (record->getBaseId() != rdservice::RecordStkUnClosedCompacts || isOfType(*record, compactType)) writeRow(record);
-  [[maybe_unused]] const bool shown = batch.commit();
+  const bool filtered = getID() == TableUnclosedCompacts;
+  for (;;) {  // again when the compact type changes meanwhile
+    const int compactType = shownScope().type;
+    GW::CTableBatch batch(*this, compactType);
+    for (const IDataPtr& record : pushes) {
+      if (isClosing()) return;
+      if (!filtered || isOfType(*record, compactType)) writeRow(record);
+    }
+    if (batch.commit()) return;
+  }
 }
 
 void CCompactsTable::writeRow(const IDataPtr& record) {

@@ -15,6 +15,9 @@ enum ECompactFileId : int {
   FileIdClosedCode = 1391503,
 };
 
+/// Numbers of the columns that the tables add, by which saved layouts know them.
+enum ECompactColumn : int { SelectColumn = 1, RenewalDaysColumn = 2, PriorityEditColumn = 3, PriorityTextColumn = 4 };
+
 /// The record type that a compact table accepts.
 constexpr int recordTypeOfTable(int tableId) {
   return tableId == TableUnclosedCompacts ? rdservice::RecordStkUnClosedCompacts : rdservice::RecordStkClosedCompacts;

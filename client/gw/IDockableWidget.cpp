@@ -1,4 +1,4 @@
-#include "gw/CDockableWidget.h"
+#include "gw/IDockableWidget.h"
 
 #include <QPointer>
 #include <QVBoxLayout>
