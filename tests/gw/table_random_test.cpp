@@ -94,7 +94,11 @@ class CTableRun {
     plan.clearFirst = false;
     plan.dropGroup.reset();
     give(plan);
+    // Each change is a batch of one, so that an item does not follow the fate of a record before it.
+    CBatchPlan items;
+    items.items.swap(plan.items);
     m_naive.apply(plan);
+    m_naive.apply(items);
   }
 
   void clear() {
