@@ -19,7 +19,6 @@ namespace {
 using kit::compact;
 using kit::CTestRuntime;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using VN::CCompactsTable;
 
 constexpr const char* A = "3.1001";
