@@ -16,7 +16,9 @@ constexpr std::size_t MAX_ERRORS = 1000;
 
 }  // namespace
 
-CBookContext::CBookContext(QDate today) { m_parsing.today = static_cast<std::int32_t>(today.toJulianDay()); }
+CBookContext::CBookContext(QDate today, const std::atomic<bool>& giveUp) : m_giveUp(giveUp) {
+  m_parsing.today = static_cast<std::int32_t>(today.toJulianDay());
+}
 
 void CBookContext::addError(const std::string& file, int line, int column, std::string message) {
   if (m_result.errors.size() < MAX_ERRORS)

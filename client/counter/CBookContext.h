@@ -5,6 +5,7 @@
 #include "rdservice/CInternedText.h"
 #include "rdservice/field_text.h"
 
+#include <atomic>
 #include <cstdint>
 #include <set>
 #include <string>
@@ -16,11 +17,13 @@ namespace counter {
 /// What the files of a book being loaded know of each other. One thread.
 class CBookContext {
  public:
-  explicit CBookContext(QDate today);
+  /// `giveUp` may become true on another thread.
+  CBookContext(QDate today, const std::atomic<bool>& giveUp);
 
   void addError(const std::string& file, int line, int column, std::string message);
   CBookResult& result() { return m_result; }
   const rdservice::CParseContext& parsing() const { return m_parsing; }
+  bool isGivenUp() const { return m_giveUp; }
 
   /// Remembers an account or instrument, for the records that refer to it.
   void addReferent(const rdservice::IDataPtr& record);
@@ -37,6 +40,7 @@ class CBookContext {
   std::string nextPosition(const std::string& kind, const rdservice::CAccountInfo& account);
 
  private:
+  const std::atomic<bool>& m_giveUp;
   CBookResult m_result;
   rdservice::CParseContext m_parsing;
   std::unordered_map<std::string, rdservice::CAccountInfoPtr> m_accounts;   ///< by account id

@@ -8,6 +8,7 @@
 #include "rdservice/stock_key.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSqlError>
 
 #include <fmt/format.h>
@@ -40,6 +41,10 @@ CBookFile::CBookFile(const CRecordKind& kind, CBookContext& context, const CSqlC
 
 bool CBookFile::load(const std::string& folder) {
   QFile file(QString::fromStdString(folder + "/" + m_name));
+  if (QFileInfo info(file); info.exists() && !info.isFile()) {
+    failFile("is not a regular file; expected a CSV file");
+    return true;
+  }
   if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
     failFile("cannot be opened (" + file.errorString().toStdString() + "); expected a CSV file in the book's folder");
     return true;
@@ -87,6 +92,10 @@ bool CBookFile::readHeader(CCsvReader& reader) {
 
 bool CBookFile::readRows(CCsvReader& reader) {
   for (;;) {
+    if (m_context.isGivenUp()) {
+      failFile("loading was given up");
+      return false;
+    }
     const auto row = reader.next();
     if (row == CCsvReader::ERow::End) return true;
     if (row == CCsvReader::ERow::Error) {

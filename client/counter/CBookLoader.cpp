@@ -40,9 +40,14 @@ CBookLoader::CBookLoader(std::string folder, QDate today) : m_folder(std::move(f
 }
 
 CBookResult CBookLoader::load(const std::string& databasePath) const {
+  const std::atomic<bool> never{false};
+  return load(databasePath, never);
+}
+
+CBookResult CBookLoader::load(const std::string& databasePath, const std::atomic<bool>& giveUp) const {
   const auto path = QString::fromStdString(databasePath);
   const bool isNew = !QFile::exists(path);
-  CBookContext context(m_today);
+  CBookContext context(m_today, giveUp);
   loadFiles(m_folder, databasePath, context);
   if (context.result().isLoaded()) return std::move(context.result());
   context.result().counts.clear();

@@ -4,6 +4,7 @@
 
 #include <QDate>
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -41,6 +42,8 @@ class CBookLoader {
 
   /// Replaces what the database at the path (UTF-8) holds by the book, in one transaction; a counter may be reading
   /// meanwhile. A book with errors is refused whole, with all its errors, and leaves the database untouched.
+  /// When `giveUp` becomes true the loading ends soon, as with an error.
+  CBookResult load(const std::string& databasePath, const std::atomic<bool>& giveUp) const;
   CBookResult load(const std::string& databasePath) const;
 
  private:

@@ -4,6 +4,7 @@
 #include "counter/CSqlTable.h"
 #include "counter/record_kinds.h"
 
+#include <QSqlError>
 #include <QSqlQuery>
 
 #include <boost/make_shared.hpp>
@@ -23,12 +24,19 @@ bool CBrokerAccounts::reload(const CSqlConnection& connection, std::vector<CAcco
     error = sqlErrorText(query);
     return false;
   }
+  std::vector<CAccountInfoPtr> read;
+  while (query.next()) {
+    read.push_back(boost::make_shared<CAccountInfo>());
+    table.read(query, *read.back(), nullptr);
+  }
+  if (query.lastError().isValid()) {  // some accounts are not all accounts
+    error = sqlErrorText(query);
+    return false;
+  }
   utils::CMutexLock lock(m_mutex);
   std::map<std::string, CEntry> known;
   known.swap(m_accounts);
-  while (query.next()) {
-    auto info = boost::make_shared<CAccountInfo>();
-    table.read(query, *info, nullptr);
+  for (CAccountInfoPtr& info : read) {
     auto key = info->getKey();
     CEntry entry{info};
     if (const auto old = known.find(key); old != known.end()) {

@@ -55,7 +55,8 @@ CMainWindow::CMainWindow() {
 }
 
 CMainWindow::~CMainWindow() {
-  // Panels and views use the client's services to their last moment.
+  // First nothing new may arrive; panels and views use the client's services to their last moment.
+  if (m_client) m_client->stop();
   qDeleteAll(findChildren<QDockWidget*>(QString(), Qt::FindDirectChildrenOnly));
 }
 
@@ -91,11 +92,16 @@ void CMainWindow::startClient(std::unique_ptr<runtime::CClientRuntime> client) {
       },
       Qt::QueuedConnection);  // once the docks have their places
 
-  connect(VN::CTradeClient::instance(), &VN::CTradeClient::sigLoginStatus, this,
+  connect(VN::CTradeClient::instance(), &VN::CTradeClient::sigLoginStatus, m_messages,
           [this](const rdservice::CAccountInfoPtr& account, rdservice::EBROKER_LOGIN_STATUS status,
                  const std::string& why) { m_messages->addMessage(loginText(*account, status, why)); });
   connect(VN::CTradeClient::instance(), &VN::CTradeClient::sigAccountsChanged, this,
           [this] { showState(QStringLiteral("柜台已连接")); });
+  connect(VN::CTradeClient::instance(), &VN::CTradeClient::sigStartFailed, this, [this](const QString& reason) {
+    showState(QStringLiteral("柜台不可用: %1").arg(reason));
+    m_messages->addMessage(QStringLiteral("柜台不可用: %1").arg(reason));
+    m_startFailure = reason;
+  });
   buildCounterMenu();
   showState(QStringLiteral("正在连接柜台…"));
   m_client->start();

@@ -32,6 +32,8 @@ class CMainWindow : public QMainWindow {
 
   VN::CCompactsPanel* panel() const { return m_panel; }
   runtime::CClientRuntime& client() const { return *m_client; }
+  /// Why the counter could not be used; empty while it can.
+  const QString& startFailure() const { return m_startFailure; }
 
  protected:
   void timerEvent(QTimerEvent* event) override;
@@ -46,6 +48,7 @@ class CMainWindow : public QMainWindow {
   CMessageView* m_messages = nullptr;
   QMenu* m_viewMenu = nullptr;
   QMenu* m_counterMenu = nullptr;
+  QString m_startFailure;
   QLabel* m_state = nullptr;
   QLabel* m_gap = nullptr;
   utils::CEventLoopMeter m_meter{10, nullptr};

@@ -56,6 +56,10 @@ void CShotWalk::timerEvent(QTimerEvent*) {
     act();
     return;
   }
+  if (!m_window.startFailure().isEmpty()) {
+    std::fprintf(stderr, "the counter cannot be used: %s\n", qPrintable(m_window.startFailure()));
+    return finish(1);
+  }
   if (!m_steps[m_next].done()) {
     if (m_waited.elapsed() < STEP_LIMIT_MS) return;
     std::fprintf(stderr, "step %zu did not come about within %d s\n", m_next + 1, STEP_LIMIT_MS / 1000);

@@ -12,6 +12,7 @@
 #include <QMessageBox>
 #include <QtConcurrent>
 
+#include <atomic>
 #include <cstdio>
 
 namespace {
@@ -46,22 +47,48 @@ void openClient(CMainWindow& window, const CDeskOptions& options, const QString&
   if (!options.shots.isEmpty()) new CShotWalk(window, options.shots, &window);
 }
 
-/// Loads the book on a worker thread, then opens the client; the window stays alive meanwhile.
-void loadBookThenOpen(CMainWindow& window, const CDeskOptions& options, const QString& book, const QString& database) {
+/// Loading a book on a worker thread; its end gives the loading up and waits for it.
+class CBookLoading {
+ public:
+  using CWatcher = QFutureWatcher<CClientRuntime::CLoadedBook>;
+
+  ~CBookLoading() {
+    m_giveUp = true;
+    m_watcher.waitForFinished();
+  }
+  CWatcher& watcher() { return m_watcher; }
+  void begin(const QString& book, const QString& database) {
+    m_watcher.setFuture(QtConcurrent::run([this, folder = book.toStdString(), file = database.toStdString()] {
+      return CClientRuntime::loadBook(folder, file, m_giveUp);
+    }));
+  }
+
+ private:
+  std::atomic<bool> m_giveUp{false};
+  CWatcher m_watcher;
+};
+
+/// Loads the book, then opens the client; the window stays alive meanwhile.
+void loadBookThenOpen(CMainWindow& window, CBookLoading& loading, const CDeskOptions& options, const QString& book,
+                      const QString& database) {
+  std::vector<std::string> errors;
+  if (!CClientRuntime::checkConfig(options.config.toStdString(), errors)) {
+    openClient(window, options, database);  // tells the errors; the database stays as it is
+    return;
+  }
   window.showState(QStringLiteral("正在载入账本 %1 …").arg(book));
-  auto* watcher = new QFutureWatcher<CClientRuntime::CLoadedBook>(&window);
-  QObject::connect(watcher, &QFutureWatcherBase::finished, &window, [&window, options, database, watcher] {
-    const CClientRuntime::CLoadedBook loaded = watcher->result();
-    watcher->deleteLater();
-    if (!loaded.loaded) {
-      showFailure(window, options, QStringLiteral("账本有误，未载入"), QString::fromStdString(loaded.errorText));
-      return;
-    }
-    std::fprintf(stderr, "book loaded: %s\n", loaded.summary.c_str());
-    openClient(window, options, database);
-  });
-  watcher->setFuture(QtConcurrent::run(
-      [folder = book.toStdString(), file = database.toStdString()] { return CClientRuntime::loadBook(folder, file); }));
+  QObject::connect(&loading.watcher(), &QFutureWatcherBase::finished, &window,
+                   [&window, &loading, options, book, database] {
+                     const CClientRuntime::CLoadedBook loaded = loading.watcher().result();
+                     if (!loaded.loaded) {
+                       showFailure(window, options, QStringLiteral("账本 %1 未载入").arg(book),
+                                   QString::fromStdString(loaded.errorText));
+                       return;
+                     }
+                     std::fprintf(stderr, "book loaded: %s\n", loaded.summary.c_str());
+                     openClient(window, options, database);
+                   });
+  loading.begin(book, database);
 }
 
 }  // namespace
@@ -79,6 +106,7 @@ int main(int argc, char** argv) {
   }
 
   CMainWindow window;
+  CBookLoading loading;
   window.show();
   const QString database = QDir(options.data).filePath(QStringLiteral("counter.db"));
   QString book = options.book;
@@ -89,7 +117,7 @@ int main(int argc, char** argv) {
         if (book.isEmpty())
           openClient(window, options, database);
         else
-          loadBookThenOpen(window, options, book, database);
+          loadBookThenOpen(window, loading, options, book, database);
       },
       Qt::QueuedConnection);
   return QApplication::exec();

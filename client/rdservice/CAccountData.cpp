@@ -89,7 +89,7 @@ IDataPtr CAccountData::modifyData(int typeId, const std::string& key, const std:
     edit(*edited);
     assert(edited->getKey() == key && "an edit may not change what makes up the key");
     if (sameFields(*edited, *held)) return held;
-    held = m_d->publish(edited);
+    held = m_d->publish(edited, false);
     replaced = entry.store.replace(place, held, held->version());
     ++entry.generation;
   }

@@ -33,9 +33,9 @@ std::vector<IDataPtr> unchangedRecords(const CTypeStore& fresh, const std::vecto
 
 }  // namespace
 
-IDataPtr CAccountData::Private::publish(const IDataPtr& record) {
+IDataPtr CAccountData::Private::publish(const IDataPtr& record, bool ofReply) {
   IDataPtr own = record->version() == 0 ? record : record->copy();
-  CDataVersion::stamp(*own, ++lastVersion);
+  CDataVersion::stamp(*own, ++lastVersion, ofReply);
   return own;
 }
 
@@ -46,7 +46,7 @@ void CAccountData::Private::storeItem(CItem& item, bool keepNewer) {
   const std::uint64_t mark = CDataVersion::mark(*item.record);
   const std::uint64_t basis = mark != 0 ? mark : lastVersion + 1;
   if (place == CTypeStore::NONE) {
-    item.held = publish(item.record);
+    item.held = publish(item.record, mark != 0);
     store.append(item.key, item.held, basis);
   } else {
     item.held = store.at(place);
@@ -57,7 +57,7 @@ void CAccountData::Private::storeItem(CItem& item, bool keepNewer) {
       if (mark == 0) ++lastVersion;  // a later mark must exceed the basis
       return;
     }
-    item.held = publish(item.record);
+    item.held = publish(item.record, mark != 0);
     item.replaced = store.replace(place, item.held, basis);
   }
   ++item.type->generation;
@@ -135,7 +135,7 @@ void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& 
     CTypeEntry& entry = types[typeId];
     if (entry.generation != generation) unchanged = unchangedRecords(fresh, keys, entry.store, mark);
     for (std::size_t i = 0; i < fresh.size(); ++i) {
-      if (unchanged[i] == nullptr) changed[i] = publish(fresh.records()[i]);
+      if (unchanged[i] == nullptr) changed[i] = publish(fresh.records()[i], true);
       const IDataPtr& held = unchanged[i] == nullptr ? changed[i] : unchanged[i];
       const std::size_t before = entry.store.find(keys[i]);
       const std::uint64_t basis = before == CTypeStore::NONE ? 0 : entry.store.basis(before);

@@ -34,7 +34,7 @@ struct CAccountData::Private {
   explicit Private(CAccountInfoPtr account) : accountInfo(std::move(account)) {}
 
   /// The record as it is to be held: stamped in place when nobody has seen it yet, else a stamped copy.
-  IDataPtr publish(const IDataPtr& record) TS_REQUIRES(mutex);
+  IDataPtr publish(const IDataPtr& record, bool ofReply) TS_REQUIRES(mutex);
 
   void storeItem(CItem& item, bool keepNewer) TS_REQUIRES(mutex);
 

@@ -9,7 +9,9 @@ namespace rdservice {
 /// The one way to stamp a record.
 struct CDataVersion {
   /// Publishes. Only a store does it, under its lock, before anybody else can see the record.
-  static void stamp(IData& record, std::uint64_t version) { record.m_version = version; }
+  static void stamp(IData& record, std::uint64_t version, bool ofReply = false) {
+    record.m_version = version | (ofReply ? IData::OF_REPLY : 0);
+  }
 
   /// Notes with an unpublished record of a reply the mark that was taken when its request was sent.
   static void stampReply(IData& record, std::uint64_t mark) {

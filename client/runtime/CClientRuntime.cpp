@@ -72,6 +72,13 @@ std::unique_ptr<CClientRuntime> CClientRuntime::open(const CPaths& paths, std::v
   return std::make_unique<CClientRuntime>(config, std::make_unique<counter::CSqlCounter>(options), paths.logFile);
 }
 
+bool CClientRuntime::checkConfig(const std::string& folder, std::vector<std::string>& errors) {
+  std::vector<utils::CConfigError> found;
+  readClientConfig(folder, found);
+  for (const utils::CConfigError& error : found) errors.push_back(error.text());
+  return found.empty();
+}
+
 void CClientRuntime::start() { VN::startTradeClient(*m_d->client); }
 
 void CClientRuntime::stop() {
@@ -79,9 +86,10 @@ void CClientRuntime::stop() {
   net::stopEngine(*m_d->engine);
 }
 
-CClientRuntime::CLoadedBook CClientRuntime::loadBook(const std::string& folder, const std::string& database) {
+CClientRuntime::CLoadedBook CClientRuntime::loadBook(const std::string& folder, const std::string& database,
+                                                     const std::atomic<bool>& giveUp) {
   CLoadedBook result;
-  const counter::CBookResult book = counter::CBookLoader(folder, QDate::currentDate()).load(database);
+  const counter::CBookResult book = counter::CBookLoader(folder, QDate::currentDate()).load(database, giveUp);
   result.loaded = book.isLoaded();
   result.errorText = book.errorText();
   for (const counter::CBookCount& count : book.counts)

@@ -2,6 +2,7 @@
 
 #include "host_api.h"
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <vector>
@@ -29,6 +30,9 @@ class HOST_API CClientRuntime {
   /// A client on the embedded counter. Null when a configuration file is wrong; `errors` then says where and what.
   static std::unique_ptr<CClientRuntime> open(const CPaths& paths, std::vector<std::string>& errors);
 
+  /// Reads the configuration files without using them. False when one is wrong; `errors` then says where and what.
+  static bool checkConfig(const std::string& folder, std::vector<std::string>& errors);
+
   /// A client on any counter.
   CClientRuntime(const CClientConfig& config, std::unique_ptr<counter::ICounter> counter, const std::string& logFile);
 
@@ -48,8 +52,9 @@ class HOST_API CClientRuntime {
     std::string summary;    ///< "accounts 7, instruments 120, ..."
     std::string errorText;  ///< one line each, file:line:column: what is wrong and what was expected
   };
-  /// Loads a folder of CSV files into a counter database. Any thread; takes seconds for a large book.
-  static CLoadedBook loadBook(const std::string& folder, const std::string& database);
+  /// Loads a folder of CSV files into a counter database. Any thread; takes seconds for a large book. When `giveUp`
+  /// becomes true it ends soon, and the database is as it was.
+  static CLoadedBook loadBook(const std::string& folder, const std::string& database, const std::atomic<bool>& giveUp);
 
   /// Embedded counter only: replies come that much later from now on. Milliseconds.
   void setCounterLatency(int milliseconds);

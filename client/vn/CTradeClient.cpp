@@ -61,6 +61,7 @@ struct CTradeClient::Private : counter::ICounterSink {
   void onLoginStatus(const std::string& accountKey, rdservice::EBROKER_LOGIN_STATUS status,
                      const std::string& text) override;
   void queryAccounts();
+  void failStart(const char* what, const utils::RDError& error);
   void takeAccounts(const std::vector<IDataPtr>& records);
   void queryCompacts(int dataType, const rdservice::CQueryCompactReqV2Ptr& request, CCompactReply reply);
   void takeData(const std::string& accountKey, std::uint64_t mark, int dataType, const utils::RDError& error,
@@ -154,7 +155,8 @@ void CTradeClient::setLogin(const std::string& accountKey, bool login) {
   m_d->requests.send(request, [this, accountKey, login](const utils::RDError& error, const std::vector<IDataPtr>&,
                                                         const bson::BSONObj&) {
     // Success is told by the counter itself, through the sink.
-    if (!error.isSuccess() && login) m_d->onLoginStatus(accountKey, rdservice::LoginStatusFailed, error.errorMsg());
+    const bool failed = !error.isSuccess() && error.errorCode() != utils::RDError::Stopped;
+    if (failed && login) m_d->onLoginStatus(accountKey, rdservice::LoginStatusFailed, error.errorMsg());
   });
 }
 
@@ -213,10 +215,8 @@ void CTradeClient::Private::start() {
   // Instruments first, so that names are known by the time an account can be queried.
   requests.send(boost::make_shared<rdservice::CQueryInstrumentsReq>(),
                 [this](const utils::RDError& error, const std::vector<IDataPtr>& instruments, const bson::BSONObj&) {
-                  rdservice::CDataCenter* centre = dataCentre();
-                  if (error.isSuccess() && centre != nullptr) centre->setInstruments(instruments);
-                  if (!error.isSuccess())
-                    utils::logError(START_SITE, "[start] instruments : errmsg = {0}", error.errorMsg());
+                  if (!error.isSuccess()) return failStart("instruments", error);
+                  if (rdservice::CDataCenter* centre = dataCentre()) centre->setInstruments(instruments);
                   queryAccounts();
                 });
 }
@@ -224,11 +224,16 @@ void CTradeClient::Private::start() {
 void CTradeClient::Private::queryAccounts() {
   requests.send(boost::make_shared<rdservice::CQueryAccountsReq>(),
                 [this](const utils::RDError& error, const std::vector<IDataPtr>& records, const bson::BSONObj&) {
-                  if (error.isSuccess())
-                    takeAccounts(records);
-                  else
-                    utils::logError(START_SITE, "[start] accounts : errmsg = {0}", error.errorMsg());
+                  if (!error.isSuccess()) return failStart("accounts", error);
+                  takeAccounts(records);
                 });
+}
+
+void CTradeClient::Private::failStart(const char* what, const utils::RDError& error) {
+  if (error.errorCode() == utils::RDError::Stopped) return;
+  utils::logError(START_SITE, "[start] {0} : errmsg = {1}", what, error.errorMsg());
+  Q_EMIT
+  q->sigStartFailed(QString::fromStdString(error.errorMsg()));
 }
 
 void CTradeClient::Private::stop() {

@@ -41,7 +41,10 @@ class HOST_API IData {
   virtual std::int64_t getHashKey(std::int64_t seed) const;
 
   /// 0 until the record is stored in the data centre; then the store's rising number of this record.
-  std::uint64_t version() const { return (m_version & UNPUBLISHED) == 0 ? m_version : 0; }
+  std::uint64_t version() const { return (m_version & UNPUBLISHED) == 0 ? m_version & ~OF_REPLY : 0; }
+
+  /// Whether a stored record came with the reply to a query; false when it was pushed or modified.
+  bool isOfReply() const { return (m_version & (UNPUBLISHED | OF_REPLY)) == OF_REPLY; }
 
  protected:
   IData();
@@ -53,6 +56,7 @@ class HOST_API IData {
   friend struct CDataVersion;
   /// Set in `m_version` while it is not the version but the data centre's note about an unpublished record.
   static constexpr std::uint64_t UNPUBLISHED = std::uint64_t(1) << 63;
+  static constexpr std::uint64_t OF_REPLY = std::uint64_t(1) << 62;
 
   std::uint64_t m_version = 0;
 };

@@ -43,6 +43,7 @@ class CLifeline {
   template <class F>
   auto guard(F function) const {
     return [state = m_state, f = std::move(function)](auto&&... arguments) mutable {
+      if (state->closing.load(std::memory_order_acquire)) return;  // do not hold up the one who waits to close
       std::shared_lock<std::shared_mutex> lock(state->mutex);
       if (state->object != nullptr) f(*state->object, std::forward<decltype(arguments)>(arguments)...);
     };

@@ -22,7 +22,8 @@ namespace VN {
 ///
 /// Every request is answered exactly once: by the counter's first reply, by a time-out error when the counter is
 /// silent (`RDError::TimedOut`), or by `RDError::Stopped` when the client ends. Replies are called on a service
-/// thread, never from inside the request.
+/// thread, never from inside the request; only `RDError::Stopped` comes on the stopping thread, and at once from a
+/// request made after the stop.
 class HOST_API CTradeClient : public QObject {
   Q_OBJECT
  public:
@@ -62,11 +63,15 @@ class HOST_API CTradeClient : public QObject {
   void setLogin(const std::string& accountKey, bool login);
 
  Q_SIGNALS:
-  /// The log-in status of an account changed; `message` tells why and may be empty. Emitted on a service thread.
+  /// The log-in status of an account changed; `message` tells why and may be empty. Emitted on a service
+  /// thread, and for the beginning of a log-in on the caller's.
   void sigLoginStatus(const rdservice::CAccountInfoPtr& account, rdservice::EBROKER_LOGIN_STATUS status,
                       std::string message);
   /// The user's accounts became known or changed. Emitted on a service thread.
   void sigAccountsChanged();
+  /// The counter could not tell its instruments or accounts when the client started; `reason` is for users. Emitted on
+  /// a service thread.
+  void sigStartFailed(QString reason);
 
  private:
   std::unique_ptr<Private> m_d;

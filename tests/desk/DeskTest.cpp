@@ -10,6 +10,7 @@
 #include "runtime/CClientRuntime.h"
 #include "utils/CEventLoopMeter.h"
 #include "vn/CCountDownButton.h"
+#include "vn/CTradeClient.h"
 
 #include <gtest/gtest.h>
 
@@ -19,6 +20,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <atomic>
 #include <map>
 
 namespace {
@@ -36,7 +38,7 @@ class DeskTest : public testing::Test {
  protected:
   void SetUp() override {
     const std::string database = m_folder.filePath(QStringLiteral("counter.db")).toStdString();
-    const auto book = runtime::CClientRuntime::loadBook(SOURCE_DIR "/client/counter/sample_book", database);
+    const auto book = runtime::CClientRuntime::loadBook(SOURCE_DIR "/client/counter/sample_book", database, m_giveUp);
     ASSERT_TRUE(book.loaded) << book.errorText;
     // The shipped configuration, without the refresh lock.
     const QDir shipped(QStringLiteral(SOURCE_DIR "/client/desk/config"));
@@ -105,6 +107,7 @@ class DeskTest : public testing::Test {
     return sum;
   }
 
+  std::atomic<bool> m_giveUp{false};
   QTemporaryDir m_folder;
   std::unique_ptr<CMainWindow> m_window;
   GW::CComboBox* m_combo = nullptr;
@@ -131,6 +134,15 @@ TEST_F(DeskTest, ShowsTheBooksCompactsAndTheirChanges) {
   refresh(0);
 }
 
+TEST_F(DeskTest, ABookThatIsGivenUpLeavesTheDatabaseAsItWas) {
+  const QString database = m_folder.filePath(QStringLiteral("other.db"));
+  m_giveUp = true;
+  const auto given =
+      runtime::CClientRuntime::loadBook(SOURCE_DIR "/client/counter/sample_book", database.toStdString(), m_giveUp);
+  EXPECT_FALSE(given.loaded);
+  EXPECT_FALSE(QFile::exists(database));
+}
+
 TEST_F(DeskTest, ALateAnswerNeitherFreezesTheWindowNorShowsARowOfTheOldAccount) {
   choose(LARGE);
   m_window->client().setCounterLatency(LATE_MS);
@@ -149,6 +161,13 @@ TEST_F(DeskTest, ALateAnswerNeitherFreezesTheWindowNorShowsARowOfTheOldAccount) 
   EXPECT_EQ(wrongRows, 0);
   EXPECT_EQ(m_table->rowCount(), 0);
   EXPECT_LT(meter.longestGap(), LATE_MS) << "the window waited for the counter";
+}
+
+TEST_F(DeskTest, ClosingWhileAccountsLogInIsSafe) {
+  m_window->client().setCounterLatency(60000);
+  VN::CTradeClient::instance()->setLogin("3.60010006", true);
+  m_window.reset();
+  EXPECT_EQ(rdservice::TraderCenter::instance(), nullptr);
 }
 
 TEST_F(DeskTest, ClosingWithAnAnswerOutIsSafe) {

@@ -143,6 +143,47 @@ TEST(CCompactsPanel, ALateAnswerForTheOldAccountShowsNothing) {
   EXPECT_EQ(p.table->rowCount(), 0);
 }
 
+TEST(CCompactsPanel, WhatAnotherPanelQueriesIsShownForTheSameAccountOnly) {
+  for (const bool byType : {true, false}) {
+    SCOPED_TRACE(byType);
+    runtime::CClientConfig config = kit::testConfig();
+    config.broker.calcCompactType = byType;
+    CTestRuntime runtime(config);
+    CPanelUnderTest same(runtime);
+    CPanelUnderTest other(runtime);
+    const auto info = rdservice::TraderCenter::instance()->getDataCenter()->getAccountData("3.1001")->getAccountInfo();
+    same.panel->requestAccount(*info);
+    other.panel->requestAccount(*info);
+    other.choose("11.1003");
+    CPanelUnderTest asking(runtime);
+    asking.clickRefresh();
+    for (std::size_t i = 0; i < asking.requests(); ++i) runtime.counter().reply(i, {same.compact("3.1001", "C1")});
+    runtime.settle();
+    same.table->updateTable();
+    other.table->updateTable();
+    EXPECT_EQ(asking.table->rowCount(), 1);
+    EXPECT_EQ(same.table->rowCount(), 1);
+    EXPECT_EQ(other.table->rowCount(), 0);
+  }
+}
+
+TEST(CCompactsPanel, TheLastLogOutEmptiesThePanel) {
+  CTestRuntime runtime;
+  CPanelUnderTest p(runtime);
+  p.clickRefresh();
+  runtime.counter().reply(p.requests() - 1, {p.compact("3.1001", "C1")});
+  runtime.settle();
+  ASSERT_EQ(p.table->rowCount(), 1);
+  for (const char* key : {"11.1003", "3.1002", "3.1001"}) {
+    p.combo->removeItem(p.combo->findData(QStringLiteral("11.1003")));
+    VN::CTradeClient::instance()->setLogin(key, false);
+    runtime.settle();
+  }
+  EXPECT_EQ(p.combo->count(), 0);
+  EXPECT_EQ(p.table->rowCount(), 0);
+  EXPECT_EQ(runtime.logged("[CCompactsPanel] clear").size(), 1U);
+}
+
 TEST(CCompactsPanel, PushesOfTheShownAccountArriveWithThePeriodicRefresh) {
   CTestRuntime runtime;
   CPanelUnderTest p(runtime);

@@ -210,15 +210,25 @@ void CCompactsTable::applyPushes() {
     pushes.swap(m_pushes);
   }
   const bool filtered = getID() == TableUnclosedCompacts;
-  for (;;) {  // again when the compact type changes meanwhile
-    const int compactType = shownScope().type;
-    GW::CTableBatch batch(*this, compactType);
+  // What a query of another panel brought is for the account shown alone, as any reply; a push is not.
+  const auto write = [&](bool ofReply, const GW::CTableScope& shown) {
     for (const IDataPtr& record : pushes) {
-      if (isClosing()) return;
-      if (!filtered || isOfType(*record, compactType)) writeRow(record);
+      if (isClosing() || record->isOfReply() != ofReply) continue;
+      const rdservice::CAccountInfoPtr account = accountInfoOf(*record);
+      if (ofReply && (!account || account->getKey() != shown.account)) continue;
+      if (!filtered || isOfType(*record, shown.type)) writeRow(record);
     }
-    if (batch.commit()) return;
+  };
+  for (bool pushed = false; !pushed;) {  // again when the compact type changes meanwhile
+    const GW::CTableScope shown = shownScope();
+    GW::CTableBatch batch(*this, shown.type);
+    write(false, shown);
+    pushed = batch.commit();
   }
+  const GW::CTableScope shown = shownScope();
+  GW::CTableBatch batch(*this, shown);
+  write(true, shown);
+  [[maybe_unused]] const bool isShown = batch.commit();  // refused: another account is shown by now
 }
 
 void CCompactsTable::writeRow(const IDataPtr& record) {
