@@ -3,6 +3,7 @@
 #include "compacts/tables/compact_fields.h"
 #include "kit/CTestRuntime.h"
 #include "kit/records.h"
+#include "net/CTimerQueue.h"
 #include "rdservice/CQueryCompactReqV2.h"
 #include "rdservice/CStkClosedCompacts.h"
 #include "rdservice/TraderCenter.h"
@@ -13,6 +14,10 @@
 #include <QSignalSpy>
 
 #include <boost/make_shared.hpp>
+
+#include <atomic>
+#include <future>
+#include <stdexcept>
 
 namespace {
 
@@ -80,8 +85,10 @@ TEST_F(CCompactsTableTest, AsksForEverythingAndShowsTheAnswer) {
 
 TEST_F(CCompactsTableTest, CompactTypeFiltersRepliesPushesAndRebuilds) {
   query(A);
+  answer({makeCompact(A, "C1", '0'), makeCompact(A, "C2", '1')});
   m_table->setCompactType('1', 0);
-  EXPECT_EQ(m_table->scope().type, '1');
+  m_runtime.settle();
+  EXPECT_THAT(kit::visible(*m_table, {"合约编号"}), ElementsAre("C2")) << "from the data centre, without a query";
   m_table->refresh("", true, true);
   m_runtime.settle();
   answer({makeCompact(A, "C1", '0'), makeCompact(A, "C2", '1')});
@@ -144,15 +151,75 @@ TEST_F(CCompactsTableTest, AFailureIsLoggedAndKeepsTheRows) {
   EXPECT_THAT(kit::visible(*m_table, {"合约编号"}), ElementsAre("C1"));
 }
 
-TEST_F(CCompactsTableTest, ARepeatingCounterChangesNoRowThatIsHeld) {
-  query(REPEATING);
-  answer({makeCompact(REPEATING, "C1")});
-  m_table->setAccount(A, false, false);
-  query(REPEATING);
-  const auto again = makeCompact(REPEATING, "C1");
-  again->unpaidAmount = 5;
-  answer({makeCompact(REPEATING, "C0"), makeCompact(REPEATING, "C1"), again});
-  EXPECT_THAT(kit::visible(*m_table, {"合约编号"}), ElementsAre("C0", "C1"));
+TEST_F(CCompactsTableTest, RecordsAlreadyHeldAreSkippedOnlyForACounterThatRepeats) {
+  for (const auto& [account, amount] : {std::make_pair(A, "5.00"), std::make_pair(REPEATING, "1,000.00")}) {
+    SCOPED_TRACE(account);
+    query(account);
+    m_table->refresh("", true, true);  // two answers will come for the same rows
+    m_runtime.settle();
+    m_runtime.counter().reply(lastRequest() - 1, {makeCompact(account, "C1")});
+    const auto again = makeCompact(account, "C1");
+    again->unpaidAmount = 5;
+    m_runtime.counter().reply(lastRequest(), {again, makeCompact(account, "C2")});
+    m_runtime.settle();
+    EXPECT_THAT(kit::visible(*m_table, {"合约编号", "未还金额"}),
+                ElementsAre("C1 | " + std::string(amount), "C2 | 1,000.00"));
+  }
+}
+
+TEST_F(CCompactsTableTest, CompactsWithoutPrioritySortLast) {
+  query(A);
+  std::vector<rdservice::IDataPtr> records;
+  for (const auto& [number, priority] : {std::make_pair("C1", 0), std::make_pair("C2", 70), std::make_pair("C3", 8)}) {
+    const auto record = makeCompact(A, number);
+    record->repayPriority = priority;
+    records.push_back(record);
+  }
+  answer(records);
+  int column = 0;
+  while (m_table->columnTitle(column) != QStringLiteral("偿还优先级")) ++column;
+  m_table->setSortColumn(column, Qt::AscendingOrder);
+  EXPECT_THAT(kit::visible(*m_table, NUMBER_AND_PRIORITY), ElementsAre("C3 | 8", "C2 | 70", "C1 | "));
+}
+
+/// A compact that cannot even tell its key.
+class CBrokenCompact : public rdservice::CStkUnClosedCompacts {
+ public:
+  std::string getKey() const override { throw std::runtime_error("broken record"); }
+  rdservice::IDataPtr copy() const override { return boost::make_shared<CBrokenCompact>(*this); }
+};
+
+TEST_F(CCompactsTableTest, AStrandTaskThatFailsEndsTheQuery) {
+  m_runtime.expectError("task failed");
+  query(A);
+  QSignalSpy done(m_table.get(), &CCompactsTable::sigQueryData);
+  answer({makeCompact(A, "C1"), boost::make_shared<CBrokenCompact>()});
+  EXPECT_EQ(m_runtime.logged("[unclosed compact] task failed : acc = 3.1001, what = broken record").size(), 1U);
+  EXPECT_EQ(done.count(), 1);
+  EXPECT_EQ(m_table->rowCount(), 0) << "no half page";
+}
+
+TEST_F(CCompactsTableTest, DestroyingItWaitsForTheTaskInside) {
+  query(A);
+  // The strand is held while it stores the reply: inside the table's task.
+  std::promise<void> inside;
+  std::promise<void> goOn;
+  std::atomic<bool> destroyed{false};
+  std::atomic<bool> outlived{false};
+  const auto subscription = dataOf(A)->subscribe(rdservice::RecordStkUnClosedCompacts, std::string(),
+                                                 [&](const std::vector<rdservice::IDataPtr>&) {
+                                                   inside.set_value();
+                                                   goOn.get_future().wait();
+                                                   outlived = destroyed.load();
+                                                 });
+  m_runtime.counter().reply(lastRequest(), {makeCompact(A, "C1")});
+  inside.get_future().wait();
+  QObject::connect(m_table.get(), &QObject::destroyed, [&destroyed] { destroyed = true; });
+  net::CTimerQueue timers;
+  timers.after(std::chrono::milliseconds(50), [&goOn] { goOn.set_value(); });
+  m_table.reset();
+  EXPECT_TRUE(destroyed);
+  EXPECT_FALSE(outlived);
 }
 
 TEST_F(CCompactsTableTest, RefusesToRefreshAnotherAccount) {
