@@ -4,6 +4,7 @@
 #include "compacts/CCompactsPanel.h"
 #include "compacts/tables/CCompactsTable.h"
 #include "gw/controls.h"
+#include "kit/CSignalCount.h"
 #include "kit/CTestRuntime.h"
 #include "rdservice/CStkUnClosedCompacts.h"
 #include "rdservice/TraderCenter.h"
@@ -16,7 +17,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -69,7 +69,7 @@ class DeskTest : public testing::Test {
     if (m_combo->currentKey() == QLatin1String(key)) return;
     const int index = m_combo->findData(QString::fromLatin1(key));
     ASSERT_GE(index, 0);
-    QSignalSpy emptied(m_table, &VN::CCompactsTable::sigQueryData);
+    kit::CSignalCount emptied(m_table, &VN::CCompactsTable::sigQueryData);
     m_combo->setCurrentIndex(index);
     ASSERT_TRUE(waitUntil([&emptied] { return emptied.count() > 0; }));
   }
@@ -148,7 +148,7 @@ TEST_F(DeskTest, ALateAnswerNeitherFreezesTheWindowNorShowsARowOfTheOldAccount) 
   m_window->client().setCounterLatency(LATE_MS);
   QTest::mouseClick(m_refresh, Qt::LeftButton);
   EXPECT_FALSE(m_combo->isEnabled());
-  QSignalSpy announced(m_table, &VN::CCompactsTable::sigQueryData);
+  kit::CSignalCount announced(m_table, &VN::CCompactsTable::sigQueryData);
   m_combo->setCurrentIndex(m_combo->findData(QString::fromLatin1(EMPTY)));
   utils::CEventLoopMeter meter(5, nullptr);
   int wrongRows = 0;

@@ -1,6 +1,7 @@
 #include "compacts/tables/CCompactsTable.h"
 
 #include "compacts/tables/compact_fields.h"
+#include "kit/CSignalCount.h"
 #include "kit/CTestRuntime.h"
 #include "kit/records.h"
 #include "net/CTimerQueue.h"
@@ -10,8 +11,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <QSignalSpy>
 
 #include <boost/make_shared.hpp>
 
@@ -129,7 +128,7 @@ TEST_F(CCompactsTableTest, AReplyForAnotherAccountOrTypeIsDroppedAndLogged) {
     const std::size_t request = lastRequest();
     c.change();
     m_runtime.settle();
-    QSignalSpy done(m_table.get(), &CCompactsTable::sigQueryData);
+    kit::CSignalCount done(m_table.get(), &CCompactsTable::sigQueryData);
     m_runtime.counter().reply(request, {makeCompact(A, "C1")});
     m_runtime.settle();
     EXPECT_EQ(m_runtime.logged(c.line).size(), 1U);
@@ -143,7 +142,7 @@ TEST_F(CCompactsTableTest, AFailureIsLoggedAndKeepsTheRows) {
   m_table->onPushData(makeCompact(A, "C1"));
   m_table->onPushData(boost::make_shared<rdservice::CStkClosedCompacts>());  // not this table's type
   m_runtime.settle();
-  QSignalSpy done(m_table.get(), &CCompactsTable::sigQueryData);
+  kit::CSignalCount done(m_table.get(), &CCompactsTable::sigQueryData);
   m_runtime.counter().fail(lastRequest(), 12, "柜台繁忙");
   m_runtime.settle();
   EXPECT_EQ(m_runtime.logged("[unclosed compact] query fail : acc = 3.1001, errmsg = 柜台繁忙").size(), 1U);
@@ -192,7 +191,7 @@ class CBrokenCompact : public rdservice::CStkUnClosedCompacts {
 TEST_F(CCompactsTableTest, AStrandTaskThatFailsEndsTheQuery) {
   m_runtime.expectError("task failed");
   query(A);
-  QSignalSpy done(m_table.get(), &CCompactsTable::sigQueryData);
+  kit::CSignalCount done(m_table.get(), &CCompactsTable::sigQueryData);
   answer({makeCompact(A, "C1"), boost::make_shared<CBrokenCompact>()});
   EXPECT_EQ(m_runtime.logged("[unclosed compact] task failed : acc = 3.1001, what = broken record").size(), 1U);
   EXPECT_EQ(done.count(), 1);
@@ -231,7 +230,7 @@ TEST_F(CCompactsTableTest, RefusesToRefreshAnotherAccount) {
   m_runtime.settle();
   EXPECT_EQ(m_runtime.counter().held().size(), requests);
   EXPECT_EQ(m_table->rowCount(), 1);
-  QSignalSpy done(m_table.get(), &CCompactsTable::sigQueryData);
+  kit::CSignalCount done(m_table.get(), &CCompactsTable::sigQueryData);
   m_table->setAccount(A, true, true);
   EXPECT_EQ(done.count(), 1);
 }
@@ -260,7 +259,7 @@ TEST_F(CGenericQueryTest, TheReplyReplacesTheSetAndFailuresAreAnnounced) {
   answer({makeCompact(A, "C2"), makeCompact(A, "C3")});
   EXPECT_THAT(kit::visible(*m_table, {"合约编号"}), ElementsAre("X1", "C2", "C3"));
 
-  QSignalSpy done(m_table.get(), &CCompactsTable::sigQueryData);
+  kit::CSignalCount done(m_table.get(), &CCompactsTable::sigQueryData);
   m_table->refresh("", true, true);
   m_runtime.settle();
   m_runtime.counter().fail(lastRequest(), 3, "柜台繁忙");

@@ -9,8 +9,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QSignalSpy>
-
 #include <boost/make_shared.hpp>
 
 #include <atomic>
@@ -141,7 +139,12 @@ TEST(CTradeClient, GenericQueriesReplaceTheSetAndAreAnnouncedEvenWhenTheyFail) {
 TEST(CTradeClient, LoginStatusFollowsTheCounter) {
   CTestRuntime runtime;
   CTradeClient* client = CTradeClient::instance();
-  QSignalSpy logins(client, &CTradeClient::sigLoginStatus);
+  std::vector<rdservice::EBROKER_LOGIN_STATUS> logins;
+  QObject here;
+  QObject::connect(client, &CTradeClient::sigLoginStatus, &here,
+                   [&](const rdservice::CAccountInfoPtr&, rdservice::EBROKER_LOGIN_STATUS status, const std::string&) {
+                     logins.push_back(status);
+                   });
   EXPECT_EQ(client->getLoginStatus(A), rdservice::LoginStatusReady);
   EXPECT_EQ(client->getLoginStatus("3.9999"), rdservice::LoginStatusNone);
   client->setLogin(A, false);
@@ -150,8 +153,8 @@ TEST(CTradeClient, LoginStatusFollowsTheCounter) {
   client->setLogin(A, true);
   runtime.settle();
   EXPECT_EQ(client->getLoginStatus(A), rdservice::LoginStatusReady);
-  ASSERT_EQ(logins.count(), 3);
-  EXPECT_EQ(logins[1][1].value<rdservice::EBROKER_LOGIN_STATUS>(), rdservice::LoginStatusLoggingIn);
+  EXPECT_THAT(logins, testing::ElementsAre(rdservice::LoginStatusLoggedOut, rdservice::LoginStatusLoggingIn,
+                                           rdservice::LoginStatusReady));
 }
 
 }  // namespace
