@@ -6,6 +6,7 @@
 
 #include "utils/threads.h"
 
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <chrono>
@@ -17,6 +18,7 @@ namespace {
 // Taking rows over, with their sort keys, is given half of a turn's 8 ms; ordering them and the view's share take the
 // rest.
 constexpr std::chrono::milliseconds TAKING_TIME{4};
+constexpr int NEXT_TURN_MS = 1;
 constexpr std::size_t ROWS_PER_STEP = 1024;
 constexpr std::size_t ROWS_PER_TURN = 25 * ROWS_PER_STEP;
 
@@ -91,9 +93,13 @@ void CBaseHighPerformanceTable::updateTable() {
     isDone = drainTable(*m_d->store, m_d->model, limits);
   }
   m_d->isUpdating = false;
-  if (!isDone)
-    QMetaObject::invokeMethod(
-        this, [this] { updateTable(); }, Qt::QueuedConnection);
+  // The next turn also waits for a writer that holds the rows; a millisecond keeps the loop from spinning meanwhile.
+  if (isDone || m_d->isGoingOn) return;
+  m_d->isGoingOn = true;
+  QTimer::singleShot(NEXT_TURN_MS, this, [this] {
+    m_d->isGoingOn = false;
+    updateTable();
+  });
 }
 
 bool CBaseHighPerformanceTable::isUpToDate() const {

@@ -24,6 +24,7 @@ struct CBaseHighPerformanceTable::Private {
   CTableView* view;  ///< child of the table, deleted before the model
   int recordType = 0;
   bool isUpdating = false;
+  bool isGoingOn = false;  ///< the next turn of updateTable is on its way
 };
 
 }  // namespace GW

@@ -87,7 +87,16 @@ bool CTableStore::hasText(int column) const {
 }
 
 bool CTableStore::drain(std::size_t limit, CTableDrain& drain) {
-  CMutexLock lock(m_mutex);
+  if (!m_mutex.tryLock()) {
+    drain.isBusy = true;
+    return true;
+  }
+  const bool isMore = take(limit, drain);
+  m_mutex.unlock();
+  return isMore;
+}
+
+bool CTableStore::take(std::size_t limit, CTableDrain& drain) {
   m_isWoken = false;
   if (hasDropped()) {
     if (!drain.rows.empty() || drain.cleared || drain.replaced) return true;

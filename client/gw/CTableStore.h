@@ -36,6 +36,7 @@ struct CTableDrain {
   bool replaced = false;      ///< rows are dropped and renumbered by `newSlots`
   std::vector<int> newSlots;  ///< by old slot: the new one, -1 for dropped
   std::vector<CDrainedRow> rows;
+  bool isBusy = false;  ///< a writer held the lock: nothing more was taken
 };
 
 /// The side of a table that all threads share: what was handed over, and which of it the GUI side has not taken yet.
@@ -70,7 +71,7 @@ class CTableStore {
   bool hasText(int column) const;
 
   /// Takes up to `limit` changed rows and appends them to `drain`; true when changes are left. Dropped rows are
-  /// reported only to an empty `drain`. GUI thread.
+  /// reported only to an empty `drain`. Does not wait for a writer: takes nothing while one holds the lock. GUI thread.
   bool drain(std::size_t limit, CTableDrain& drain);
   bool isDrained() const;
 
@@ -97,6 +98,7 @@ class CTableStore {
     std::size_t size() const { return rows.size() + nodes.size() + records.size(); }
   };
 
+  bool take(std::size_t limit, CTableDrain& drain) TS_REQUIRES(m_mutex);
   void clearRows(CGarbage& garbage) TS_REQUIRES(m_mutex);
   void renumber(const std::vector<int>& newSlots, CGarbage& garbage) TS_REQUIRES(m_mutex);
   void dropAbsent(const CTableChanges& changes, CGarbage& garbage) TS_REQUIRES(m_mutex);

@@ -21,8 +21,9 @@ bool drainTable(CTableStore& store, CTableModel& model, const CDrainLimits& limi
       if (drain.rows.size() == before) break;
       model.prepare(drain);
     } while (isMore && taken < limits.rowsPerTurn && !limits.isTimeUp());
+    const bool isBusy = drain.isBusy;
     model.apply(std::move(drain));
-    if (limits.isTimeUp()) break;
+    if (isBusy || limits.isTimeUp()) break;
   }
   return !isMore;
 }

@@ -14,6 +14,7 @@ class TS_CAPABILITY("mutex") CMutex {
  public:
   void lock() TS_ACQUIRE() { m_mutex.lock(); }
   void unlock() TS_RELEASE() { m_mutex.unlock(); }
+  bool tryLock() TS_TRY_ACQUIRE(true) { return m_mutex.try_lock(); }
 
  private:
   friend class CMutexLock;

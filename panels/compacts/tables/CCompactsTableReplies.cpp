@@ -238,7 +238,6 @@ void CCompactsTable::writeRow(const IDataPtr& record) {
   const QString key = QString::fromStdString(compact.getKey());
   m_priorityText->setPriority(key, compact.repayPriority);
   m_priorityText->setItemText(key, compact.repayPriority != 0 ? QString::number(compact.repayPriority) : QString());
-  m_priorityText->setItemVisible(key, true);
 }
 
 }  // namespace VN
