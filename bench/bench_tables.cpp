@@ -4,6 +4,7 @@
 #include "net/engine_factory.h"
 #include "rdservice/CStkUnClosedCompacts.h"
 #include "rdservice/data_centre_factory.h"
+#include "utils/CEventLoopMeter.h"
 #include "vn/CHpfDataTable.h"
 
 #include <benchmark/benchmark.h>
@@ -12,7 +13,9 @@
 
 #include <boost/make_shared.hpp>
 
+#include <algorithm>
 #include <random>
+#include <thread>
 
 namespace {
 
@@ -73,6 +76,34 @@ void loadTable(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(loadTable)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+/// The same from another thread, as the strand does it; `gap_ms` is the longest time the event loop did not turn.
+void loadTableFromAnotherThread(benchmark::State& state) {
+  double gap = 0;
+  for (auto _ : state) {
+    state.PauseTiming();
+    const std::vector<IDataPtr> records = makeRecords(state.range(0), 1);
+    auto table = std::make_unique<VN::CHpfDataTable>(0, 13916, nullptr, 255);
+    table->resize(1200, 600);
+    table->show();
+    QCoreApplication::processEvents();
+    utils::CEventLoopMeter meter(2, nullptr);
+    state.ResumeTiming();
+    std::thread writer([&] {
+      GW::CTableBatch batch(*table, table->scope());
+      table->updateDatas(records, true);
+      benchmark::DoNotOptimize(batch.commit());
+    });
+    while (table->rowCount() < int(records.size())) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    writer.join();
+    state.PauseTiming();
+    gap = std::max(gap, meter.longestGap());
+    table.reset();
+    state.ResumeTiming();
+  }
+  state.counters["gap_ms"] = gap;
+}
+BENCHMARK(loadTableFromAnotherThread)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 /// A hundred changed records pushed into a sorted table and displayed.
 void pushIntoTable(benchmark::State& state) {
