@@ -47,8 +47,9 @@ const CTableColumn* CTableModel::column(int columnId) const {
 
 void CTableModel::setDelegate(int columnId, std::unique_ptr<CBaseTableColumnWidgetDelegate> delegate) {
   m_columns[at(columnId)].delegate = std::move(delegate);
-  if (!m_rows.empty()) Q_EMIT
-  dataChanged(index(0, columnId), index(rowCount() - 1, columnId));
+  if (!m_rows.empty()) {
+    Q_EMIT dataChanged(index(0, columnId), index(rowCount() - 1, columnId));
+  }
   if (columnId == m_sortColumn) setSort(m_sortColumn, m_sortOrder);
 }
 
