@@ -112,8 +112,7 @@ void CTableModel::dropRows(const std::vector<int>& newSlots) {
   if (at(kept) == rows.size()) return;
   // The dropped rows go to the end first, so that one signal removes them all.
   setOrder(std::move(rows));
-  Q_EMIT
-  sigRowsDropping(kept);
+  Q_EMIT sigRowsDropping(kept);
 
   beginRemoveRows(QModelIndex(), kept, static_cast<int>(m_rows.size()) - 1);
   m_rows.resize(at(kept));
@@ -170,8 +169,7 @@ void CTableModel::reorder(std::vector<int> movedSlots) {
 void CTableModel::setOrder(std::vector<int> rows) {
   if (rows == m_rows) return;
   // The hint keeps the header from looking at its columns.
-  Q_EMIT
-  layoutAboutToBeChanged({}, VerticalSortHint);
+  Q_EMIT layoutAboutToBeChanged({}, VerticalSortHint);
   const QModelIndexList before = persistentIndexList();
   std::vector<int> slotOf;
   slotOf.reserve(static_cast<std::size_t>(before.size()));
@@ -184,8 +182,7 @@ void CTableModel::setOrder(std::vector<int> rows) {
   after.reserve(before.size());
   for (int i = 0; i < before.size(); ++i) after.push_back(index(m_rowOf[at(slotOf[at(i)])], before[i].column()));
   changePersistentIndexList(before, after);
-  Q_EMIT
-  layoutChanged({}, VerticalSortHint);
+  Q_EMIT layoutChanged({}, VerticalSortHint);
 }
 
 void CTableModel::emitChanged(std::vector<int> rows) {
@@ -199,8 +196,7 @@ void CTableModel::emitChanged(std::vector<int> rows) {
       ranges.emplace_back(row, row);
   }
   if (ranges.size() > MAX_CHANGE_SIGNALS) ranges = {{rows.front(), rows.back()}};
-  for (const auto& [first, last] : ranges) Q_EMIT
-  dataChanged(index(first, 0), index(last, columnCount() - 1));
+  for (const auto& [first, last] : ranges) Q_EMIT dataChanged(index(first, 0), index(last, columnCount() - 1));
 }
 
 const CShownRow& CTableModel::shownAt(int row) const { return m_shown[at(m_rows[at(row)])]; }

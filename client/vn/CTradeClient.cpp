@@ -182,8 +182,7 @@ void CTradeClient::Private::onLoginStatus(const std::string& accountKey, rdservi
     account = found->second;
     loginStatus[accountKey] = status;
   }
-  Q_EMIT
-  q->sigLoginStatus(account, status, text);
+  Q_EMIT q->sigLoginStatus(account, status, text);
 }
 
 void CTradeClient::Private::takeAccounts(const std::vector<IDataPtr>& records) {
@@ -204,8 +203,7 @@ void CTradeClient::Private::takeAccounts(const std::vector<IDataPtr>& records) {
       loginStatus.emplace(info->getKey(), rdservice::LoginStatusLoggedOut);
     }
   }
-  Q_EMIT
-  q->sigAccountsChanged();
+  Q_EMIT q->sigAccountsChanged();
   for (const auto& info : infos)
     if (info->autoLogin != 0) q->setLogin(info->getKey(), true);
 }
@@ -232,8 +230,7 @@ void CTradeClient::Private::queryAccounts() {
 void CTradeClient::Private::failStart(const char* what, const utils::RDError& error) {
   if (error.errorCode() == utils::RDError::Stopped) return;
   utils::logError(START_SITE, "[start] {0} : errmsg = {1}", what, error.errorMsg());
-  Q_EMIT
-  q->sigStartFailed(QString::fromStdString(error.errorMsg()));
+  Q_EMIT q->sigStartFailed(QString::fromStdString(error.errorMsg()));
 }
 
 void CTradeClient::Private::stop() {

@@ -132,7 +132,6 @@ TEST(HpfDataTable, menuCopiesSelectedRowsAsShown) {
     menu->actions().front()->trigger();
     menu->close();
   });
-  Q_EMIT
-  view->customContextMenuRequested(QPoint(5, 5));
+  Q_EMIT view->customContextMenuRequested(QPoint(5, 5));
   EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("7\t600000\n7\t600002"));
 }

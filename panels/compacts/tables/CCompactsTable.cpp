@@ -23,14 +23,7 @@ QString priorityTextTitle() { return QStringLiteral("偿还优先级"); }
 CCompactsTable::CCompactsTable(int tableId, int secondId, QWidget* parent)
     : CCompactsBaseTable(tableId, secondId, parent),
       m_calcCompactType(rdservice::ConfigCollector::instance()->calcCompactType()) {
-  setSignals({[this] {
-                Q_EMIT
-                sigQueryData();
-              },
-              [this] {
-                Q_EMIT
-                sigUpdateTable();
-              }});
+  setSignals({[this] { Q_EMIT sigQueryData(); }, [this] { Q_EMIT sigUpdateTable(); }});
   setObjectName(QStringLiteral("compactsTable%1").arg(tableId));
   setTradeType(rdservice::TraderTypeStockCredit);
   connect(this, &CCompactsTable::sigQueryData, this, &CCompactsTable::slotQueryData);
@@ -96,8 +89,7 @@ bool CCompactsTable::refresh(const std::string& account, bool flag, bool) {
 }
 
 void CCompactsTable::clearTable(const std::string& account) {
-  if (account == currentAccount()) Q_EMIT
-  sigClearTable(account);
+  if (account == currentAccount()) Q_EMIT sigClearTable(account);
 }
 
 void CCompactsTable::slotQueryData() { updateTable(); }
