@@ -32,6 +32,8 @@ class CMainWindow : public QMainWindow {
 
   VN::CCompactsPanel* panel() const { return m_panel; }
   runtime::CClientRuntime& client() const { return *m_client; }
+  /// Longest time that the event loop did not turn since the panels were docked, milliseconds.
+  double longestGap() const { return m_meter.longestGap(); }
   /// Why the counter could not be used; empty while it can.
   const QString& startFailure() const { return m_startFailure; }
 

@@ -48,7 +48,10 @@ void CShotWalk::addAccountSteps() {
 }
 
 void CShotWalk::timerEvent(QTimerEvent*) {
-  if (m_next >= m_steps.size()) return finish(0);
+  if (m_next >= m_steps.size()) {
+    std::printf("longest time without a turn of the event loop: %.1f ms\n", m_window.longestGap());
+    return finish(0);
+  }
   if (!m_acted) {
     m_acted = true;
     m_waited.restart();

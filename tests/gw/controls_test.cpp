@@ -4,6 +4,7 @@
 #include "gw/CBaseWidget.h"
 #include "gw/CMessageBox.h"
 #include "gw/widget_events.h"
+#include "kit/CExpectedBoxes.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -126,18 +127,15 @@ TEST(Controls, radioButtonsReportOnlyTheUsersChoice) {
   EXPECT_EQ(group.button(99), nullptr);
 }
 
-TEST(Controls, messageBoxReturnsTheButton) {
-  QString title, text, yes;
-  QTimer::singleShot(0, [&] {
-    auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-    ASSERT_NE(box, nullptr);
-    title = box->windowTitle();
-    text = box->text();
-    yes = box->button(QMessageBox::Yes)->text();
-    box->button(QMessageBox::No)->click();
-  });
-  EXPECT_EQ(GW::CMessageBox::question(nullptr, QString::fromUtf8("提示"), QStringLiteral("<b>1</b>")), QMessageBox::No);
-  EXPECT_EQ(title, QString::fromUtf8("提示"));
-  EXPECT_EQ(text, QStringLiteral("<b>1</b>"));
-  EXPECT_EQ(yes, QString::fromUtf8("是"));
+TEST(Controls, messageBoxesReturnTheirButton) {
+  using FBox = int (*)(QWidget*, const QString&, const QString&, QMessageBox::StandardButtons);
+  const QString title = QString::fromUtf8("提示");
+  const QString text = QStringLiteral("<b>1</b>");
+  kit::CExpectedBoxes boxes;
+  for (const FBox box : {&GW::CMessageBox::information, &GW::CMessageBox::warning, &GW::CMessageBox::question}) {
+    for (const auto answer : {QMessageBox::Yes, QMessageBox::No}) {
+      boxes.expect(title, text, answer);
+      EXPECT_EQ(box(nullptr, title, text, QMessageBox::Yes | QMessageBox::No), answer);
+    }
+  }
 }
