@@ -32,8 +32,11 @@ class CMainWindow : public QMainWindow {
 
   VN::CCompactsPanel* panel() const { return m_panel; }
   runtime::CClientRuntime& client() const { return *m_client; }
-  /// Longest time that the event loop did not turn since the panels were docked, milliseconds.
+  /// Longest time that the event loop did not turn since the panels were docked or `restartMeter`,
+  /// milliseconds.
   double longestGap() const { return m_meter.longestGap(); }
+  /// Measures anew from now on.
+  void restartMeter() { m_meter.reset(); }
   /// Why the counter could not be used; empty while it can.
   const QString& startFailure() const { return m_startFailure; }
 

@@ -36,4 +36,5 @@ class CShotWalk : public QObject {
   std::size_t m_next = 0;
   bool m_acted = false;
   QElapsedTimer m_waited;
+  double m_longestGap = 0;
 };
