@@ -29,7 +29,7 @@ using kit::waitUntil;
 
 constexpr const char* LARGE = "3.60010001";  // 5,000 unclosed compacts
 constexpr const char* EMPTY = "3.60010004";
-constexpr int LATE_MS = 400;
+constexpr int LATE_MS = 1500;
 
 /// Unpaid yuan by compact key.
 using CAmounts = std::map<std::string, double>;
