@@ -14,6 +14,7 @@
 #include <boost/make_shared.hpp>
 
 #include <algorithm>
+#include <memory>
 #include <random>
 #include <thread>
 
@@ -49,6 +50,16 @@ std::vector<IDataPtr> makeRecords(std::int64_t count, unsigned seed) {
   return records;
 }
 
+/// A table on the screen, in order of arrival or sorted by an amount.
+std::unique_ptr<VN::CHpfDataTable> makeTable(bool sorted) {
+  auto table = std::make_unique<VN::CHpfDataTable>(0, 13916, nullptr, 255);
+  table->resize(1200, 600);
+  table->show();
+  if (sorted) table->setSortColumn(table->getColumnIdByFileId(1391609), Qt::AscendingOrder);
+  QCoreApplication::processEvents();
+  return table;
+}
+
 void showAll(VN::CHpfDataTable& table) {
   table.updateTable();
   while (!table.isUpToDate()) QCoreApplication::processEvents();
@@ -59,11 +70,7 @@ void loadTable(benchmark::State& state) {
   for (auto _ : state) {
     state.PauseTiming();
     const std::vector<IDataPtr> records = makeRecords(state.range(0), 1);
-    auto table = std::make_unique<VN::CHpfDataTable>(0, 13916, nullptr, 255);
-    table->resize(1200, 600);
-    table->show();
-    table->setSortColumn(table->getColumnIdByFileId(1391609), Qt::AscendingOrder);
-    QCoreApplication::processEvents();
+    auto table = makeTable(true);
     state.ResumeTiming();
     GW::CTableBatch batch(*table, table->scope());
     table->updateDatas(records, false);
@@ -83,10 +90,7 @@ void loadTableFromAnotherThread(benchmark::State& state) {
   for (auto _ : state) {
     state.PauseTiming();
     const std::vector<IDataPtr> records = makeRecords(state.range(0), 1);
-    auto table = std::make_unique<VN::CHpfDataTable>(0, 13916, nullptr, 255);
-    table->resize(1200, 600);
-    table->show();
-    QCoreApplication::processEvents();
+    auto table = makeTable(false);
     utils::CEventLoopMeter meter(2, nullptr);
     state.ResumeTiming();
     std::thread writer([&] {
@@ -107,13 +111,10 @@ BENCHMARK(loadTableFromAnotherThread)->Arg(10000)->Arg(100000)->Unit(benchmark::
 
 /// A hundred changed records pushed into a sorted table and displayed.
 void pushIntoTable(benchmark::State& state) {
-  VN::CHpfDataTable table(0, 13916, nullptr, 255);
-  table.resize(1200, 600);
-  table.show();
-  table.setSortColumn(table.getColumnIdByFileId(1391609), Qt::AscendingOrder);
+  const auto table = makeTable(true);
   const std::vector<IDataPtr> records = makeRecords(state.range(0), 1);
-  table.updateDatas(records, false);
-  showAll(table);
+  table->updateDatas(records, false);
+  showAll(*table);
   std::mt19937 random(2);
   for (auto _ : state) {
     state.PauseTiming();
@@ -125,8 +126,8 @@ void pushIntoTable(benchmark::State& state) {
       changed.push_back(copy);
     }
     state.ResumeTiming();
-    table.updateDatas(changed, false);
-    showAll(table);
+    table->updateDatas(changed, false);
+    showAll(*table);
   }
 }
 BENCHMARK(pushIntoTable)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
