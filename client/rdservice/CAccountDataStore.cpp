@@ -44,21 +44,21 @@ void CAccountData::Private::storeItem(CItem& item, bool keepNewer) {
   CTypeStore& store = item.type->store;
   const std::size_t place = store.find(item.key);
   const std::uint64_t mark = CDataVersion::mark(*item.record);
-  const std::uint64_t basis = mark != 0 ? mark : lastVersion + 1;
+  // Marks are taken at any moment: the basis of a push is a number given now, which no earlier mark can have.
+  const auto basis = [mark](const IDataPtr& published) { return mark != 0 ? mark : published->version(); };
   if (place == CTypeStore::NONE) {
     item.held = publish(item.record, mark != 0);
-    store.append(item.key, item.held, basis);
+    store.append(item.key, item.held, basis(item.held));
   } else {
     item.held = store.at(place);
     if (keepNewer && item.record->version() < item.held->version()) return;
     if (mark != 0 && mark < store.basis(place)) return;
     if (sameFields(*item.record, *item.held)) {
-      store.setBasis(place, basis);
-      if (mark == 0) ++lastVersion;  // a later mark must exceed the basis
+      store.setBasis(place, mark != 0 ? mark : ++lastVersion);
       return;
     }
     item.held = publish(item.record, mark != 0);
-    item.replaced = store.replace(place, item.held, basis);
+    item.replaced = store.replace(place, item.held, basis(item.held));
   }
   ++item.type->generation;
   item.isChanged = true;
