@@ -55,6 +55,7 @@ void CAccountData::Private::storeItem(CItem& item, bool keepNewer) {
     if (mark != 0 && mark < store.basis(place)) return;
     if (sameFields(*item.record, *item.held)) {
       store.setBasis(place, mark != 0 ? mark : ++lastVersion);
+      ++item.type->generation;  // a set that is being compared with the store must look at the basis again
       return;
     }
     item.held = publish(item.record, mark != 0);

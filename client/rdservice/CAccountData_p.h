@@ -18,7 +18,7 @@ struct CAccountData::Private {
 
   struct CTypeEntry {
     CTypeStore store;
-    std::uint64_t generation = 0;  ///< counts the changes of the store
+    std::uint64_t generation = 0;  ///< counts the changes of the store and of its bases
   };
 
   /// A record on its way into the store. Of several with one key in a batch only the last is stored.
