@@ -1,5 +1,7 @@
 #include "gw/CRowSorter.h"
 
+#include "gw/CRowText.h"
+
 #include "rdservice/CInternedText.h"
 
 #include <QLocale>

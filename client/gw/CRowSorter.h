@@ -1,5 +1,6 @@
 #pragma once
 
+#include "gw/CTableChanges.h"
 #include "gw/CTableColumn.h"
 
 #include <QCollator>

@@ -17,14 +17,6 @@ bool isText(const rdservice::CFieldDes& field) {
 
 }  // namespace
 
-QString cellTextOf(const CTableColumn& column, int columnId, const CShownRow& row) {
-  if (column.delegate) {
-    const CItemState& item = itemOf(row.items, columnId);
-    return item.visible ? item.text : QString();
-  }
-  return column.field == nullptr ? QString() : QString::fromStdString(rdservice::fieldText(*column.field, *row.record));
-}
-
 Qt::Alignment alignmentOf(const rdservice::CFieldDes& field) {
   if (isCode(field)) return Qt::AlignCenter;
   return Qt::AlignVCenter | (isText(field) ? Qt::AlignLeft : Qt::AlignRight);

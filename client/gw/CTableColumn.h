@@ -1,7 +1,5 @@
 #pragma once
 
-#include "gw/CTableChanges.h"
-
 #include "gw/column_delegates.h"
 #include "rdservice/CStructDes.h"
 
@@ -20,9 +18,6 @@ struct CTableColumn {
   int width = 0;  ///< pixels, also while hidden
   std::unique_ptr<CBaseTableColumnWidgetDelegate> delegate;
 };
-
-/// The text of a cell; without a delegate or field it is empty.
-QString cellTextOf(const CTableColumn& column, int columnId, const CShownRow& row);
 
 /// Numbers right, texts left, codes and dates centred.
 Qt::Alignment alignmentOf(const rdservice::CFieldDes& field);

@@ -1,5 +1,6 @@
 #include "gw/CTableModel.h"
 
+#include "gw/CRowText.h"
 #include "gw/CUiResource.h"
 #include "gw/table_release.h"
 

@@ -4,11 +4,11 @@
 #include "rdservice/CInternedText.h"
 #include "rdservice/TypeManager.h"
 #include "rdservice/calendar_text.h"
+#include "rdservice/number_text.h"
 #include "rdservice/rdservice_enums.h"
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <cassert>
 #include <cmath>
 
@@ -16,23 +16,12 @@ namespace rdservice {
 
 namespace {
 
-/// Puts a comma before every third digit left of the point. `number` is decimal, with or without sign and fraction.
-std::string grouped(std::string number) {
-  const std::size_t firstDigit = number[0] == '-' ? 1 : 0;
-  std::size_t position = std::min(number.find('.'), number.size());
-  while (position > firstDigit + 3) {
-    position -= 3;
-    number.insert(position, 1, ',');
-  }
-  return number;
-}
-
 std::string integerText(const CFieldDes& field, std::int64_t value) {
   switch (field.format) {
     case EFieldFormat::Enum:
       return TypeManager::getEnumItemName(field.enumType, static_cast<int>(value), TraderTypeStockCredit);
     case EFieldFormat::Date: return dateText(static_cast<std::int32_t>(value));
-    case EFieldFormat::Volume: return grouped(std::to_string(value));
+    case EFieldFormat::Volume: return groupedText(std::to_string(value));
     case EFieldFormat::Plain:
     case EFieldFormat::Amount: break;
   }
@@ -44,7 +33,7 @@ std::string doubleText(const CFieldDes& field, double value) {
   if (field.format != EFieldFormat::Amount) return fmt::format("{}", value);
   std::string text = fmt::format("{:.2f}", value);
   if (text == "-0.00") text.erase(0, 1);
-  return grouped(std::move(text));
+  return groupedText(std::move(text));
 }
 
 std::string charText(const CFieldDes& field, char value) {

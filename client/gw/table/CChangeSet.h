@@ -1,0 +1,96 @@
+#pragma once
+
+#include "rdservice/IData.h"
+
+#include <QString>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+namespace GW {
+
+class CSharedRows;
+
+enum class EItemPart : unsigned char {
+  Text,
+  Visible,
+  Enabled,
+  Checked,
+  CheckedAlone,  ///< as Checked; when on, every other key of the column is unchecked
+  Value,
+  ResetColumn,  ///< unsets every key of the column; without a key
+};
+
+struct CItemChange {
+  EItemPart part = EItemPart::Text;
+  int column = -1;
+  std::string key;
+  QString text;             ///< part Text
+  bool on = false;          ///< parts Visible, Enabled, Checked, CheckedAlone
+  qint64 value = 0;         ///< part Value
+  std::size_t records = 0;  ///< how many records had been gathered before it
+  std::uint64_t hash = 0;   ///< of the key; set when the change is gathered
+};
+
+/// What a batch has gathered. It is applied in this order: clear, drop, records and items as they were gathered. An
+/// item goes with the last record of its key gathered before it, and is ignored when that record is.
+class CChangeSet {
+ public:
+  struct CRecord {
+    std::uint64_t hash;  ///< of the key; made, like the key, by the writing thread before any lock
+    std::uint32_t keyBegin;
+    std::uint32_t keySize;
+    rdservice::IDataPtr record;
+  };
+
+  /// A null record is ignored.
+  void add(const rdservice::IDataPtr& record);
+  void add(CItemChange item);
+  /// For so many records more.
+  void reserve(std::size_t count);
+
+  std::string_view key(const CRecord& record) const { return {m_keys.data() + record.keyBegin, record.keySize}; }
+  /// Of all records together.
+  std::size_t keyBytes() const { return m_keys.size(); }
+  bool isEmpty() const { return records.empty() && items.empty(); }
+
+  std::vector<CRecord> records;
+  std::vector<CItemChange> items;
+  std::function<bool(const rdservice::IData&)> belongs;  ///< with it, such rows go unless they are gathered
+  bool clearFirst = false;
+  bool refresh = false;  ///< wake the GUI thread after the commit
+
+ private:
+  std::vector<char> m_keys;  ///< of the records, one after another
+};
+
+/// While it lives, changes that this thread makes to a table are gathered in it. They nest, and stand on the stack of
+/// one thread; the innermost one of a table takes the changes.
+class CChangeGatherer {
+ public:
+  /// `rows` is only compared, never used.
+  explicit CChangeGatherer(const CSharedRows* rows);
+  ~CChangeGatherer();
+  CChangeGatherer(const CChangeGatherer&) = delete;
+  CChangeGatherer& operator=(const CChangeGatherer&) = delete;
+
+  /// Ends the gathering; what was gathered stays.
+  void stop();
+  bool isGathering() const { return m_rows != nullptr; }
+
+  /// The innermost gatherer of this thread for that table; null when there is none.
+  static CChangeSet* find(const CSharedRows* rows);
+
+  CChangeSet changes;
+
+ private:
+  const CSharedRows* m_rows;
+  CChangeGatherer* m_outer;
+  std::thread::id m_thread;
+};
+
+}  // namespace GW

@@ -1,0 +1,86 @@
+#include "gw/table/CColumnSum.h"
+
+#include "rdservice/number_text.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <string>
+
+namespace GW {
+
+using rdservice::EFieldFormat;
+using rdservice::EFieldType;
+
+namespace {
+
+constexpr std::int64_t PARTS = 100000000;
+
+}  // namespace
+
+bool CColumnSum::isSummable(const CTableColumn& column) {
+  if (column.delegate) return false;
+  if (column.field == nullptr) return true;
+  switch (column.field->format) {
+    case EFieldFormat::Volume:
+    case EFieldFormat::Amount: return true;
+    case EFieldFormat::Plain: return column.field->type == EFieldType::Double;
+    case EFieldFormat::Enum:
+    case EFieldFormat::Date: break;
+  }
+  return false;
+}
+
+void CColumnSum::change(const CTableColumn& column, const CCell& cell, int sign) {
+  if (column.field == nullptr) {
+    m_units += sign * cell.value();
+    return;
+  }
+  const rdservice::IData& record = *cell.record;
+  switch (column.field->type) {
+    case EFieldType::Int32: m_units += sign * std::int64_t{column.field->get<std::int32_t>(record)}; break;
+    case EFieldType::Int64: m_units += sign * column.field->get<std::int64_t>(record); break;
+    case EFieldType::Double: changeBy(column.field->get<double>(record), sign); break;
+    default: break;
+  }
+}
+
+void CColumnSum::changeBy(double amount, int sign) {
+  constexpr double LIMIT = 1e15;
+  if (!(std::fabs(amount) < LIMIT)) {
+    m_unsummable += sign;
+    return;
+  }
+  const auto units = static_cast<std::int64_t>(amount);
+  m_units += sign * units;
+  m_parts += sign * static_cast<std::int64_t>(std::llround((amount - static_cast<double>(units)) * double{PARTS}));
+  m_units += m_parts / PARTS;
+  m_parts %= PARTS;
+}
+
+QString CColumnSum::text(const CTableColumn& column) const {
+  if (m_unsummable > 0) return QStringLiteral("-");
+  if (column.field == nullptr || column.field->type != EFieldType::Double)
+    return QString::fromStdString(rdservice::groupedText(std::to_string(m_units)));
+  constexpr std::int64_t CENTS = 100;
+  constexpr std::int64_t PARTS_OF_CENT = PARTS / CENTS;
+  // Units and parts may have different signs.
+  const std::int64_t half = PARTS_OF_CENT / 2;
+  std::int64_t units = m_units;
+  std::int64_t parts = m_parts;
+  if (units > 0 && parts < 0) {
+    --units;
+    parts += PARTS;
+  } else if (units < 0 && parts > 0) {
+    ++units;
+    parts -= PARTS;
+  }
+  const bool isNegative = units < 0 || parts < 0;
+  std::int64_t cents = ((isNegative ? -parts : parts) + half) / PARTS_OF_CENT;
+  units = (isNegative ? -units : units) + cents / CENTS;
+  cents %= CENTS;
+  const char* sign = isNegative && (units != 0 || cents != 0) ? "-" : "";
+  return QString::fromStdString(rdservice::groupedText(fmt::format("{}{}.{:02}", sign, units, cents)));
+}
+
+}  // namespace GW

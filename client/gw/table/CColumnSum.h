@@ -1,0 +1,35 @@
+#pragma once
+
+#include "gw/CTableColumn.h"
+#include "gw/table/CCell.h"
+
+#include <QString>
+
+#include <cstdint>
+
+namespace GW {
+
+/// The exact sum of a column's numbers, kept while rows come, change and go: whole units and 1e-8 parts are added as
+/// integers, so that nothing is lost however often. GUI thread.
+class CColumnSum {
+ public:
+  /// Whether the column's cells can be summed up: volumes, amounts and other numbers that are no codes, and added
+  /// columns.
+  static bool isSummable(const CTableColumn& column);
+
+  void add(const CTableColumn& column, const CCell& cell) { change(column, cell, 1); }
+  void subtract(const CTableColumn& column, const CCell& cell) { change(column, cell, -1); }
+
+  /// As the column shows numbers; "-" while a cell is not finite or too large to be summed.
+  QString text(const CTableColumn& column) const;
+
+ private:
+  void change(const CTableColumn& column, const CCell& cell, int sign);
+  void changeBy(double amount, int sign);
+
+  std::int64_t m_units = 0;
+  std::int64_t m_parts = 0;  ///< of 1e-8
+  int m_unsummable = 0;
+};
+
+}  // namespace GW

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "gw/CTableColumn.h"
+#include "gw/table/CCell.h"
+#include "gw/table/CTextOrder.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace GW {
+
+/// The sort keys of one column by slot: numbers by number, codes by code, texts as `CTextOrder` says, boxes by their
+/// state, editors by their number. GUI thread.
+class CKeyColumn {
+ public:
+  /// The column lives longer and keeps its delegate.
+  explicit CKeyColumn(const CTableColumn& column);
+
+  /// Calls a delegate's order function, if it has one.
+  std::uint64_t make(const CCell& cell);
+  /// Whether cells of this key may yet differ; then `compare` tells.
+  bool decides(std::uint64_t key) const;
+  /// Of two cells with that same key: negative, zero or positive.
+  int compare(const CCell& a, const CCell& b) const;
+  /// True when every key must be made anew.
+  bool isVoid() { return m_texts.renumberIfNeeded(); }
+
+  std::vector<std::uint64_t> keys;  ///< by slot
+
+ private:
+  enum EKind : unsigned char { None, Field, Interned, Text, Account, Check, Value, NumberText, ItemText };
+
+  std::uint64_t makeField(const rdservice::IData& record) const;
+  std::uint64_t makeNumberText(const QString& text);
+
+  const CTableColumn& m_column;
+  EKind m_kind = None;
+  CTextOrder m_texts;
+};
+
+}  // namespace GW

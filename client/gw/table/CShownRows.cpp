@@ -1,0 +1,223 @@
+// Columns, cells and order of the displayed rows.
+
+#include "gw/table/CShownRows.h"
+
+#include "gw/table/CShownRowsPrivate.h"
+#include "gw/table/cell_text.h"
+#include "gw/table/item_columns.h"
+#include "gw/table/vector_growth.h"
+#include "gw/table_release.h"
+
+#include <algorithm>
+#include <cassert>
+#include <utility>
+
+namespace GW {
+
+namespace {
+
+std::size_t at(int index) { return static_cast<std::size_t>(index); }
+
+}  // namespace
+
+CCell CShownRows::Private::cell(const CColumn& column, int slot) const {
+  return {records[at(slot)].get(), column.items.get(), slot};
+}
+
+CCell CShownRows::Private::cell(int columnId, const CRowsDrain& drain, std::size_t index) const {
+  return {drain.records[index].get(), findColumn(drain.items, columnId), static_cast<int>(index)};
+}
+
+std::uint64_t CShownRows::Private::orderKey(std::uint64_t key) const {
+  return sort.front().order == Qt::AscendingOrder ? key : ~key;
+}
+
+COrderEntry CShownRows::Private::entry(int slot) const {
+  return {sort.empty() ? 0 : orderKey(columns[at(sort.front().column)]->keys->keys[at(slot)]), slot};
+}
+
+bool CShownRows::Private::decides(std::uint64_t key) const {
+  if (sort.empty()) return false;
+  return sort.size() > 1 || columns[at(sort.front().column)]->keys->decides(orderKey(key));
+}
+
+bool CShownRows::Private::isBefore(int slot, int other) const {
+  for (const CSortColumn& by : sort) {
+    const CColumn& column = *columns[at(by.column)];
+    const std::uint64_t key = column.keys->keys[at(slot)];
+    const std::uint64_t otherKey = column.keys->keys[at(other)];
+    int difference = key < otherKey ? -1 : key > otherKey ? 1 : 0;
+    if (difference == 0 && column.keys->decides(key))
+      difference = column.keys->compare(cell(column, slot), cell(column, other));
+    if (difference != 0) return (difference < 0) == (by.order == Qt::AscendingOrder);
+  }
+  return slot < other;
+}
+
+bool CShownRows::Private::differs(int columnId, int slot, const CCell& changed) const {
+  const CColumn& column = *columns[at(columnId)];
+  const std::uint64_t key = column.keys->make(changed);
+  if (key != column.keys->keys[at(slot)]) return true;
+  return column.keys->decides(key) && column.keys->compare(changed, cell(column, slot)) != 0;
+}
+
+CKeyColumn& CShownRows::Private::keysOf(int columnId) {
+  CColumn& column = *columns[at(columnId)];
+  if (column.keys) return *column.keys;
+  column.keys = std::make_unique<CKeyColumn>(column.column);
+  std::vector<std::uint64_t>& keys = column.keys->keys;
+  do {
+    keys.clear();
+    keys.reserve(records.size());
+    for (int slot = 0; at(slot) < records.size(); ++slot) keys.push_back(column.keys->make(cell(column, slot)));
+  } while (column.keys->isVoid());
+  return *column.keys;
+}
+
+int CShownRows::Private::rowCount() const {
+  return isFiltered() ? shownOrder.size() : static_cast<int>(records.size());
+}
+
+int CShownRows::Private::slotAt(int row) const {
+  if (row < 0 || row >= rowCount()) return -1;
+  if (isFiltered()) return shownOrder.slotAt(row);
+  return sort.empty() ? row : order.slotAt(row);
+}
+
+int CShownRows::Private::rowOf(int slot) const {
+  if (slot < 0 || at(slot) >= records.size()) return -1;
+  if (isFiltered()) return shownOrder.rowOf(entry(slot));
+  return sort.empty() ? slot : order.rowOf(entry(slot));
+}
+
+void CShownRows::Private::rebuildOrders() {
+  if (sort.empty()) {
+    order.clear();
+  } else {
+    std::vector<COrderEntry> entries;
+    entries.reserve(records.size());
+    for (int slot = 0; at(slot) < records.size(); ++slot) entries.push_back(entry(slot));
+    order.sort(entries);
+    order.assign(entries);
+  }
+  rebuildShownOrder();
+}
+
+void CShownRows::Private::rebuildShownOrder() {
+  shownOrder.clear();
+  if (!isFiltered()) return;
+  std::vector<COrderEntry> passing;
+  const auto visit = [&](COrderEntry held) {
+    if (passes(held.slot)) passing.push_back(held);
+  };
+  if (sort.empty()) {
+    for (int slot = 0; at(slot) < records.size(); ++slot) visit(entry(slot));
+  } else {
+    order.forEach(visit);
+  }
+  shownOrder.assign(passing);
+}
+
+CShownRows::CShownRows() : m_d(std::make_unique<Private>()) {
+  m_d->order.setTies(m_d.get());
+  m_d->shownOrder.setTies(m_d.get());
+}
+
+CShownRows::~CShownRows() {
+  const std::size_t count = m_d->records.size();
+  releaseRecords(std::move(m_d->records), count);
+}
+
+void CShownRows::setObserver(IRowsObserver* observer) { m_d->observer = observer; }
+
+int CShownRows::addColumn(CTableColumn column) {
+  m_d->columns.push_back(std::make_unique<Private::CColumn>());
+  m_d->columns.back()->column = std::move(column);
+  return columnCount() - 1;
+}
+
+int CShownRows::columnCount() const { return static_cast<int>(m_d->columns.size()); }
+
+CTableColumn* CShownRows::column(int columnId) {
+  return columnId >= 0 && columnId < columnCount() ? &m_d->columns[at(columnId)]->column : nullptr;
+}
+
+const CTableColumn* CShownRows::column(int columnId) const {
+  return columnId >= 0 && columnId < columnCount() ? &m_d->columns[at(columnId)]->column : nullptr;
+}
+
+void CShownRows::columnChanged(int columnId) {
+  Private::CColumn& column = *m_d->columns[at(columnId)];
+  const bool isSorted = std::any_of(m_d->sort.begin(), m_d->sort.end(),
+                                    [columnId](const CSortColumn& by) { return by.column == columnId; });
+  const std::optional<QStringList> texts = filter(columnId);
+  CRowsChange change;
+  change.kind = CRowsChange::Reset;
+  m_d->tell(change, [&] {
+    column.keys.reset();
+    column.values.reset();
+    if (texts) m_d->valuesOf(columnId).accept(*texts);
+    if (isSorted) m_d->keysOf(columnId);
+    m_d->rebuildOrders();
+    m_d->sumAll();
+  });
+}
+
+int CShownRows::rowCount() const { return m_d->rowCount(); }
+int CShownRows::slotCount() const { return static_cast<int>(m_d->records.size()); }
+int CShownRows::slotAt(int row) const { return m_d->slotAt(row); }
+int CShownRows::rowOf(int slot) const { return m_d->rowOf(slot); }
+
+const rdservice::IDataPtr& CShownRows::record(int slot) const {
+  static const rdservice::IDataPtr none;
+  return slot >= 0 && slot < slotCount() ? m_d->records[at(slot)] : none;
+}
+
+std::string CShownRows::key(int slot) const {
+  const rdservice::IDataPtr& held = record(slot);
+  return held ? held->getKey() : std::string();
+}
+
+CItemState CShownRows::item(int columnId, int slot) const {
+  const CItemColumn* cells = items(columnId);
+  return cells == nullptr ? CItemState() : cells->state(slot);
+}
+
+const CItemColumn* CShownRows::items(int columnId) const {
+  return column(columnId) == nullptr ? nullptr : m_d->columns[at(columnId)]->items.get();
+}
+
+QString CShownRows::text(int slot, int columnId) const {
+  if (column(columnId) == nullptr || slot < 0 || slot >= slotCount()) return {};
+  const Private::CColumn& held = *m_d->columns[at(columnId)];
+  return cellText(held.column, m_d->cell(held, slot));
+}
+
+void CShownRows::setSort(std::vector<CSortColumn> columns) {
+  columns.erase(std::remove_if(columns.begin(), columns.end(),
+                               [this](const CSortColumn& by) { return column(by.column) == nullptr; }),
+                columns.end());
+  CRowsChange change;
+  change.kind = CRowsChange::Order;
+  m_d->tell(change, [&] {
+    m_d->order.clear();
+    m_d->shownOrder.clear();
+    m_d->sort = std::move(columns);
+    for (const CSortColumn& by : m_d->sort) m_d->keysOf(by.column);
+    m_d->rebuildOrders();
+  });
+}
+
+const std::vector<CSortColumn>& CShownRows::sort() const { return m_d->sort; }
+
+std::size_t CShownRows::memory() const {
+  std::size_t bytes = heldBytes(m_d->records) + m_d->order.memory() + m_d->shownOrder.memory();
+  for (const auto& column : m_d->columns) {
+    if (column->items) bytes += column->items->memory();
+    if (column->keys) bytes += heldBytes(column->keys->keys);
+    if (column->values) bytes += column->values->memory();
+  }
+  return bytes;
+}
+
+}  // namespace GW

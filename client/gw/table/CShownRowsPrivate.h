@@ -1,0 +1,81 @@
+#pragma once
+
+#include "gw/table/CBlockOrder.h"
+#include "gw/table/CColumnSum.h"
+#include "gw/table/CKeyColumn.h"
+#include "gw/table/CShownRows.h"
+#include "gw/table/CValueColumn.h"
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace GW {
+
+struct CShownRows::Private : ITieBreaker {
+  struct CColumn {
+    CTableColumn column;
+    std::unique_ptr<CItemColumn> items;    ///< made when a cell is set
+    std::unique_ptr<CKeyColumn> keys;      ///< made when first sorted by
+    std::unique_ptr<CValueColumn> values;  ///< made when first filtered by
+    bool isSummed = false;
+    CColumnSum allSum;    ///< of every row
+    CColumnSum shownSum;  ///< of the rows that pass, while there is a filter
+  };
+
+  /// What a drain does to a row that is there already.
+  struct CStep {
+    int slot;
+    std::size_t index;  ///< in the drain
+    bool isMoved;       ///< its sort keys differ
+    bool wasShown;
+    bool isShown;
+  };
+
+  // Cells and keys.
+  CCell cell(const CColumn& column, int slot) const;
+  CCell cell(int columnId, const CRowsDrain& drain, std::size_t index) const;
+  std::uint64_t orderKey(std::uint64_t key) const;
+  COrderEntry entry(int slot) const;
+  bool decides(std::uint64_t key) const override;
+  bool isBefore(int slot, int other) const override;
+  bool differs(int columnId, int slot, const CCell& changed) const;
+  CKeyColumn& keysOf(int columnId);
+  CValueColumn& valuesOf(int columnId);
+
+  // Filters and sums (CShownRowsFilter.cpp).
+  bool isFiltered() const { return !filters.empty(); }
+  bool passes(int slot, int exceptColumn = -1) const;
+  void setFiltering(int columnId, const std::function<void(CValueColumn&)>& accept);
+  int shownAdded(std::size_t oldCount, std::size_t added) const;
+  void sumRow(int slot, bool isShown, bool isAdded);
+  void sumAll();
+
+  // Orders.
+  int rowCount() const;
+  int slotAt(int row) const;
+  int rowOf(int slot) const;
+  void rebuildOrders();
+  void rebuildShownOrder();
+
+  // Changes.
+  void tell(const CRowsChange& change, const std::function<void()>& act) const;
+  void drop(const std::vector<int>& newSlots);
+  std::vector<CStep> plan(const CRowsDrain& drain, std::size_t oldCount);
+  CRowsChange kindOf(const std::vector<CStep>& steps, std::size_t added) const;
+  void changeRows(CRowsDrain& drain, const std::vector<CStep>& steps);
+  void addRows(CRowsDrain& drain, std::size_t oldCount);
+  void takeRow(CRowsDrain& drain, std::size_t index, int slot);
+  bool remakeVoidKeys();
+
+  IRowsObserver* observer = nullptr;
+  std::vector<std::unique_ptr<CColumn>> columns;
+  std::vector<rdservice::IDataPtr> records;  ///< by slot
+  std::vector<CSortColumn> sort;
+  std::vector<int> filters;  ///< columns with a filter
+  CBlockOrder order;         ///< of every row, while sorted
+  CBlockOrder shownOrder;    ///< of the rows that pass, while there is a filter
+};
+
+}  // namespace GW

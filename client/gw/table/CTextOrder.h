@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QCollator>
+#include <QCollatorSortKey>
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+namespace GW {
+
+/// Sort keys of texts (UTF-8): codes and numbers, which are ASCII, by their characters and before all others; the
+/// others by pinyin (zh_CN), through ranks that leave room between each other for texts to come. GUI thread.
+class CTextOrder {
+ public:
+  CTextOrder();
+
+  /// Equal texts have equal keys, and keys are in the order of their texts. ASCII texts of more than seven characters
+  /// may share a key (`isAmbiguous`).
+  std::uint64_t key(std::string_view text);
+  /// The same for a text that lives as long as the process, found by its address.
+  std::uint64_t pooledKey(const std::string& text);
+
+  static bool isAmbiguous(std::uint64_t key) { return key >> 63 == 0 && (key & 0xff) != 0; }
+
+  /// When no room was left for a text, every rank is made anew: true, and all keys made before are void.
+  bool renumberIfNeeded();
+
+ private:
+  using CPlace = std::pair<QCollatorSortKey, std::string>;  // the text parts texts that collate alike
+  struct CBefore {
+    bool operator()(const CPlace& a, const CPlace& b) const {
+      const int order = a.first.compare(b.first);
+      return order != 0 ? order < 0 : a.second < b.second;
+    }
+  };
+
+  std::uint64_t rank(const std::string& text);
+
+  QCollator m_collator;
+  std::map<CPlace, std::uint64_t, CBefore> m_places;
+  std::unordered_map<std::string, std::uint64_t> m_ranks;
+  std::unordered_map<const std::string*, std::uint64_t> m_pooled;
+  bool m_isFull = false;
+};
+
+}  // namespace GW

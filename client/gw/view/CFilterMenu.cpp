@@ -1,0 +1,204 @@
+#include "gw/view/CFilterMenu.h"
+
+#include "gw/view/CFilterValues.h"
+
+#include "gw/ui_resources.h"
+
+#include <QCheckBox>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QMouseEvent>
+#include <QPointer>
+#include <QPushButton>
+#include <QScreen>
+#include <QStyledItemDelegate>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace GW {
+
+namespace {
+
+constexpr const char* TEXT_SEARCH = "输入文字筛选";
+constexpr const char* TEXT_ALL = "全部";
+constexpr const char* TEXT_SEARCHING = "查找中…";
+constexpr const char* TEXT_NOTHING = "未找到";
+constexpr const char* TEXT_OK = "确定";
+constexpr const char* TEXT_CANCEL = "取消";
+
+constexpr int MIN_VALUES = 4;  ///< the list has room for so many
+constexpr int MAX_VALUES = 14;
+constexpr int MIN_WIDTH = 220;
+constexpr int MAX_WIDTH = 420;
+
+/// The whole line of a value is its box.
+class CValueDelegate : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+ protected:
+  bool editorEvent(QEvent* event, QAbstractItemModel* model, const QStyleOptionViewItem& option,
+                   const QModelIndex& index) override {
+    switch (event->type()) {
+      case QEvent::MouseButtonPress:
+      case QEvent::MouseButtonDblClick: return true;  // the second click of two follows as a release
+      case QEvent::MouseButtonRelease: {
+        const auto* mouse = static_cast<const QMouseEvent*>(event);
+        if (mouse->button() != Qt::LeftButton || !option.rect.contains(mouse->pos())) return false;
+        const bool isOn = index.data(Qt::CheckStateRole).toInt() == Qt::Checked;
+        return model->setData(index, isOn ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
+      }
+      default: return QStyledItemDelegate::editorEvent(event, model, option, index);
+    }
+  }
+};
+
+QListView* makeList(QAbstractItemModel* values, QWidget* parent) {
+  auto* list = new QListView(parent);
+  list->setModel(values);
+  list->setItemDelegate(new CValueDelegate(list));
+  list->setUniformItemSizes(true);
+  list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  list->setTextElideMode(Qt::ElideMiddle);  // the number at the end stays
+  list->setEditTriggers(QAbstractItemView::NoEditTriggers);
+  return list;
+}
+
+}  // namespace
+
+CFilterMenu::CFilterMenu(CShownRows& rows, int columnId, QWidget* view)
+    : QFrame(view, Qt::Popup),
+      m_rows(rows),
+      m_columnId(columnId),
+      m_values(new CFilterValues(rows, columnId, this)),
+      m_text(new QLineEdit(this)),
+      m_all(new QCheckBox(QString::fromUtf8(TEXT_ALL), this)),
+      m_state(new QLabel(this)),
+      m_list(makeList(m_values, this)),
+      m_ok(new QPushButton(QString::fromUtf8(TEXT_OK), this)),
+      m_cancel(new QPushButton(QString::fromUtf8(TEXT_CANCEL), this)) {
+  setAttribute(Qt::WA_DeleteOnClose);
+  addWidgets();
+
+  connect(m_values, &CFilterValues::sigChanged, this, [this] { showState(); });
+  connect(m_text, &QLineEdit::textChanged, this, [this](const QString& text) {
+    m_acceptsWhenFound = false;
+    m_values->search(text.trimmed());
+    showState();
+  });
+  connect(m_all, &QCheckBox::clicked, this, [this] {
+    m_values->tickShown(m_values->shownState() != Qt::Checked);
+    showState();
+  });
+  connect(m_ok, &QPushButton::clicked, this, [this] { accept(); });
+  connect(m_cancel, &QPushButton::clicked, this, [this] { close(); });
+  m_values->load();
+}
+
+CFilterMenu::~CFilterMenu() = default;
+
+void CFilterMenu::addWidgets() {
+  setFrameShape(QFrame::StyledPanel);
+  setFocusProxy(m_text);
+  m_text->setPlaceholderText(QString::fromUtf8(TEXT_SEARCH));
+  m_text->setAccessibleName(QString::fromUtf8(TEXT_SEARCH));
+  m_text->setClearButtonEnabled(true);
+  m_text->installEventFilter(this);
+  m_all->setTristate(true);
+  m_cancel->setAutoDefault(true);  // Enter on it cancels
+  for (QPushButton* button : {m_ok, m_cancel}) button->setStyleSheet(smallButtonStyle());
+
+  auto* all = new QHBoxLayout;
+  all->setContentsMargins(m_list->frameWidth() + 2, 0, 2, 0);
+  all->addWidget(m_all);
+  all->addStretch();
+  all->addWidget(m_state);
+  auto* buttons = new QHBoxLayout;
+  buttons->addStretch();
+  buttons->addWidget(m_ok);
+  buttons->addWidget(m_cancel);
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(8, 8, 8, 8);
+  layout->setSpacing(6);
+  layout->addWidget(m_text);
+  layout->addLayout(all);
+  layout->addWidget(m_list, 1);
+  layout->addLayout(buttons);
+}
+
+void CFilterMenu::popup(const QRect& section) {
+  const int lines = std::clamp(m_values->rowCount(), MIN_VALUES, MAX_VALUES);
+  const int lineHeight = m_values->rowCount() > 0 ? m_list->sizeHintForRow(0) : fontMetrics().height() + 4;
+  m_list->setFixedHeight(lines * lineHeight + 2 * m_list->frameWidth());
+  const int width = std::clamp(section.width(), MIN_WIDTH, MAX_WIDTH);
+  resize(width, sizeHint().height());
+
+  const QScreen* screen = QGuiApplication::screenAt(section.center());
+  if (screen == nullptr) screen = QGuiApplication::primaryScreen();
+  const QRect room = screen->availableGeometry();
+  QPoint place = section.bottomLeft() + QPoint(0, 1);
+  if (place.y() + height() > room.bottom() + 1 && section.top() - height() >= room.top())
+    place.setY(section.top() - height());
+  place.setX(std::max(room.left(), std::min(place.x(), room.right() + 1 - width)));
+  move(place);
+  show();
+  m_text->setFocus(Qt::PopupFocusReason);
+}
+
+void CFilterMenu::rowsChanged(const CRowsChange& change) {
+  if (change.kind != CRowsChange::Reset || change.newSlots == nullptr) return;
+  const QString text = m_text->text().trimmed();
+  m_values->load();
+  if (!text.isEmpty()) m_values->search(text);
+  showState();
+}
+
+void CFilterMenu::showState() {
+  const bool isSearching = m_values->isSearching();
+  if (m_acceptsWhenFound && !isSearching) {
+    accept();
+    return;
+  }
+  const bool isEmpty = m_values->rowCount() == 0;
+  m_all->setCheckState(m_values->shownState());
+  m_all->setEnabled(!isSearching && !isEmpty);
+  m_ok->setEnabled(!isSearching && m_values->shownState() != Qt::Unchecked);
+  m_state->setText(isSearching ? QString::fromUtf8(TEXT_SEARCHING) : isEmpty ? QString::fromUtf8(TEXT_NOTHING) : QString());
+}
+
+void CFilterMenu::accept() {
+  m_acceptsWhenFound = m_values->isSearching();
+  if (m_acceptsWhenFound || m_values->shownState() == Qt::Unchecked) return;
+  const QPointer<CFilterMenu> self(this);
+  m_values->apply();
+  if (self) Q_EMIT sigFilterChanged(m_columnId);
+  if (self) close();
+}
+
+void CFilterMenu::keyPressEvent(QKeyEvent* event) {
+  switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter: accept(); break;
+    case Qt::Key_Escape: close(); break;
+    default: QFrame::keyPressEvent(event);
+  }
+}
+
+bool CFilterMenu::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == m_text && event->type() == QEvent::KeyPress) {
+    const int key = static_cast<QKeyEvent*>(event)->key();
+    if ((key == Qt::Key_Down || key == Qt::Key_PageDown) && m_values->rowCount() > 0) {
+      m_list->setFocus(Qt::OtherFocusReason);
+      if (!m_list->currentIndex().isValid()) m_list->setCurrentIndex(m_values->index(0));
+      return true;
+    }
+  }
+  return QFrame::eventFilter(watched, event);
+}
+
+}  // namespace GW

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "gw/table/CShownRows.h"
+
+#include <QFrame>
+
+class QCheckBox;
+class QLabel;
+class QLineEdit;
+class QListView;
+class QPushButton;
+class QRect;
+
+namespace GW {
+
+class CFilterValues;
+
+/// The pop-up under a header section with the column's values to choose from: a type-ahead, a box for all that it
+/// shows, and the values with their numbers of rows. The values are those of the time of opening; rows may come, go
+/// and move meanwhile. A child of the view, it goes with it; closed, it deletes itself. GUI thread.
+class CFilterMenu : public QFrame {
+  Q_OBJECT
+
+ public:
+  /// `rows` outlives the view.
+  CFilterMenu(CShownRows& rows, int columnId, QWidget* view);
+  ~CFilterMenu() override;
+
+  /// Under the section (global coordinates), or above it when there is no room.
+  void popup(const QRect& section);
+  /// Told by the owner after a change: values of rows that were dropped are no choice any more.
+  void rowsChanged(const CRowsChange& change);
+
+  int columnId() const { return m_columnId; }
+
+ Q_SIGNALS:
+  /// The user has set or removed the column's filter.
+  void sigFilterChanged(int columnId);
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  void addWidgets();
+  void showState();
+  void accept();
+
+  CShownRows& m_rows;
+  const int m_columnId;
+  CFilterValues* m_values;
+  QLineEdit* m_text;
+  QCheckBox* m_all;
+  QLabel* m_state;
+  QListView* m_list;
+  QPushButton* m_ok;
+  QPushButton* m_cancel;
+  bool m_acceptsWhenFound = false;  ///< accepted while the type-ahead was still looking
+};
+
+}  // namespace GW

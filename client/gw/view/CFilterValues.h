@@ -1,0 +1,62 @@
+#pragma once
+
+#include "gw/table/CShownRows.h"
+#include "gw/view/CSlicedTask.h"
+
+#include <QAbstractListModel>
+#include <QString>
+
+#include <vector>
+
+namespace GW {
+
+/// The distinct values of a column as they were when they were read, each with a tick; shown are those that a text is
+/// found in. Only what is asked for is formatted. GUI thread.
+class CFilterValues : public QAbstractListModel {
+  Q_OBJECT
+
+ public:
+  /// `rows` outlives the list.
+  CFilterValues(CShownRows& rows, int columnId, QObject* parent);
+  ~CFilterValues() override;
+
+  /// Reads the values anew, ticked as the column's filter is. Every value is shown.
+  void load();
+  /// Shows the values that contain the text, upper and lower case alike; looks for them in slices.
+  void search(const QString& text);
+  bool isSearching() const { return m_task.isRunning(); }
+  int searchSlices() const { return m_task.slices(); }
+
+  void tickShown(bool ticked);
+  /// Of the shown values; none shown: unchecked.
+  Qt::CheckState shownState() const;
+  /// Sets the column's filter to the shown values that are ticked; no filter when these are all there are.
+  void apply();
+
+  int rowCount(const QModelIndex& parent = {}) const override;
+  QVariant data(const QModelIndex& index, int role) const override;
+  bool setData(const QModelIndex& index, const QVariant& value, int role) override;
+  Qt::ItemFlags flags(const QModelIndex& index) const override;
+
+ Q_SIGNALS:
+  /// Ticks or shown values are others, or a search has ended.
+  void sigChanged();
+
+ private:
+  QString label(std::uint32_t code) const;
+  bool findNext();
+  void show(std::vector<int> shown);
+
+  CShownRows& m_rows;
+  const int m_columnId;
+  std::vector<CShownRows::CValue> m_values;  ///< accepted: ticked
+  std::vector<int> m_shown;                  ///< places in `m_values`, rising
+  int m_ticked = 0;                          ///< of the shown ones
+
+  QString m_text;
+  int m_next = 0;            ///< place in `m_values` where the search goes on
+  std::vector<int> m_found;  ///< so far
+  CSlicedTask m_task;
+};
+
+}  // namespace GW
