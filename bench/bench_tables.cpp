@@ -1,5 +1,7 @@
 // Times of the table and the data centre, through their public classes, on deterministic records.
 
+#include "bench_records.h"
+
 #include "gw/CTableBatch.h"
 #include "net/engine_factory.h"
 #include "rdservice/CStkUnClosedCompacts.h"
@@ -11,8 +13,6 @@
 
 #include <QApplication>
 
-#include <boost/make_shared.hpp>
-
 #include <algorithm>
 #include <memory>
 #include <random>
@@ -21,34 +21,6 @@
 namespace {
 
 using rdservice::IDataPtr;
-
-rdservice::CAccountInfoPtr account() {
-  static const auto info = [] {
-    const auto made = boost::make_shared<rdservice::CAccountInfo>();
-    made->accountId = "10010001";
-    made->brokerType = 3;
-    return made;
-  }();
-  return info;
-}
-
-std::vector<IDataPtr> makeRecords(std::int64_t count, unsigned seed) {
-  std::mt19937 random(seed);
-  std::vector<IDataPtr> records;
-  records.reserve(std::size_t(count));
-  for (std::int64_t i = 0; i < count; ++i) {
-    const auto record = boost::make_shared<rdservice::CStkUnClosedCompacts>();
-    record->accountInfo = account();
-    record->exchangeId = i % 2 == 0 ? "SH" : "SZ";
-    record->code = std::to_string(600000 + i % 200);
-    record->name = "证券" + std::to_string(i % 200);
-    record->fieldA = "C" + std::to_string(i);
-    record->fieldB = 2460000 + int(i % 180);
-    record->unpaidAmount = double(random() % 100000000) / 100;
-    records.push_back(record);
-  }
-  return records;
-}
 
 /// A table on the screen, in order of arrival or sorted by an amount.
 std::unique_ptr<VN::CHpfDataTable> makeTable(bool sorted) {
@@ -137,7 +109,7 @@ void storeReply(benchmark::State& state) {
   const bool again = state.range(1) != 0;
   for (auto _ : state) {
     state.PauseTiming();
-    const auto store = rdservice::makeAccountData(account());
+    const auto store = rdservice::makeAccountData(benchAccount());
     if (again) store->updateDatas(makeRecords(state.range(0), 1));
     const std::vector<IDataPtr> records = makeRecords(state.range(0), 1);
     state.ResumeTiming();

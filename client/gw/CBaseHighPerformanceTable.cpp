@@ -1,7 +1,8 @@
 #include "gw/CBaseHighPerformanceTable.h"
 
 #include "gw/CBaseHighPerformanceTablePrivate.h"
-#include "gw/table_drain.h"
+#include "gw/view/CCellControls.h"
+#include "gw/view/CTableAccessible.h"
 #include "gw/widget_events.h"
 
 #include "utils/threads.h"
@@ -9,89 +10,164 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <chrono>
 
 namespace GW {
 
 namespace {
 
-// Taking rows over, with their sort keys, is given half of a turn's 8 ms; ordering them and the view's share take the
-// rest.
-constexpr std::chrono::milliseconds TAKING_TIME{4};
+using std::chrono::steady_clock;
+
+// Taking rows over is given five of a turn's 8 ms; the view's share takes the rest.
+constexpr double TAKING_NS = 5e6;
 constexpr int NEXT_TURN_MS = 1;
-constexpr std::size_t ROWS_PER_STEP = 1024;
-constexpr std::size_t ROWS_PER_TURN = 25 * ROWS_PER_STEP;
+constexpr std::size_t ROWS_PER_STEP = 2048;
+constexpr std::size_t ROWS_PER_TURN = 25600;
+/// Fewer tell little about what a row takes.
+constexpr std::size_t MEASURED_FROM = 256;
 
 }  // namespace
 
 CBaseHighPerformanceTable::Private::Private(CBaseHighPerformanceTable* table)
     : q(table),
-      store(std::make_shared<CTableStore>([table] {
+      shared(std::make_shared<CSharedRows>([table] {
         QMetaObject::invokeMethod(
             table, [table] { table->updateTable(); }, Qt::QueuedConnection);
       })),
-      view(new CTableView(&model, table)) {
-  QObject::connect(view, &CTableView::sigHeaderClicked, table, [this](int columnId) { onHeaderClicked(columnId); });
-  QObject::connect(view, &QTableView::doubleClicked, table, [this](const QModelIndex& index) {
-    const rdservice::IDataPtr record = model.record(index.row());
-    if (record)
-      q->deliverEvent(EventRowDoubleClicked, index.row(), 0, QString::fromStdString(record->getKey()), nullptr);
+      face(
+          rows, [table](int columnId, bool enabled) { table->setColumnSumVisible(columnId, enabled); }, nullptr),
+      view(new CHpfTableView(rows, table)),
+      findBar(new CFindBar(*view, table)) {
+  rows.setObserver(this);
+  QObject::connect(view, &CHpfTableView::sigSortRequested, table,
+                   [this](int columnId, bool extend) { onSortRequested(columnId, extend); });
+  QObject::connect(view, &CHpfTableView::sigFilterRequested, table,
+                   [this](int columnId, const QRect& section) { openFilterMenu(columnId, section); });
+  QObject::connect(view, &CHpfTableView::sigHeaderCheckBoxClicked, table, [table](int columnId, bool checked) {
+    table->handleEvent(EventHeaderCheckBox, columnId, checked ? 1 : 0, QString(), nullptr);
   });
+  QObject::connect(view, &CHpfTableView::sigRowDoubleClicked, table, [this](int row) {
+    const int slot = rows.slotAt(row);
+    if (slot < 0) return;
+    q->handleEvent(EventRowDoubleClicked, row, 0, QString::fromStdString(rows.key(slot)), nullptr);
+  });
+  QObject::connect(&view->controls(), &CCellControls::sigStored, table, [table] { table->updateTable(); });
 }
 
 CBaseHighPerformanceTable::Private::~Private() {
-  store->close();
+  shared->close();
+  rows.setObserver(nullptr);
+  delete findBar;
   delete view;
 }
 
+void CBaseHighPerformanceTable::Private::rowsAboutToChange(const CRowsChange& change) {
+  face.rowsAboutToChange(change);
+  view->rowsAboutToChange(change);
+}
+
+void CBaseHighPerformanceTable::Private::rowsChanged(const CRowsChange& change) {
+  face.rowsChanged(change);
+  view->rowsChanged(change);
+  findBar->rowsChanged(change);
+  if (filterMenu) filterMenu->rowsChanged(change);
+}
+
+std::size_t CBaseHighPerformanceTable::Private::rowsPerTurn() const {
+  return std::clamp(static_cast<std::size_t>(TAKING_NS / nsPerRow), ROWS_PER_STEP, ROWS_PER_TURN);
+}
+
+bool CBaseHighPerformanceTable::Private::takeTurn() {
+  std::size_t left = rowsPerTurn();
+  bool isMore = true;
+  while (isMore && left > 0) {
+    const auto begin = steady_clock::now();
+    CRowsDrain drain;
+    // Only dropped rows part what is taken at once.
+    std::size_t taken = 0;
+    do {
+      isMore = shared->drain(left - taken, drain);
+      if (drain.slots.size() == taken) break;
+      taken = drain.slots.size();
+    } while (isMore && taken < left && !drain.isBusy);
+    const bool isBusy = drain.isBusy;
+    if (!drain.isEmpty()) rows.apply(std::move(drain));
+    left -= taken;
+    if (taken >= MEASURED_FROM) {
+      const std::chrono::duration<double, std::nano> spent = steady_clock::now() - begin;
+      nsPerRow = (nsPerRow + spent.count() / static_cast<double>(taken)) / 2;
+    }
+    if (isBusy) break;
+  }
+  return !isMore;
+}
+
 CBaseHighPerformanceTable::CBaseHighPerformanceTable(int tableId, QWidget* parent)
-    : IBaseTable(tableId, parent), m_d(std::make_unique<Private>(this)) {}
+    : IBaseTable(tableId, parent), m_d(std::make_unique<Private>(this)) {
+  installTableAccessibility();
+}
 
 CBaseHighPerformanceTable::~CBaseHighPerformanceTable() = default;
 
 void CBaseHighPerformanceTable::updateData(const rdservice::IDataPtr& record, bool refreshNow) {
-  m_d->store->change([&](CTableChanges& changes) {
+  m_d->shared->change([&](CChangeSet& changes) {
     changes.add(record);
     changes.refresh = changes.refresh || refreshNow;
   });
 }
 
 void CBaseHighPerformanceTable::updateDatas(const std::vector<rdservice::IDataPtr>& records, bool refreshNow) {
-  m_d->store->change([&](CTableChanges& changes) {
-    changes.records.reserve(changes.records.size() + records.size());
+  m_d->shared->change([&](CChangeSet& changes) {
+    changes.reserve(changes.records.size() + records.size());
     for (const auto& record : records) changes.add(record);
     changes.refresh = changes.refresh || refreshNow;
   });
 }
 
 rdservice::IDataPtr CBaseHighPerformanceTable::getDataByKey(const std::string& key) const {
-  return m_d->store->find(key);
+  return m_d->shared->find(key);
 }
 
-std::vector<rdservice::IDataPtr> CBaseHighPerformanceTable::getAllDatas() const { return m_d->store->all(); }
+std::vector<rdservice::IDataPtr> CBaseHighPerformanceTable::getAllDatas() const { return m_d->shared->all(); }
 
-void CBaseHighPerformanceTable::setScope(const CTableScope& scope) { m_d->store->setScope(scope); }
+void CBaseHighPerformanceTable::setScope(const CTableScope& scope) { m_d->shared->setScope(scope); }
 
-CTableScope CBaseHighPerformanceTable::scope() const { return m_d->store->scope(); }
+CTableScope CBaseHighPerformanceTable::scope() const { return m_d->shared->scope(); }
+
+void CBaseHighPerformanceTable::setCellValue(int columnId, const std::string& key, qint64 value) {
+  m_d->shared->change([&](CChangeSet& changes) {
+    CItemChange item;
+    item.part = EItemPart::Value;
+    item.column = columnId;
+    item.key = key;
+    item.value = value;
+    changes.add(std::move(item));
+  });
+}
+
+void CBaseHighPerformanceTable::setCellText(int columnId, const std::string& key, const QString& text) {
+  m_d->shared->change([&](CChangeSet& changes) {
+    CItemChange item;
+    item.part = EItemPart::Text;
+    item.column = columnId;
+    item.key = key;
+    item.text = text;
+    changes.add(std::move(item));
+  });
+}
 
 void CBaseHighPerformanceTable::clear() {
   utils::assertGui();
-  m_d->store->clear();
-  m_d->model.clear();
+  m_d->shared->clear();
+  m_d->rows.clear();
 }
 
 void CBaseHighPerformanceTable::updateTable() {
   utils::assertGui();
   if (m_d->isUpdating) return;  // a slot of one of the model's signals
-  const auto end = std::chrono::steady_clock::now() + TAKING_TIME;
-  const CDrainLimits limits{ROWS_PER_STEP, ROWS_PER_TURN, [end] { return std::chrono::steady_clock::now() >= end; }};
-
   m_d->isUpdating = true;
-  bool isDone = false;
-  {
-    const CTableView::CScrollKeeper keeper(*m_d->view);
-    isDone = drainTable(*m_d->store, m_d->model, limits);
-  }
+  const bool isDone = m_d->takeTurn();
   m_d->isUpdating = false;
   // The next turn also waits for a writer that holds the rows; a millisecond keeps the loop from spinning meanwhile.
   if (isDone || m_d->isGoingOn) return;
@@ -104,28 +180,59 @@ void CBaseHighPerformanceTable::updateTable() {
 
 bool CBaseHighPerformanceTable::isUpToDate() const {
   utils::assertGui();
-  return m_d->store->isDrained();
+  return m_d->shared->isDrained();
 }
 
 int CBaseHighPerformanceTable::rowCount() const {
   utils::assertGui();
-  return m_d->model.rowCount();
+  return m_d->rows.rowCount();
 }
 
 rdservice::IDataPtr CBaseHighPerformanceTable::getData(int row) const {
   utils::assertGui();
-  return m_d->model.record(row);
+  return m_d->rows.record(m_d->rows.slotAt(row));
 }
 
 QString CBaseHighPerformanceTable::cellText(int row, int columnId) const {
   utils::assertGui();
-  return m_d->model.text(row, columnId);
+  return m_d->rows.text(m_d->rows.slotAt(row), columnId);
+}
+
+IBaseHpfTableModel* CBaseHighPerformanceTable::getModel() const {
+  utils::assertGui();
+  return &m_d->face;
+}
+
+std::vector<int> CBaseHighPerformanceTable::selectedRows() const {
+  utils::assertGui();
+  return m_d->view->selectedRows();
+}
+
+int CBaseHighPerformanceTable::currentRow() const {
+  utils::assertGui();
+  return m_d->view->currentRow();
+}
+
+void CBaseHighPerformanceTable::selectRow(int row) {
+  utils::assertGui();
+  if (row < 0 || row >= rowCount()) return;
+  m_d->view->selectRows(row, row);
+  m_d->view->setCurrentCell(row, m_d->view->currentColumn());
+  m_d->view->scrollToCell(row, -1);
+}
+
+std::size_t CBaseHighPerformanceTable::memory() const {
+  utils::assertGui();
+  return m_d->shared->memory() + m_d->rows.memory();
 }
 
 CStandardHpfTable::CStandardHpfTable(int tableId, QWidget* parent) : CBaseHighPerformanceTable(tableId, parent) {
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
-  layout->addWidget(findChild<CTableView*>());
+  layout->setSpacing(0);
+  layout->addWidget(findChild<CHpfTableView*>(), 1);
+  layout->addWidget(findChild<CFindBar*>());
+  layout->addWidget(pagingBar());
 }
 
 CStandardHpfTable::~CStandardHpfTable() = default;

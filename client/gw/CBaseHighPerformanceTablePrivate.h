@@ -1,30 +1,51 @@
 #pragma once
 
 #include "gw/CBaseHighPerformanceTable.h"
-#include "gw/CTableModel.h"
-#include "gw/CTableStore.h"
-#include "gw/CTableView.h"
+#include "gw/table/CSharedRows.h"
+#include "gw/table/CShownRows.h"
+#include "gw/view/CFilterMenu.h"
+#include "gw/view/CFindBar.h"
+#include "gw/view/CHpfTableView.h"
+#include "gw/view/CTableFace.h"
+
+#include <QPointer>
 
 #include <memory>
+#include <set>
 
 namespace GW {
 
-struct CBaseHighPerformanceTable::Private {
+struct CBaseHighPerformanceTable::Private : IRowsObserver {
   explicit Private(CBaseHighPerformanceTable* table);
-  ~Private();
+  ~Private() override;
+
+  void rowsAboutToChange(const CRowsChange& change) override;
+  void rowsChanged(const CRowsChange& change) override;
 
   int addColumn(CTableColumn column);
+  CTableColumn* column(int columnId) { return rows.column(columnId); }
   /// -1 when the column does not exist.
   int positionOf(int columnId) const;
-  void onHeaderClicked(int columnId);
+  void onSortRequested(int columnId, bool extend);
+  void openFilterMenu(int columnId, const QRect& section);
+
+  /// How many rows a turn may take to stay within its time, by what the last ones took.
+  std::size_t rowsPerTurn() const;
+  /// Takes what was handed over, within one turn; true when nothing is left.
+  bool takeTurn();
 
   CBaseHighPerformanceTable* q;
-  std::shared_ptr<CTableStore> store;  ///< shared with the batches and delegates
-  CTableModel model;
-  CTableView* view;  ///< child of the table, deleted before the model
+  std::shared_ptr<CSharedRows> shared;  ///< also in the hands of batches and delegates
+  CShownRows rows;
+  CTableFace face;
+  CHpfTableView* view;  ///< child of the table, deleted before the rows
+  CFindBar* findBar;    ///< child of the table
+  QPointer<CFilterMenu> filterMenu;
+  std::set<int> unchoosableColumns;
   int recordType = 0;
   bool isUpdating = false;
   bool isGoingOn = false;  ///< the next turn of updateTable is on its way
+  double nsPerRow = 300;   ///< measured while rows are taken
 };
 
 }  // namespace GW

@@ -1,7 +1,7 @@
 #include "gw/CTableBatch.h"
 
 #include "gw/CBaseHighPerformanceTablePrivate.h"
-#include "gw/CTableStore.h"
+#include "gw/table/CSharedRows.h"
 
 #include <cassert>
 #include <utility>
@@ -9,10 +9,10 @@
 namespace GW {
 
 struct CTableBatch::Private {
-  Private(std::shared_ptr<CTableStore> tableStore, CScopeTest test, ERowRule rowRule)
-      : store(std::move(tableStore)), accepts(std::move(test)), rule(rowRule), gatherer(store.get()) {}
+  Private(std::shared_ptr<CSharedRows> tableRows, CScopeTest test, ERowRule rowRule)
+      : rows(std::move(tableRows)), accepts(std::move(test)), rule(rowRule), gatherer(rows.get()) {}
 
-  std::shared_ptr<CTableStore> store;  ///< outlives the table, so that a late commit is refused instead of crashing
+  std::shared_ptr<CSharedRows> rows;  ///< outlives the table, so that a late commit is refused instead of crashing
   const CScopeTest accepts;            ///< null: any scope
   const ERowRule rule;
   CChangeGatherer gatherer;
@@ -20,15 +20,15 @@ struct CTableBatch::Private {
 
 CTableBatch::CTableBatch(CBaseHighPerformanceTable& table, CTableScope madeFor)
     : m_d(std::make_unique<Private>(
-          table.m_d->store, [scope = std::move(madeFor)](const CTableScope& present) { return present == scope; },
+          table.m_d->shared, [scope = std::move(madeFor)](const CTableScope& present) { return present == scope; },
           ERowRule::Ordinary)) {}
 
 CTableBatch::CTableBatch(CBaseHighPerformanceTable& table)
-    : m_d(std::make_unique<Private>(table.m_d->store, nullptr, ERowRule::Push)) {}
+    : m_d(std::make_unique<Private>(table.m_d->shared, nullptr, ERowRule::Push)) {}
 
 CTableBatch::CTableBatch(CBaseHighPerformanceTable& table, int type)
     : m_d(std::make_unique<Private>(
-          table.m_d->store, [type](const CTableScope& present) { return present.type == type; }, ERowRule::Push)) {}
+          table.m_d->shared, [type](const CTableScope& present) { return present.type == type; }, ERowRule::Push)) {}
 
 CTableBatch::~CTableBatch() = default;
 
@@ -45,7 +45,7 @@ void CTableBatch::dropAbsent(std::function<bool(const rdservice::IData&)> belong
 bool CTableBatch::commit(CTableScope* present) {
   assert(m_d->gatherer.isGathering() && "a batch is committed once");
   m_d->gatherer.stop();
-  return m_d->store->commit(m_d->gatherer.changes, m_d->accepts, m_d->rule, present);
+  return m_d->rows->commit(m_d->gatherer.changes, m_d->accepts, m_d->rule, present);
 }
 
 }  // namespace GW

@@ -42,6 +42,22 @@ constexpr CColorRow COLORS[] = {
     {"clr_table_text", 0xff1f2a36},
     {"clr_table_disabled_text", 0xff9aa5b1},
     {"clr_table_selected", 0xffcfe2fa},
+    {"clr_table_current", 0xff1a66c8},  // frames of the current cell and row
+    {"clr_table_current_row", 0xff9fc0ea},
+    {"clr_table_header", 0xffeef2f7},
+    {"clr_table_header_hover", 0xffe0e8f2},
+    {"clr_table_header_line", 0xffc9d2de},
+    {"clr_table_header_text", 0xff33414f},
+    {"clr_table_mark", 0xff1a66c8},  // sort and filter marks
+    {"clr_table_idle_mark", 0xff9aa5b1},
+    {"clr_table_sums", 0xfff3f1e6},
+    {"clr_table_sums_text", 0xff1f2a36},
+    {"clr_table_control_border", 0xffb4bfcc},  // check boxes, radio buttons, cells that one types into
+    {"clr_table_control_background", 0xffffffff},
+    {"clr_table_control_accent", 0xff1a66c8},
+    {"clr_table_control_mark", 0xffffffff},
+    {"clr_table_control_disabled_border", 0xffd3dae3},
+    {"clr_table_control_disabled_background", 0xfff2f4f7},
 };
 
 struct CSizeRow {

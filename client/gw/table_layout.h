@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 #include <vector>
@@ -15,10 +16,27 @@ struct CColumnLayout {
   bool isHidden;
 };
 
-/// The layout as one line without "|": record type, columns, and a checksum that shows whether anything was damaged.
-QString writeLayout(int recordType, const std::vector<CColumnLayout>& columns);
+struct CSortLayout {
+  int number;
+  bool isDescending;
+};
 
-/// In order of position; none when the text is damaged or of another record type.
-std::optional<std::vector<CColumnLayout>> readLayout(const QString& text, int recordType);
+struct CFilterLayout {
+  int number;
+  QStringList texts;  ///< accepted ones
+};
+
+struct CTableLayout {
+  std::vector<CColumnLayout> columns;  ///< read: in order of position
+  std::vector<CSortLayout> sort;       ///< the most significant first
+  std::vector<CFilterLayout> filters;
+};
+
+/// The layout as one line without "|": record type, columns, sort order, filters, and a checksum that shows whether
+/// anything was damaged. A filter of more than 1,000 texts is left out.
+QString writeLayout(int recordType, const CTableLayout& layout);
+
+/// None when the text is damaged or of another record type.
+std::optional<CTableLayout> readLayout(const QString& text, int recordType);
 
 }  // namespace GW

@@ -1,6 +1,6 @@
 #include "vn/CHpfDataTable.h"
 
-#include "gw/CTableView.h"
+#include "gw/view/CHpfTableView.h"
 #include "rdservice/struct_registry.h"
 
 #include "utils/threads.h"
@@ -8,84 +8,98 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
-#include <QHeaderView>
 #include <QMenu>
 
-#include <algorithm>
+#include <set>
 
 namespace VN {
 
 namespace {
 
-enum EMenuFlag : int { MenuCopyCell = 1, MenuCopyRows = 2, MenuFitColumns = 4, MenuChooseColumns = 8 };
+enum EMenuFlag : int {
+  MenuCopyCell = 1,
+  MenuCopyRows = 2,
+  MenuFitColumns = 4,
+  MenuChooseColumns = 8,
+  MenuFind = 16,
+  MenuStatistics = 32,
+  MenuClearFilters = 64,
+};
 
 constexpr const char* CHOOSE_COLUMNS_TEXT = "显示的列";
+constexpr const char* STATISTICS_TEXT = "统计行";
 
 }  // namespace
 
 struct CHpfDataTable::Private {
   Private(CHpfDataTable* table, int type, int flags)
-      : q(table), view(table->findChild<GW::CTableView*>()), recordType(type), menuFlags(flags) {}
+      : q(table), view(table->findChild<GW::CHpfTableView*>()), recordType(type), menuFlags(flags), extraData(*table) {}
+
+  /// Where the menu was opened. Rows may move while it is open, so that the cell's text is taken then.
+  struct CPlace {
+    bool isCell;
+    QString text;
+  };
 
   void showMenu(const QPoint& position);
-  void copyCell(const QModelIndex& index);
-  void copyRows(const QModelIndex& index);
-  void fitColumns(const QModelIndex&) { q->adjustVisibleRowsColumnWidth(); }
+  void copyCell(const CPlace& place) { QApplication::clipboard()->setText(place.text); }
+  void copyRows(const CPlace&) { QApplication::clipboard()->setText(view->selectedText(false)); }
+  void fitColumns(const CPlace&) { q->adjustVisibleRowsColumnWidth(); }
+  void find(const CPlace&) { Q_EMIT view->sigFindRequested(); }
+  void clearFilters(const CPlace&);
   void addColumnChooser(QMenu& menu);
-  std::vector<int> shownColumns() const;
+  void addStatisticsSwitch(QMenu& menu);
+  void showStatistics(bool shown);
 
   CHpfDataTable* q;
-  GW::CTableView* view;
+  GW::CHpfTableView* view;
   int recordType;
   int menuFlags;
   int tradeType = 0;
+  bool isStatisticsShown = true;
+  std::set<int> statistics;  ///< columns of the statistics row, also while it is not shown
+  CHpfExtraDataModel extraData;
 };
 
 void CHpfDataTable::Private::showMenu(const QPoint& position) {
   struct CEntry {
     EMenuFlag flag;
     const char* text;
-    void (Private::*run)(const QModelIndex&);
+    void (Private::*run)(const CPlace&);
     bool needsCell;
   };
   static constexpr CEntry ENTRIES[] = {
       {MenuCopyCell, "复制单元格", &Private::copyCell, true},
       {MenuCopyRows, "复制选中行", &Private::copyRows, true},
+      {MenuFind, "查找…", &Private::find, false},
+      {MenuClearFilters, "清除筛选", &Private::clearFilters, false},
       {MenuFitColumns, "调整列宽", &Private::fitColumns, false},
   };
-  const QPersistentModelIndex index = view->indexAt(position);
+  const int row = view->rowAt(position.y());
+  const int columnId = view->columnAt(position.x());
+  const CPlace place{row >= 0 && columnId >= 0, q->cellText(row, columnId)};
   QMenu menu(q);
   for (const CEntry& entry : ENTRIES) {
     if ((menuFlags & entry.flag) == 0) continue;
     QAction* action = menu.addAction(QString::fromUtf8(entry.text));
-    action->setEnabled(index.isValid() || !entry.needsCell);
-    QObject::connect(action, &QAction::triggered, q, [this, run = entry.run, index] { (this->*run)(index); });
+    action->setEnabled(place.isCell || !entry.needsCell);
+    QObject::connect(action, &QAction::triggered, q, [this, run = entry.run, place] { (this->*run)(place); });
   }
+  if ((menuFlags & MenuStatistics) != 0) addStatisticsSwitch(menu);
   if ((menuFlags & MenuChooseColumns) != 0) addColumnChooser(menu);
+  menu.addActions(q->menuActions());
   if (!menu.isEmpty()) menu.exec(view->viewport()->mapToGlobal(position));
 }
 
-void CHpfDataTable::Private::copyCell(const QModelIndex& index) {
-  QApplication::clipboard()->setText(q->cellText(index.row(), index.column()));
-}
-
-void CHpfDataTable::Private::copyRows(const QModelIndex&) {
-  QModelIndexList rows = view->selectionModel()->selectedRows();
-  std::sort(rows.begin(), rows.end());
-  const std::vector<int> columns = shownColumns();
-  QStringList lines;
-  for (const QModelIndex& row : rows) {
-    QStringList cells;
-    for (const int id : columns) cells.push_back(q->cellText(row.row(), id));
-    lines.push_back(cells.join(QLatin1Char('\t')));
-  }
-  QApplication::clipboard()->setText(lines.join(QLatin1Char('\n')));
+void CHpfDataTable::Private::clearFilters(const CPlace&) {
+  for (int id = 0; id < q->columnCount(); ++id) q->onFilterTrigger(id, GW::FilterNone, {});
 }
 
 void CHpfDataTable::Private::addColumnChooser(QMenu& menu) {
   QMenu* columns = menu.addMenu(QString::fromUtf8(CHOOSE_COLUMNS_TEXT));
-  const bool isLastShown = shownColumns().size() == 1;
+  const bool isLastShown = view->shownColumns().size() == 1;
   for (int id = 0; id < q->columnCount(); ++id) {
+    if (!q->isColumnChoosable(id)) continue;
     QAction* action = columns->addAction(q->columnTitle(id));
     action->setCheckable(true);
     action->setChecked(!q->isColumnHidden(id));
@@ -94,20 +108,25 @@ void CHpfDataTable::Private::addColumnChooser(QMenu& menu) {
   }
 }
 
-std::vector<int> CHpfDataTable::Private::shownColumns() const {
-  std::vector<int> columns;
-  for (int position = 0; position < q->columnCount(); ++position) {
-    const int id = view->horizontalHeader()->logicalIndex(position);
-    if (!q->isColumnHidden(id)) columns.push_back(id);
-  }
-  return columns;
+void CHpfDataTable::Private::addStatisticsSwitch(QMenu& menu) {
+  if (statistics.empty()) return;
+  QAction* action = menu.addAction(QString::fromUtf8(STATISTICS_TEXT));
+  action->setCheckable(true);
+  action->setChecked(isStatisticsShown);
+  QObject::connect(action, &QAction::triggered, q, [this](bool shown) { showStatistics(shown); });
+}
+
+void CHpfDataTable::Private::showStatistics(bool shown) {
+  isStatisticsShown = shown;
+  for (const int id : statistics) q->setColumnSumVisible(id, shown);
 }
 
 CHpfDataTable::CHpfDataTable(int tableId, int recordType, QWidget* parent, int menuFlags)
     : GW::CStandardHpfTable(tableId, parent), m_d(new Private(this, recordType, menuFlags)) {
   if (const rdservice::CStructDes* des = rdservice::structDesOf(recordType)) addRecordColumns(*des);
-  m_d->view->setContextMenuPolicy(Qt::CustomContextMenu);
-  connect(m_d->view, &QWidget::customContextMenuRequested, this, [this](const QPoint& p) { m_d->showMenu(p); });
+  for (int id = 0; id < columnCount(); ++id) m_d->statistics.insert(id);
+  m_d->showStatistics(true);
+  connect(m_d->view, &GW::CHpfTableView::sigMenuRequested, this, [this](const QPoint& p) { m_d->showMenu(p); });
 }
 
 CHpfDataTable::~CHpfDataTable() = default;
@@ -121,10 +140,16 @@ void CHpfDataTable::setTradeType(int tradeType) {
 
 int CHpfDataTable::tradeType() const { return m_d->tradeType; }
 
-int CHpfDataTable::addColumn(const CHpfDataColumnProperty& property, bool, bool movable, const QString&) {
+int CHpfDataTable::addColumn(const CHpfDataColumnProperty& property, bool statistics, bool movable, const QString&) {
   const int id = addPlainColumn(property.number, property.title, Qt::Alignment(property.alignment));
   m_d->view->setColumnMovable(id, movable);
+  if (statistics) {
+    m_d->statistics.insert(id);
+    m_d->showStatistics(m_d->isStatisticsShown);
+  }
   return id;
 }
+
+CHpfExtraDataModel* CHpfDataTable::getExtraDataModel() const { return &m_d->extraData; }
 
 }  // namespace VN

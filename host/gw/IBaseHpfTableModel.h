@@ -15,8 +15,7 @@ class HOST_API IBaseHpfTableModel : public QAbstractTableModel {
   ~IBaseHpfTableModel() override;
 
   /// Whether the statistics row shows the column. `statType` 0 is the sum, the only kind the reference client has;
-  /// `decimals` -1 for the column's own; `filter` is for the client. An added column also needs
-  /// `VN::CHpfExtraDataModel::setColumnStatEnable`.
+  /// `decimals` -1 for the column's own; `filter` is for the client.
   virtual void setColumnStatEnable(int columnId, bool enabled, int statType, int decimals, const QString& filter) = 0;
 };
 

@@ -2,25 +2,48 @@
 
 namespace GW {
 
-/// Event numbers that controls and tables report to `handleEvent(type, p1, p2, text, data)`.
+/// Event numbers that controls and tables report to `handleEvent(type, p1, p2, text, data)`, on the GUI thread. The
+/// receiver answers true when it has handled the event. Arguments that are not named are 0, empty or null; `data` is
+/// good during the call. Nothing is reported when a program, not the user, changes a control, but for
+/// EventComboChanged.
 enum EWidgetEvent : int {
-  EventButtonClicked = 5,      ///< p1: widget id (in a table: the paging button, 1 first, 2 previous, 3 last, 4 next)
-  EventTextClicked = 9,        ///< p1: widget id of the clickable text
-  EventLineEditBegin = 45,     ///< editing of a line edit cell begins; p1: column id, text: row key
-  EventDialogCellEdited = 48,  ///< a cell of a plain table was edited; data: the cell
-  EventHeaderCheckBox = 65,    ///< p1: column id, p2: 1 checked, 0 unchecked
-  EventComboChanged = 72,      ///< p1: widget id; the current key of the combo box has really changed
-  EventItemClicked = 96,       ///< p1: item index, p2: widget id
-  EventLineEditChanged = 101,  ///< p1: widget id, text: the new text
-  EventCheckChanged = 225,     ///< check state of a table cell changed; p1: column id, p2: state, text: row key
-  EventCellEdited =
-      229,  ///< a line edit cell was committed; p1: column id, text: typed text, data: IDataPtr* of the row
-  EventSpinChanged = 234,       ///< a spin box cell changed; p1: column id, p2: value, text: row key
-  EventSpinBegin = 235,         ///< editing of a spin box cell begins; p1: column id, text: row key
-  EventRowDoubleClicked = 276,  ///< p1: row, text: row key
+  /// A button was clicked. p1: its id. Of a table's paging bar: p1: `EPagingButton`; the bar shows the new page already.
+  EventButtonClicked = 5,
+  /// A clickable text was clicked. p1: its id.
+  EventTextClicked = 9,
+  /// The user begins to edit a line edit cell; no editor is there yet, and none opens when the receiver disables or
+  /// hides the cell. p1: column id, text: row key.
+  EventLineEditBegin = 45,
+  /// A cell of a plain table was edited. text: the edited text, data: the cell, which knows its row and column.
+  EventDialogCellEdited = 48,
+  /// The check box in a column's header was clicked. p1: column id, p2: 1 checked, 0 unchecked.
+  EventHeaderCheckBox = 65,
+  /// The current key of a combo box has really changed, whoever changed it. p1: its id, p2: index (-1 none), text: key.
+  EventComboChanged = 72,
+  /// An item of a button with several items was chosen. p1: item index from 0, p2: the button's id.
+  EventItemClicked = 96,
+  /// The text of a line edit was changed by typing. p1: its id, text: the new text.
+  EventLineEditChanged = 101,
+  /// The user ticked or unticked a check box cell, or chose a radio button cell; the state is stored. p1: column id,
+  /// p2: 1 checked, 0 unchecked, text: row key.
+  EventCheckChanged = 225,
+  /// The user has typed into a line edit cell and committed it, perhaps to the text that it had; the text is stored,
+  /// and the delegate's `editor()` still exists. p1: column id, text: the typed text, data: `rdservice::IDataPtr*`, the
+  /// row's record.
+  EventCellEdited = 229,
+  /// The user has changed the number of a spin box cell; it is stored as the cell's text. p1: column id, p2: the
+  /// number, text: row key.
+  EventSpinChanged = 234,
+  /// The user begins to edit a spin box cell; no editor is there yet, and none opens when the receiver disables or
+  /// hides the cell. p1: column id, text: row key.
+  EventSpinBegin = 235,
+  /// A row of a table was double-clicked. p1: displayed row, text: row key.
+  EventRowDoubleClicked = 276,
 
-  EventPanelPosition = 1176,  ///< to the host; p2: side of the order panel (1 left, 2 right, 32 top, 64 bottom)
-  EventCompactMode = 1309,    ///< to the host: the compact mode of the user configuration has changed
+  /// To the host: the order panel shall move. p2: its side (1 left, 2 right, 32 top, 64 bottom).
+  EventPanelPosition = 1176,
+  /// To the host: the compact mode of the user configuration has changed.
+  EventCompactMode = 1309,
 };
 
 }  // namespace GW

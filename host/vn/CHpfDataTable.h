@@ -2,6 +2,7 @@
 
 #include "gw/CBaseHighPerformanceTable.h"
 #include "host_api.h"
+#include "vn/CHpfExtraDataModel.h"
 
 namespace VN {
 
@@ -19,7 +20,8 @@ struct CHpfDataColumnProperty {
 /// otherwise.
 class HOST_API CHpfDataTable : public GW::CStandardHpfTable {
  public:
-  /// `recordType` is the type id of the rows; `menuFlags` selects entries of the context menu, 255 for all.
+  /// `recordType` is the type id of the rows; `menuFlags` selects entries of the context menu, 255 for all. Volumes and
+  /// amounts are summed up in the statistics row.
   CHpfDataTable(int tableId, int recordType, QWidget* parent, int menuFlags);
   ~CHpfDataTable() override;
 
@@ -28,11 +30,15 @@ class HOST_API CHpfDataTable : public GW::CStandardHpfTable {
   void setTradeType(int tradeType);
   int tradeType() const;
 
-  /// Adds a column and returns its id. `statistics`: take part in the statistics row (the reference client has none
-  /// yet); `movable`: the user may move it; `group`: heading it belongs to, empty for none.
+  /// Adds a column and returns its id. `statistics`: take part in the statistics row; `movable`: the user may move it;
+  /// `group`: heading it belongs to, empty for none (the reference client shows no headings).
   int addColumn(const CHpfDataColumnProperty& property, bool statistics, bool movable, const QString& group);
 
+  /// The values of added columns that have no delegate. Never null; lives as long as the table.
+  CHpfExtraDataModel* getExtraDataModel() const;
+
  private:
+  friend class CHpfExtraDataModel;
   struct Private;
   std::unique_ptr<Private> m_d;
 };

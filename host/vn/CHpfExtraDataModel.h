@@ -30,7 +30,8 @@ class HOST_API CHpfExtraDataModel {
   void addData(const std::string& key, int columnId, qint64 value);
   void addData(const std::string& key, int columnId, const QString& text);
 
-  /// Whether the column's values take part in the statistics row; see `GW::IBaseHpfTableModel`. GUI thread.
+  /// Whether the column's values take part in the statistics row, as `GW::IBaseHpfTableModel` does it for every column;
+  /// in the reference client the last of the two calls counts. GUI thread.
   void setColumnStatEnable(int columnId, bool enabled, int statType, int decimals, const QString& filter);
 
  private:

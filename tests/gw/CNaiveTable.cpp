@@ -2,9 +2,14 @@
 
 #include "CTestTable.h"
 
+#include "rdservice/number_text.h"
+
 #include <QLocale>
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -73,6 +78,7 @@ void CNaiveTable::changeItem(const GW::CItemChange& change) {
   if (change.part == GW::EItemPart::Visible) item.visible = change.on;
   if (change.part == GW::EItemPart::Enabled) item.enabled = change.on;
   if (change.part == GW::EItemPart::Checked) item.checked = change.on;
+  if (change.part == GW::EItemPart::Value) item.value = change.value;
 }
 
 void CNaiveTable::clear() {
@@ -82,43 +88,98 @@ void CNaiveTable::clear() {
 }
 
 void CNaiveTable::drain() {
-  displayedRows = heldRows;
-  std::set<int> live;
-  for (CRow& row : displayedRows) {
-    live.insert(row.serial);
+  m_drained = heldRows;
+  for (CRow& row : m_drained) {
     for (const auto& [column, items] : m_items) row.items[column] = item(column, row.record->id);
+  }
+  arrange();
+}
+
+void CNaiveTable::setSort(std::vector<std::pair<int, Qt::SortOrder>> columns) {
+  m_sort = std::move(columns);
+  arrange();
+}
+
+void CNaiveTable::setFilter(int column, std::optional<std::set<QString>> texts) {
+  m_filters.erase(column);
+  if (texts) m_filters[column] = std::move(*texts);
+  arrange();
+}
+
+void CNaiveTable::arrange() {
+  displayedRows.clear();
+  std::set<int> live;
+  for (const CRow& row : m_drained) {
+    const bool passes = std::all_of(m_filters.begin(), m_filters.end(), [&](const auto& filter) {
+      return filter.second.count(text(row, filter.first)) > 0;
+    });
+    if (!passes) continue;
+    displayedRows.push_back(row);
+    live.insert(row.serial);
   }
   for (auto it = selected.begin(); it != selected.end();) it = live.count(*it) > 0 ? std::next(it) : selected.erase(it);
   if (live.count(current) == 0) current = -1;
-  sortDisplayed();
-}
-
-void CNaiveTable::setSort(int column, Qt::SortOrder newOrder) {
-  m_sortColumn = column;
-  m_order = newOrder;
-  sortDisplayed();
-}
-
-void CNaiveTable::sortDisplayed() {
-  std::sort(displayedRows.begin(), displayedRows.end(),
-            [](const CRow& a, const CRow& b) { return a.serial < b.serial; });
-  if (m_sortColumn < 0) return;
   std::stable_sort(displayedRows.begin(), displayedRows.end(), [this](const CRow& a, const CRow& b) {
-    return m_order == Qt::AscendingOrder ? compare(a, b) < 0 : compare(a, b) > 0;
+    for (const auto& [column, direction] : m_sort) {
+      const int difference = compare(a, b, column);
+      if (difference != 0) return (difference < 0) == (direction == Qt::AscendingOrder);
+    }
+    return false;
   });
 }
 
-int CNaiveTable::compare(const CRow& a, const CRow& b) const {
-  switch (m_sortColumn) {
+int CNaiveTable::compare(const CRow& a, const CRow& b, int column) const {
+  const auto cell = [column](const CRow& row) {
+    const auto it = row.items.find(column);
+    return it == row.items.end() ? GW::CItemState() : it->second;
+  };
+  switch (column) {
     case CTestRecord::ColumnGroup: return order(a.record->group, b.record->group);
     case CTestRecord::ColumnVolume: return order(a.record->volume, b.record->volume);
     case CTestRecord::ColumnAmount: return order(a.record->amount, b.record->amount);
     case CTestRecord::ColumnDate: return order(a.record->date, b.record->date);
     case CTestTable::ColumnRanked:
-      return order(CTestTable::rankOf(QString::fromStdString(a.record->id)),
-                   CTestTable::rankOf(QString::fromStdString(b.record->id)));
-    default: return m_collator.compare(text(a, m_sortColumn), text(b, m_sortColumn));
+      return order(CTestRankDelegate::rankOf(cell(a).value), CTestRankDelegate::rankOf(cell(b).value));
+    case CTestTable::ColumnCheck: return order(cell(a).checked, cell(b).checked);
+    case CTestTable::ColumnNumber:
+    case CTestTable::ColumnExtra: {
+      const auto number = [&](const CRow& row) -> std::optional<qint64> {
+        if (column == CTestTable::ColumnExtra && cell(row).value) return cell(row).value;
+        bool ok = false;
+        const qint64 value = cell(row).text.toLongLong(&ok);
+        return ok ? std::make_optional(value) : std::nullopt;
+      };
+      const auto one = number(a), other = number(b);
+      if (one && other) return order(*one, *other);
+      if (one || other) return one ? -1 : 1;
+      return compareTexts(cell(a).text, cell(b).text);
+    }
+    default: return compareTexts(text(a, column), text(b, column));
   }
+}
+
+/// Codes before words, by their characters; words by pinyin.
+int CNaiveTable::compareTexts(const QString& a, const QString& b) const {
+  const auto isWord = [](const QString& text) {
+    return std::any_of(text.begin(), text.end(), [](QChar c) { return c.unicode() > 127; });
+  };
+  if (isWord(a) != isWord(b)) return isWord(a) ? 1 : -1;
+  const int collated = isWord(a) ? m_collator.compare(a, b) : 0;
+  return collated != 0 ? collated : order(a.toUtf8(), b.toUtf8());
+}
+
+QString CNaiveTable::sumText(int column) const {
+  std::int64_t sum = 0;
+  for (const CRow& row : displayedRows) {
+    if (column == CTestRecord::ColumnVolume) sum += row.record->volume;
+    if (column == CTestRecord::ColumnAmount) sum += std::llround(row.record->amount * 100);
+    const auto it = row.items.find(column);
+    if (column == CTestTable::ColumnExtra && it != row.items.end()) sum += it->second.value.value_or(0);
+  }
+  if (column != CTestRecord::ColumnAmount) return QString::fromStdString(rdservice::groupedText(std::to_string(sum)));
+  const std::int64_t cents = std::abs(sum);
+  return QString::fromStdString(
+      rdservice::groupedText(fmt::format("{}{}.{:02}", sum < 0 ? "-" : "", cents / 100, cents % 100)));
 }
 
 QString CNaiveTable::text(const CRow& row, int column) const {
@@ -127,7 +188,12 @@ QString CNaiveTable::text(const CRow& row, int column) const {
     return QString::fromStdString(rdservice::fieldText(field, *row.record));
   }
   const auto it = row.items.find(column);
-  return it != row.items.end() && it->second.visible ? it->second.text : QString();
+  if (it == row.items.end() || column == CTestTable::ColumnCheck) return {};
+  if (column == CTestTable::ColumnExtra) {
+    const auto value = it->second.value;
+    return value ? QString::fromStdString(rdservice::groupedText(std::to_string(*value))) : it->second.text;
+  }
+  return it->second.visible ? it->second.text : QString();
 }
 
 GW::CItemState CNaiveTable::item(int column, const std::string& key) const {

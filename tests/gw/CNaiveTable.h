@@ -2,8 +2,8 @@
 
 #include "CTestRecord.h"
 
-#include "gw/CTableChanges.h"
-#include "gw/CTableStore.h"
+#include "gw/table/CItemState.h"
+#include "gw/table/CSharedRows.h"
 
 #include <QCollator>
 
@@ -36,14 +36,17 @@ class CNaiveTable {
   void clear();
   /// What is held becomes what is displayed.
   void drain();
-  void setSort(int column, Qt::SortOrder order);
+  void setSort(std::vector<std::pair<int, Qt::SortOrder>> columns);
+  /// None: no filter.
+  void setFilter(int column, std::optional<std::set<QString>> texts);
 
   QString text(const CRow& row, int column) const;
+  QString sumText(int column) const;
   GW::CItemState item(int column, const std::string& key) const;
   const CRow* held(const std::string& key) const;
 
   std::vector<CRow> heldRows;       ///< by arrival; without items
-  std::vector<CRow> displayedRows;  ///< sorted
+  std::vector<CRow> displayedRows;  ///< sorted and filtered
   std::set<int> selected;           ///< serials
   int current = -1;                 ///< serial
 
@@ -51,12 +54,14 @@ class CNaiveTable {
   void drop(const std::set<std::string>& keys);
   void put(const CTestRecordPtr& record, GW::ERowRule rule, std::map<std::string, bool>& accepted);
   void changeItem(const GW::CItemChange& change);
-  void sortDisplayed();
-  int compare(const CRow& a, const CRow& b) const;
+  void arrange();
+  int compare(const CRow& a, const CRow& b, int column) const;
+  int compareTexts(const QString& a, const QString& b) const;
 
   QCollator m_collator;
   std::map<int, std::map<std::string, GW::CItemState>> m_items;
   int m_nextSerial = 0;
-  int m_sortColumn = -1;
-  Qt::SortOrder m_order = Qt::AscendingOrder;
+  std::vector<CRow> m_drained;  ///< by arrival
+  std::vector<std::pair<int, Qt::SortOrder>> m_sort;
+  std::map<int, std::set<QString>> m_filters;
 };

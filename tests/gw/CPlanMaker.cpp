@@ -4,19 +4,23 @@
 
 #include "rdservice/CDataVersion.h"
 
-#include <limits>
+#include <iterator>
 
 namespace {
 
 constexpr const char* NAMES[] = {"浦发银行", "安徽建工", "重庆啤酒", "长江电力", "ST中安",
                                  "贵州茅台", "",         "Apple",    "apple"};
-constexpr double AMOUNTS[] = {0.0, -0.0, 1.5, -1234.5, 9.0, 10.0, 1e9};
+constexpr double AMOUNTS[] = {0.0, -0.0, 1.5, -1234.56, 9.1, 10.01, 1e9};
+/// Numbers, codes that begin alike, words.
+constexpr const char* TEXTS[] = {"", "7", "12", "600", "-3", "contract-01", "contract-1", "contract", "备注", "安全"};
 constexpr std::int64_t VOLUMES[] = {
-    0, 9, 10, 100, -100, std::numeric_limits<std::int64_t>::max(), std::numeric_limits<std::int64_t>::min()};
+    0, 9, 10, 100, -100, 900000000000000, -900000000000000};
 
 }  // namespace
 
-std::string CPlanMaker::key() { return "k" + std::to_string(below(40)); }
+std::string CPlanMaker::keyOf(int number) {
+  return (number % 2 == 0 ? "k" : "compact-") + std::to_string(number);
+}
 
 CTestRecordPtr CPlanMaker::record() {
   auto record = boost::make_shared<CTestRecord>();
@@ -36,11 +40,24 @@ CTestRecordPtr CPlanMaker::record() {
 }
 
 GW::CItemChange CPlanMaker::item() {
-  const int column = CTestTable::ColumnText + below(2);
-  if (isOneIn(60)) return {GW::EItemPart::ResetColumn, column, std::string(), QString(), false};
-  const auto part = static_cast<GW::EItemPart>(below(4));
-  const bool isText = part == GW::EItemPart::Text;
-  return {part, column, key(), isText ? QString::number(below(30)) : QString(), !isText && !isOneIn(3)};
+  GW::CItemChange item;
+  item.column = CTestTable::ColumnText + below(CTestTable::ColumnEnd - CTestTable::ColumnText);
+  if (item.column != CTestTable::ColumnExtra && isOneIn(60)) {
+    item.part = GW::EItemPart::ResetColumn;
+    return item;
+  }
+  item.key = key();
+  const auto any = static_cast<GW::EItemPart>(below(4));  // text, visible, enabled, checked
+  item.part = any;
+  if (item.column == CTestTable::ColumnRanked && isOneIn(2)) item.part = GW::EItemPart::Value;
+  if (item.column == CTestTable::ColumnExtra) item.part = isOneIn(2) ? GW::EItemPart::Value : GW::EItemPart::Text;
+  if (item.part == GW::EItemPart::Text)
+    item.text = QString::fromUtf8(TEXTS[below(static_cast<int>(std::size(TEXTS)))]);
+  else if (item.part == GW::EItemPart::Value)
+    item.value = below(30) * 1000;
+  else
+    item.on = !isOneIn(3);
+  return item;
 }
 
 CBatchPlan CPlanMaker::plan() {

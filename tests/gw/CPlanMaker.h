@@ -16,7 +16,9 @@ class CPlanMaker {
   int below(int end) { return std::uniform_int_distribution<int>(0, end - 1)(m_random); }
   bool isOneIn(int count) { return below(count) == 0; }
 
-  std::string key();
+  static constexpr int KEYS = 40;
+  static std::string keyOf(int number);
+  std::string key() { return keyOf(below(KEYS)); }
   CTestRecordPtr record();
   GW::CItemChange item();
   CBatchPlan plan();

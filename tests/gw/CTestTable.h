@@ -3,26 +3,50 @@
 #include "CTestRecord.h"
 
 #include "gw/CBaseHighPerformanceTable.h"
-#include "gw/CTableView.h"
 #include "gw/column_delegates.h"
+#include "gw/view/CHpfTableView.h"
 
-#include <QHash>
+#include <optional>
 
-/// A table of test records with two delegate columns: one sorted by its texts, one by a number of the row key.
+/// A text column that is sorted by the cells' values.
+class CTestRankDelegate : public GW::CBaseTableColumnSimpleTextDelegate {
+ public:
+  CTestRankDelegate(int columnId, GW::CBaseHighPerformanceTable* table)
+      : CBaseTableColumnSimpleTextDelegate(columnId, table) {
+    setValueOrder(&rankOf);
+  }
+  using CBaseTableColumnSimpleTextDelegate::itemValue;
+  using CBaseTableColumnSimpleTextDelegate::setItemValue;
+
+  static qint64 rankOf(std::optional<qint64> value) { return value ? -(*value % 9) : 100; }
+};
+
+/// A table of test records with a delegate column for each way of sorting cells, and one of extra values.
 class CTestTable : public GW::CStandardHpfTable {
  public:
-  enum EPlainColumn : int { ColumnText = CTestRecord::ColumnCount, ColumnRanked, ColumnEnd };
+  enum EPlainColumn : int {
+    ColumnText = CTestRecord::ColumnCount,
+    ColumnRanked,
+    ColumnCheck,
+    ColumnNumber,
+    ColumnExtra,
+    ColumnEnd
+  };
 
   CTestTable() : CStandardHpfTable(1, nullptr) {
     addRecordColumns(CTestRecord::structDes());
-    for (const int id : {ColumnText, ColumnRanked}) {
-      const int added = addPlainColumn(id, QString::fromUtf8("备注%1").arg(id), Qt::AlignLeft | Qt::AlignVCenter);
-      setColumnDelegate(added, new GW::CBaseTableColumnSimpleTextDelegate(added, this));
-    }
-    columnDelegate(ColumnRanked)->setSortKey(&rankOf);
+    for (int id = ColumnText; id < ColumnEnd; ++id)
+      addPlainColumn(id, QString::fromUtf8("备注%1").arg(id), Qt::AlignLeft | Qt::AlignVCenter);
+    setColumnDelegate(ColumnText, new GW::CBaseTableColumnSimpleTextDelegate(ColumnText, this));
+    setColumnDelegate(ColumnRanked, new CTestRankDelegate(ColumnRanked, this));
+    setColumnDelegate(ColumnCheck, new GW::CBaseTableColumnCheckBoxDelegate(ColumnCheck, this));
+    setColumnDelegate(ColumnNumber, new GW::CBaseTableColumnLineeditDelegate(ColumnNumber, this));
+    for (const int id : {int(CTestRecord::ColumnVolume), int(CTestRecord::ColumnAmount), int(ColumnExtra)})
+      setColumnSumVisible(id, true);
   }
+  using CBaseHighPerformanceTable::setCellText;
+  using CBaseHighPerformanceTable::setCellValue;
 
-  static qint64 rankOf(const QString& rowKey) { return qHash(rowKey, 7U) % 9; }
-
-  GW::CTableView* view() const { return findChild<GW::CTableView*>(); }
+  CTestRankDelegate& ranked() const { return static_cast<CTestRankDelegate&>(*columnDelegate(ColumnRanked)); }
+  GW::CHpfTableView* view() const { return findChild<GW::CHpfTableView*>(); }
 };

@@ -181,6 +181,7 @@ class CRun {
     commit();
     if (isOneIn(40)) {
       m_rows.clear();
+      ASSERT_TRUE(m_rows.isDrained());
       m_mirror = CMirror();
       m_naive = CNaiveRows();
     }
@@ -192,7 +193,7 @@ class CRun {
  private:
   int below(int end) { return std::uniform_int_distribution<int>(0, end - 1)(m_random); }
   bool isOneIn(int count) { return below(count) == 0; }
-  std::string key() { return "k" + std::to_string(below(40)); }
+  std::string key() { return "k" + std::to_string(below(isOneIn(4) ? 200 : 40)); }
 
   CItemChange item() {
     CItemChange change;
@@ -208,19 +209,22 @@ class CRun {
   void commit() {
     CPlan plan;
     plan.rule = isOneIn(3) ? ERowRule::Push : ERowRule::Ordinary;
-    plan.clearFirst = isOneIn(25);
+    const bool isEmpty = m_naive.rows.empty();
+    const bool isBulk = isOneIn(isEmpty ? 3 : 40);  // mostly without a key that comes twice
+    plan.clearFirst = isOneIn(isBulk ? 2 : 25);
     if (isOneIn(6)) plan.dropGroup = static_cast<char>('0' + below(3));
-    const int records = isOneIn(4) ? below(40) : below(5);
+    const int records = isBulk ? 300 : isEmpty && isOneIn(2) ? 0 : isOneIn(4) ? below(40) : below(5);
     for (int i = 0; i <= records; ++i) {
-      for (int items = isOneIn(3) ? below(4) : 0; items > 0; --items) {
+      for (int items = isOneIn(isBulk ? 100 : isEmpty ? 1 : 3) ? below(4) : 0; items > 0; --items) {
         plan.items.push_back(item());
         plan.items.back().records = plan.records.size();
       }
       // Unpublished, older than most, or newest.
       const int kind = below(4);
       const std::uint64_t old = m_version - static_cast<std::uint64_t>(below(100));
+      const std::string id = isBulk && !isOneIn(800) ? "k" + std::to_string(i) : key();
       if (i < records)
-        plan.records.push_back(makeRecord(key(), kind == 0 ? 0 : kind == 1 ? old : ++m_version, char('0' + below(3))));
+        plan.records.push_back(makeRecord(id, kind == 0 ? 0 : kind == 1 ? old : ++m_version, char('0' + below(3))));
     }
     CChangeSet changes = plan.changes();
     GW::CTableScope present;
@@ -445,6 +449,27 @@ struct CThreads {
 };
 
 }  // namespace
+
+// Each prepares its rows while the table is empty; only one of them can hand them over as a whole.
+TEST(SharedRows, keepEveryRowOfWritersThatMeetInAnEmptyTable) {
+  constexpr int RECORDS = 400;
+  for (int round = 0; round < 40; ++round) {
+    CSharedRows rows(nullptr);
+    std::atomic<int> ready{0};
+    const auto write = [&rows, &ready](const std::string& prefix) {
+      CChangeSet changes;
+      for (int i = 0; i < RECORDS; ++i) changes.add(makeRecord(prefix + std::to_string(i), 1));
+      for (++ready; ready < 2;) std::this_thread::yield();
+      EXPECT_TRUE(rows.commit(changes, nullptr, ERowRule::Push, nullptr));
+    };
+    std::thread other(write, "a");
+    write("b");
+    other.join();
+    ASSERT_EQ(rows.all().size(), 2U * RECORDS);
+    ASSERT_NE(rows.find("a0"), nullptr);
+    ASSERT_NE(rows.find("b0"), nullptr);
+  }
+}
 
 TEST(SharedRows, showOneQueryAtATimeWithItsCells) {
   CThreads run;

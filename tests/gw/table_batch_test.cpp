@@ -5,13 +5,10 @@
 #include "CTestTable.h"
 
 #include "gw/CTableBatch.h"
-#include "gw/CTableModel.h"
-#include "gw/table_drain.h"
+#include "gw/IBaseHpfTableModel.h"
 #include "rdservice/CDataVersion.h"
 
-#include <QAbstractItemModelTester>
 #include <QCoreApplication>
-#include <QMap>
 #include <QSignalSpy>
 
 #include <gtest/gtest.h>
@@ -56,22 +53,10 @@ TEST(TableBatch, goesToItsOwnTableAndTheInnermostBatch) {
   EXPECT_EQ(two.getAllDatas().size(), 2U);
 }
 
-namespace {
-
-class CNumberDelegate : public GW::CBaseTableColumnSimpleTextDelegate {
- public:
-  using CBaseTableColumnSimpleTextDelegate::CBaseTableColumnSimpleTextDelegate;
-  using CBaseTableColumnSimpleTextDelegate::itemValue;
-  using CBaseTableColumnSimpleTextDelegate::setItemValue;
-};
-
-}  // namespace
-
 TEST(TableBatch, anItemGoesWithTheRecordBeforeIt) {
   CTestTable table;
   table.setScope(SCOPE);
-  auto* const delegate = new CNumberDelegate(CTestTable::ColumnText, &table);
-  table.setColumnDelegate(CTestTable::ColumnText, delegate);
+  auto* const delegate = &table.ranked();
   const QString key = QStringLiteral("a");
   const auto give = [&](std::uint64_t version, qint64 value) {
     table.updateData(makeRecord("a", version), false);
@@ -143,15 +128,12 @@ TEST(TableBatch, largeBatchIsShownInTurns) {
   std::vector<rdservice::IDataPtr> records;
   for (int i = 0; i < 60000; ++i) records.push_back(makeRecord(std::to_string(100000 + i)));
   table.updateDatas(records, false);
-  QSignalSpy inserted(table.view()->model(), &QAbstractItemModel::rowsInserted);
-  QSignalSpy changed(table.view()->model(), &QAbstractItemModel::dataChanged);
-  int moved = 0;
-  QObject::connect(table.view()->model(), &QAbstractItemModel::layoutChanged, [&moved] { ++moved; });
+  QSignalSpy inserted(table.getModel(), &QAbstractItemModel::modelReset);
+  QSignalSpy changed(table.getModel(), &QAbstractItemModel::dataChanged);
   int turns = 0;
   for (table.updateTable(); !table.isUpToDate(); QCoreApplication::processEvents()) ++turns;
   ASSERT_GE(turns, 2);
   EXPECT_LE(inserted.size(), turns + 1);
-  EXPECT_LE(moved, turns + 1);
   EXPECT_EQ(changed.size(), 0);
   ASSERT_EQ(table.rowCount(), 60000);
   for (int row = 0; row < 60000; row += 999) ASSERT_EQ(testRecord(table.getData(row)).id, std::to_string(159999 - row));
@@ -161,56 +143,6 @@ TEST(TableBatch, largeBatchIsShownInTurns) {
   table.updateTable();
   EXPECT_GE(changed.size(), 1);
   EXPECT_LE(changed.size(), 8);
-}
-
-// Turns of a few rows, so that clears and drops fall between the turns of one backlog and the steps of one turn.
-TEST(TableDrain, partialTurnsEndAtTheSameRows) {
-  for (unsigned seed = 1; seed <= 8; ++seed) {
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    CPlanMaker make(seed);
-    CNaiveTable naive;
-    GW::CTableStore store(nullptr);
-    GW::CTableModel model;
-    for (const auto& field : CTestRecord::structDes()) {
-      GW::CTableColumn column;
-      column.field = &field;
-      model.addColumn(std::move(column));
-    }
-    const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
-    model.setSort(seed % 2 == 0 ? -1 : CTestRecord::ColumnName, Qt::AscendingOrder);
-    naive.setSort(seed % 2 == 0 ? -1 : CTestRecord::ColumnName, Qt::AscendingOrder);
-    const auto commit = [&make, &store, &naive] {
-      const CBatchPlan plan = make.plan();
-      GW::CTableChanges changes;
-      changes.clearFirst = plan.clearFirst;
-      if (plan.dropGroup) {
-        changes.belongs = [group = *plan.dropGroup](const rdservice::IData& r) {
-          return static_cast<const CTestRecord&>(r).group == group;
-        };
-      }
-      for (const auto& record : plan.records) changes.add(record);
-      for (const auto& item : plan.items) changes.add(item);
-      ASSERT_TRUE(store.commit(changes, nullptr, plan.rule, nullptr));
-      naive.apply(plan);
-    };
-    for (int step = 0; step < 250; ++step) {
-      commit();
-      const auto meanwhile = [&make, &commit] {
-        if (make.isOneIn(4)) commit();
-        return make.isOneIn(3);
-      };
-      const GW::CDrainLimits few{static_cast<std::size_t>(1 + make.below(4)), 12, meanwhile};
-      GW::drainTable(store, model, few);
-      if (!store.isDrained() && !make.isOneIn(8)) continue;
-      const GW::CDrainLimits all{100, 100000, [] { return false; }};
-      ASSERT_TRUE(GW::drainTable(store, model, all));
-      ASSERT_TRUE(store.isDrained());
-      naive.drain();
-      ASSERT_EQ(model.rowCount(), static_cast<int>(naive.displayedRows.size()));
-      for (int row = 0; row < model.rowCount(); ++row)
-        ASSERT_EQ(model.record(row), naive.displayedRows[static_cast<std::size_t>(row)].record);
-    }
-  }
 }
 
 namespace {

@@ -16,9 +16,10 @@ QStringList layoutOf(const CTestTable& table) {
     columns << QStringLiteral("%1@%2 %3%4")
                    .arg(id)
                    .arg(table.columnPosition(id))
-                   .arg(table.isColumnHidden(id) ? -1 : table.view()->columnWidth(id))
+                   .arg(table.isColumnHidden(id) ? -1 : table.view()->header()->sectionSize(id))
                    .arg(table.isColumnHidden(id) ? QStringLiteral(" hidden") : QString());
   }
+  columns << table.saveConfigStr();  // sort order and filters are told by nothing else
   return columns;
 }
 
@@ -33,6 +34,10 @@ TEST(TableColumns, layoutIsRestoredAndDamageChangesNothing) {
   changed.setColumnWidth(CTestRecord::ColumnGroup, 77);
   changed.setColumnHidden(CTestRecord::ColumnGroup, true);
   changed.setColumnHidden(CTestRecord::ColumnDate, false);
+  changed.setSortColumn(CTestRecord::ColumnName, Qt::DescendingOrder);
+  changed.addSortColumn(CTestTable::ColumnNumber, Qt::AscendingOrder);
+  changed.onFilterTrigger(CTestRecord::ColumnName, GW::FilterValues, {QString(), QString::fromUtf8("甲|乙;,:%= ")});
+  changed.onFilterTrigger(CTestTable::ColumnText, GW::FilterValues, {});
   const QString saved = changed.saveConfigStr();
   EXPECT_TRUE(saved.startsWith(QLatin1String("901;")));
   EXPECT_FALSE(saved.contains(QLatin1Char('|')));
@@ -58,7 +63,7 @@ TEST(TableColumns, layoutIsRestoredAndDamageChangesNothing) {
   ASSERT_TRUE(table.loadConfigStr(saved));
   EXPECT_EQ(layoutOf(table), layoutOf(changed));
   table.setColumnHidden(CTestRecord::ColumnGroup, false);
-  EXPECT_EQ(table.view()->columnWidth(CTestRecord::ColumnGroup), 77);  // kept while hidden
+  EXPECT_EQ(table.view()->header()->sectionSize(CTestRecord::ColumnGroup), 77);  // kept while hidden
 }
 
 TEST(TableColumns, headerIsNeverCut) {
@@ -70,7 +75,7 @@ TEST(TableColumns, headerIsNeverCut) {
     if (isFitted) table.adjustVisibleRowsColumnWidth();
     for (int id = 0; id < table.columnCount(); ++id) {
       table.setSortColumn(id, Qt::AscendingOrder);  // the arrow needs its place too
-      EXPECT_GE(table.view()->columnWidth(id), table.view()->horizontalHeader()->sectionSizeHint(id)) << id;
+      EXPECT_GE(table.view()->header()->sectionSize(id), table.view()->header()->sectionSizeHint(id)) << id;
     }
   }
 }
@@ -85,7 +90,7 @@ TEST(TableColumns, headerClicksCycle) {
   table.updateTable();
   table.resize(800, 200);
   table.show();
-  QHeaderView* header = table.view()->horizontalHeader();
+  QHeaderView* header = table.view()->header();
   for (const char* expected : {"abc", "cba", "bca", "abc"}) {
     QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier,
                       QPoint(header->sectionViewportPosition(0) + 20, 8));

@@ -1,10 +1,12 @@
-// A table on the screen against the naive model: batches of every kind, sorting, columns, selection, scrolling.
+// A table on the screen against the naive model: batches of every kind, sorting, filters, sums, columns, selection,
+// scrolling.
 
 #include "CNaiveTable.h"
 #include "CPlanMaker.h"
 #include "CTestTable.h"
 
 #include "gw/CTableBatch.h"
+#include "gw/IBaseHpfTableModel.h"
 
 #include <QAbstractItemModelTester>
 #include <QScrollBar>
@@ -20,14 +22,16 @@ const GW::CTableScope SCOPES[] = {{"3.1001", '0', 0}, {"3.1002", '0', 0}, {"3.10
 class CTableRun {
  public:
   explicit CTableRun(unsigned seed)
-      : m_make(seed), m_tester(m_table.view()->model(), QAbstractItemModelTester::FailureReportingMode::Fatal) {
+      : m_make(seed), m_tester(m_table.getModel(), QAbstractItemModelTester::FailureReportingMode::Fatal) {
     m_table.resize(700, 220);
     m_table.show();
     for (int id = 0; id < m_table.columnCount(); ++id) m_columns.push_back(id);
   }
 
   void step() {
-    switch (m_make.below(16)) {
+    switch (m_make.below(18)) {
+      case 16: filter(); break;
+      case 17:
       case 0: sort(); break;
       case 1: moveColumn(); break;
       case 2:
@@ -47,21 +51,30 @@ class CTableRun {
   }
 
  private:
-  static void change(GW::CBaseTableColumnWidgetDelegate& delegate, const GW::CItemChange& item) {
+  void change(const GW::CItemChange& item) {
     const QString key = QString::fromStdString(item.key);
+    if (item.column == CTestTable::ColumnExtra) {
+      if (item.part == GW::EItemPart::Text)
+        m_table.setCellText(item.column, item.key, item.text);
+      else
+        m_table.setCellValue(item.column, item.key, item.value);
+      return;
+    }
+    GW::CBaseTableColumnWidgetDelegate& delegate = *m_table.columnDelegate(item.column);
     switch (item.part) {
       case GW::EItemPart::Text: delegate.setItemText(key, item.text); break;
       case GW::EItemPart::Visible: delegate.setItemVisible(key, item.on); break;
       case GW::EItemPart::Enabled: delegate.setItemEnabled(key, item.on); break;
+      case GW::EItemPart::CheckedAlone:
       case GW::EItemPart::Checked: delegate.setItemChecked(key, item.on); break;
       case GW::EItemPart::ResetColumn: delegate.reset(); break;
-      case GW::EItemPart::Value: break;  // of derived delegates
+      case GW::EItemPart::Value: m_table.ranked().setItemValue(key, item.value); break;
     }
   }
 
   void give(const CBatchPlan& plan) {
     for (const auto& record : plan.records) m_table.updateData(record, false);
-    for (const auto& item : plan.items) change(*m_table.columnDelegate(item.column), item);
+    for (const auto& item : plan.items) change(item);
   }
 
   void batch() {
@@ -108,10 +121,36 @@ class CTableRun {
   }
 
   void sort() {
+    const auto direction = [this] { return m_make.isOneIn(2) ? Qt::AscendingOrder : Qt::DescendingOrder; };
+    std::vector<std::pair<int, Qt::SortOrder>> by;
     const int column = m_make.below(m_table.columnCount() + 1) - 1;
-    const auto order = m_make.isOneIn(2) ? Qt::AscendingOrder : Qt::DescendingOrder;
-    m_table.setSortColumn(column, order);
-    m_naive.setSort(column, order);
+    if (column >= 0) by.emplace_back(column, direction());
+    m_table.setSortColumn(column, by.empty() ? Qt::AscendingOrder : by.front().second);
+    for (int more = column < 0 ? 0 : m_make.below(3); more > 0; --more) {
+      const std::pair<int, Qt::SortOrder> next(m_make.below(m_table.columnCount()), direction());
+      m_table.addSortColumn(next.first, next.second);
+      const auto it = std::find_if(by.begin(), by.end(), [&next](const auto& b) { return b.first == next.first; });
+      if (it == by.end())
+        by.push_back(next);
+      else
+        it->second = next.second;
+    }
+    m_naive.setSort(by);
+  }
+
+  void filter() {
+    const int column = m_make.below(m_table.columnCount());
+    if (m_make.isOneIn(2)) {
+      m_table.onFilterTrigger(column, GW::FilterNone, {});
+      m_naive.setFilter(column, std::nullopt);
+      return;
+    }
+    std::set<QString> texts{QString(), QStringLiteral("no such text")};
+    for (int row = 0; row < m_table.rowCount(); ++row) {
+      if (!m_make.isOneIn(4)) texts.insert(m_table.cellText(row, column));
+    }
+    m_table.onFilterTrigger(column, GW::FilterValues, QStringList(texts.begin(), texts.end()));
+    m_naive.setFilter(column, texts);
   }
 
   void moveColumn() {
@@ -126,26 +165,25 @@ class CTableRun {
 
   void select() {
     if (m_table.rowCount() == 0) return;
-    QItemSelectionModel& selection = *m_table.view()->selectionModel();
+    GW::CHpfTableView& view = *m_table.view();
     const int row = m_make.below(m_table.rowCount());
     const int serial = m_naive.displayedRows[static_cast<std::size_t>(row)].serial;
-    const QModelIndex index = m_table.view()->model()->index(row, 0);
     if (m_make.isOneIn(3)) {
-      selection.setCurrentIndex(index, QItemSelectionModel::NoUpdate);
+      view.setCurrentCell(row, 0);
       m_naive.current = serial;
     } else {
       const bool isSelected = m_naive.selected.erase(serial) > 0;
       if (!isSelected) m_naive.selected.insert(serial);
-      selection.select(index, QItemSelectionModel::Rows | QItemSelectionModel::Toggle);
+      view.addToSelection(row, !isSelected);
     }
-    QScrollBar& bar = *m_table.view()->verticalScrollBar();
+    QScrollBar& bar = *view.verticalScrollBar();
     if (m_make.isOneIn(3)) bar.setValue(m_make.below(bar.maximum() + 1));
   }
 
   void update() {
-    GW::CTableView& view = *m_table.view();
+    GW::CHpfTableView& view = *m_table.view();
     const int top = view.rowAt(0);
-    const int offset = top < 0 ? 0 : view.rowViewportPosition(top);
+    const int offset = top < 0 ? 0 : view.cellRect(top, 0).top();
     const int serial = top < 0 ? -1 : m_naive.displayedRows[static_cast<std::size_t>(top)].serial;
     m_table.updateTable();
     m_naive.drain();
@@ -155,7 +193,7 @@ class CTableRun {
     if (it == rows.end()) return;
     const QScrollBar& bar = *view.verticalScrollBar();
     const int row = static_cast<int>(it - rows.begin());
-    ASSERT_EQ(bar.value(), std::min(bar.maximum(), row * view.rowHeight(0) - offset));
+    ASSERT_EQ(bar.value(), std::min(bar.maximum(), row * view.rowHeight() - offset));
   }
 
   void compareHeld() {
@@ -165,14 +203,15 @@ class CTableRun {
     const std::string key = m_make.key();
     const CNaiveTable::CRow* held = m_naive.held(key);
     ASSERT_EQ(m_table.getDataByKey(key).get(), held == nullptr ? nullptr : held->record.get());
-    for (int column = CTestTable::ColumnText; column < CTestTable::ColumnEnd; ++column) {
+    for (int column = CTestTable::ColumnText; column < CTestTable::ColumnExtra; ++column) {
       const GW::CBaseTableColumnWidgetDelegate& delegate = *m_table.columnDelegate(column);
       bool isEmpty = true;
-      for (int i = 0; i < 40; ++i) {
-        const std::string itemKey = "k" + std::to_string(i);
+      for (int i = 0; i < CPlanMaker::KEYS; ++i) {
+        const std::string itemKey = m_make.keyOf(i);
         const QString qKey = QString::fromStdString(itemKey);
-        const GW::CItemState state{delegate.itemText(qKey), delegate.isItemVisible(qKey), delegate.isItemEnabled(qKey),
-                                   delegate.isItemChecked(qKey), std::nullopt};
+        GW::CItemState state{delegate.itemText(qKey), delegate.isItemVisible(qKey), delegate.isItemEnabled(qKey),
+                             delegate.isItemChecked(qKey), std::nullopt};
+        if (column == CTestTable::ColumnRanked) state.value = m_table.ranked().itemValue(qKey);
         ASSERT_TRUE(state == m_naive.item(column, itemKey)) << itemKey;
         isEmpty = isEmpty && state.text.isEmpty();
       }
@@ -183,18 +222,21 @@ class CTableRun {
   void compareDisplayed() {
     const auto& rows = m_naive.displayedRows;
     ASSERT_EQ(m_table.rowCount(), static_cast<int>(rows.size()));
-    std::set<int> selected;
-    const QItemSelectionModel& selection = *m_table.view()->selectionModel();
     for (int row = 0; row < m_table.rowCount(); ++row) {
       const CNaiveTable::CRow& naive = rows[static_cast<std::size_t>(row)];
       ASSERT_EQ(m_table.getData(row), naive.record) << "row " << row;
       for (int column = 0; column < m_table.columnCount(); ++column) {
         ASSERT_EQ(m_table.cellText(row, column), m_naive.text(naive, column)) << "row " << row << " column " << column;
       }
-      if (selection.isRowSelected(row, QModelIndex())) selected.insert(naive.serial);
     }
+    std::set<int> selected;
+    for (const int row : m_table.selectedRows()) selected.insert(rows[static_cast<std::size_t>(row)].serial);
     ASSERT_EQ(selected, m_naive.selected);
-    const int current = selection.currentIndex().row();
+    for (int column = 0; column < m_table.columnCount(); ++column) {
+      const QString sum = m_table.columnSumText(column);
+      ASSERT_TRUE(sum.isEmpty() || sum == m_naive.sumText(column)) << "column " << column << " " << sum.toStdString();
+    }
+    const int current = m_table.currentRow();
     ASSERT_EQ(current < 0 ? -1 : rows[static_cast<std::size_t>(current)].serial, m_naive.current);
   }
 

@@ -1,7 +1,7 @@
 // The widgets of vn that need none of its services.
 
 #include "gw/CBaseWidget.h"
-#include "gw/CTableView.h"
+#include "gw/view/CHpfTableView.h"
 #include "rdservice/CStkUnClosedCompacts.h"
 #include "rdservice/rdservice_enums.h"
 #include "rdservice/struct_registry.h"
@@ -121,9 +121,9 @@ TEST(HpfDataTable, menuCopiesSelectedRowsAsShown) {
   table.setSortColumn(code, Qt::AscendingOrder);
   table.resize(400, 300);
   table.show();
-  auto* const view = table.findChild<GW::CTableView*>();
-  view->selectRow(2);
-  view->selectionModel()->select(view->model()->index(0, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+  auto* const view = table.findChild<GW::CHpfTableView*>();
+  view->selectRows(2, 2);
+  view->addToSelection(0, true);
   QApplication::clipboard()->clear();
   QTimer::singleShot(0, [] {
     auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
@@ -132,6 +132,6 @@ TEST(HpfDataTable, menuCopiesSelectedRowsAsShown) {
     menu->actions().front()->trigger();
     menu->close();
   });
-  Q_EMIT view->customContextMenuRequested(QPoint(5, 5));
+  Q_EMIT view->sigMenuRequested(QPoint(5, 5));
   EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("7\t600000\n7\t600002"));
 }

@@ -13,9 +13,11 @@ using utils::CMutexLock;
 
 namespace {
 
+/// Batches of as many records are made to rows before the lock when the table is empty.
+constexpr std::size_t PREPARED_RECORDS = 256;
 constexpr std::size_t PREFETCH_AHEAD = 8;
 /// Early keys without cells that are not worth removing.
-constexpr int UNUSED_EARLY_KEYS = 64;
+constexpr int UNUSED_EARLY_KEYS = 16;
 
 std::size_t at(int index) { return static_cast<std::size_t>(index); }
 
@@ -53,6 +55,8 @@ CSharedRows::~CSharedRows() = default;
 
 bool CSharedRows::commit(CChangeSet& changes, const CScopeTest& accepts, ERowRule rule, CTableScope* present) {
   CGarbage garbage;
+  CRows prepared;
+  if (changes.records.size() >= PREPARED_RECORDS && isEmptyFor(changes)) prepared = rowsOf(changes);
   int added = 0;
   {
     CMutexLock lock(m_mutex);
@@ -64,13 +68,16 @@ bool CSharedRows::commit(CChangeSet& changes, const CScopeTest& accepts, ERowRul
     if (changes.belongs) dropAbsent(changes, garbage);
 
     const int before = slotCount();
-    if (before == 0) {
-      m_rows.keys.reserve(changes.records.size(), changes.keyBytes());
-      m_rows.records.reserve(changes.records.size());
-      m_rows.marks.reserve(changes.records.size());
+    std::size_t done = 0;
+    if (before == 0 && !prepared.records.empty()) {
+      std::swap(m_rows, prepared);
+      for (; done < changes.records.size() && !m_early.keys.isEmpty(); ++done) {
+        const CChangeSet::CRecord& change = changes.records[done];
+        takeEarlyItems(change, changes.key(change), static_cast<int>(done));
+      }
+      done = changes.records.size();
     }
     std::vector<int> refused;
-    std::size_t done = 0;
     const auto putUntil = [&](std::size_t end) TS_REQUIRES(m_mutex) {
       for (; done < end; ++done) {
         if (done + PREFETCH_AHEAD < end) m_rows.keys.prefetch(changes.records[done + PREFETCH_AHEAD].hash);
@@ -96,6 +103,25 @@ bool CSharedRows::commit(CChangeSet& changes, const CScopeTest& accepts, ERowRul
   const std::size_t count = garbage.size();
   releaseRecords(std::move(garbage), count);
   return true;
+}
+
+bool CSharedRows::isEmptyFor(const CChangeSet& changes) const {
+  CMutexLock lock(m_mutex);
+  return changes.clearFirst || slotCount() == 0;
+}
+
+/// The rows of a batch in an empty table; none when a key comes twice. Without such keys no record is refused, so that
+/// the items may follow all of them.
+CSharedRows::CRows CSharedRows::rowsOf(const CChangeSet& changes) {
+  CRows rows;
+  rows.keys.reserve(changes.records.size(), changes.keyBytes());
+  rows.records.reserve(changes.records.size());
+  for (const CChangeSet::CRecord& change : changes.records) {
+    if (rows.keys.findOrAdd(change.hash, changes.key(change)) != static_cast<int>(rows.records.size())) return CRows();
+    rows.records.push_back(change.record);
+  }
+  rows.marks.resize(rows.records.size());
+  return rows;
 }
 
 void CSharedRows::put(const CChangeSet& changes, CChangeSet::CRecord& change, ERowRule rule,

@@ -125,6 +125,11 @@ QString CShownRows::valueText(int columnId, std::uint32_t code) const {
   return values && values->isKnown(code) ? values->text(code) : QString();
 }
 
+void CShownRows::holdValues(int columnId, bool on) {
+  if (column(columnId) == nullptr) return;
+  if (on || m_d->columns[at(columnId)]->values) m_d->valuesOf(columnId).hold(on);
+}
+
 void CShownRows::setSum(int columnId, bool on) {
   if (column(columnId) == nullptr) return;
   Private::CColumn& held = *m_d->columns[at(columnId)];

@@ -99,7 +99,7 @@ std::uint32_t CValueColumn::add(CValue value) {
 /// An accepted value is remembered, so that a row that takes it again is shown again.
 void CValueColumn::dropIfUnused(std::uint32_t code) {
   CValue& value = m_values[code];
-  if (value.cells > 0 || value.isAccepted || !value.isUsed) return;
+  if (value.cells > 0 || value.isAccepted || !value.isUsed || m_isHeld) return;
   if (hasRaw())
     m_byRaw.erase(value.raw);
   else
@@ -162,6 +162,12 @@ void CValueColumn::acceptCodes(const std::vector<std::uint32_t>& wanted) {
   m_isFiltering = true;
   for (CValue& value : m_values) value.isAccepted = false;
   for (const std::uint32_t code : known) m_values[code].isAccepted = true;
+  for (std::uint32_t code = 0; code < m_values.size(); ++code) dropIfUnused(code);
+}
+
+void CValueColumn::hold(bool on) {
+  m_isHeld = on;
+  if (on) return;
   for (std::uint32_t code = 0; code < m_values.size(); ++code) dropIfUnused(code);
 }
 

@@ -41,6 +41,9 @@ class CValueColumn {
   /// The accepted texts.
   QStringList accepted() const;
 
+  /// While on, values that no cell has any more keep their codes.
+  void hold(bool on);
+
   std::vector<std::uint32_t> codes;  ///< by slot
   std::size_t memory() const;
 
@@ -67,6 +70,7 @@ class CValueColumn {
   std::unordered_map<std::uint64_t, std::uint32_t> m_byRaw;
   QHash<QString, std::uint32_t> m_byText;
   bool m_isFiltering = false;
+  bool m_isHeld = false;
   QSet<QString> m_acceptedTexts;  ///< those asked for by text, also of values that no cell has yet
 };
 

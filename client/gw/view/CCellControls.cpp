@@ -70,7 +70,7 @@ bool CCellControls::Private::check(int slot, int columnId) {
 CCellControls::CCellControls(CHpfTableView& view, CShownRows& rows)
     : m_d(std::make_unique<Private>(this, view, rows)) {}
 
-CCellControls::~CCellControls() { m_d->close(); }
+CCellControls::~CCellControls() { m_d->close(true); }
 
 bool CCellControls::isControl(const CTableColumn& column) {
   return column.delegate && CDelegateControl::of(*column.delegate).kind != ECellControl::Text;
@@ -98,17 +98,14 @@ void CCellControls::paint(QPainter& painter, const QRect& cell, int slot, int co
 }
 
 bool CCellControls::press(int slot, int columnId, const QRect& cell, const QPoint& position) {
+  const std::optional<int> present = m_d->commitBefore(slot);
+  if (!present) return true;
   const CTableColumn* column = m_d->rows.column(columnId);
-  const std::string key = m_d->hasSlot(slot) ? m_d->rows.key(slot) : std::string();
-  const QPointer<CCellControls> self(this);
-  finish();
-  if (self.isNull()) return true;
-  if (column == nullptr || !m_d->hasSlot(slot)) return false;
-  if (m_d->rows.key(slot) != key) return true;  // the commit has replaced the rows: nothing of what was clicked is left
-  if (isEditable(*column)) return edit(slot, columnId, QString());
+  if (column == nullptr || !m_d->hasSlot(*present)) return false;
+  if (isEditable(*column)) return edit(*present, columnId, QString());
   const QRect box = CControlPainter::boxRect(cell, m_d->view.fontMetrics());
   const QRect area = box.adjusted(-HIT_MARGIN, -HIT_MARGIN, HIT_MARGIN, HIT_MARGIN);
-  return isControl(*column) && area.contains(position) && m_d->check(slot, columnId);
+  return isControl(*column) && area.contains(position) && m_d->check(*present, columnId);
 }
 
 bool CCellControls::toggle(int slot, int columnId) { return m_d->check(slot, columnId); }

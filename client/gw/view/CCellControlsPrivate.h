@@ -13,6 +13,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace GW {
 
@@ -34,30 +35,39 @@ struct CCellControls::Private {
   bool hasSlot(int slot) const;
   static bool isOpen(const CItemState& state);
 
-  // These return false when a receiver has destroyed the view: then nothing may be touched any more.
+  // These return false when whoever was told has destroyed the view: then nothing may be touched any more.
   bool store(const CDelegateControl& control, CItemChange item);
   bool deliver(int columnId, int type, int p2, const QString& text, void* data);
-  bool commit(bool keepFocus);
-  /// Commits, then opens the next cell in reading order that can be edited.
-  bool step(bool backwards);
+  bool commit();
+  /// Stores and reports what was typed, unless the cell is gone meanwhile.
+  bool report(const QString& text);
 
   /// Ticks or unticks; whether the cell can.
   bool check(int slot, int columnId);
 
-  bool isEditableAt(int row, int columnId) const;
+  /// Commits what is open; what `slot` is called afterwards: -1 when its row is gone, none when the view is.
+  std::optional<int> commitBefore(int slot);
+  /// Row and column of the next cell as shown that is neither invisible nor disabled; -1 and -1 when there is none.
+  std::pair<int, int> nextOpen(std::pair<int, int> cell, bool backwards) const;
+  /// Commits, then opens the next cell in reading order that can be edited. The view may be gone afterwards.
+  void step(bool backwards);
+  /// Reports that editing begins and opens the editor. False, and nothing done, for a cell that cannot be edited; the
+  /// view may be gone when it is true.
   bool begin(int slot, int columnId, const QString& typed);
   void open(const CDelegateControl& control, const QString& text, const QString& typed);
-  bool isEditorsRow(int slot) const;
-  /// Without commit; the view gets the focus back if the editor had it.
-  void close();
-  bool keyPressed(int key);
+  /// Without commit. The view gets the focus that the editor had, unless it is its end (`isLast`).
+  void close(bool isLast);
+  void showEditor();
+  void keyPressed(int key);
+  /// Commits, now or soon; whether it was done now.
+  bool focusLost();
 
   CCellControls* q;
   CHpfTableView& view;
   CShownRows& rows;
   mutable CControlPainter painter;
   std::optional<CEditing> editing;
-  int targetSlot = -1;  ///< the cell that is opened after a commit
+  int targetSlot = -1;  ///< its row is followed while something else is committed
 };
 
 }  // namespace GW

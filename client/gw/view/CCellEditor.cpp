@@ -73,12 +73,9 @@ void CCellEditor::setLook() {
   set(QPalette::Text, "clr_table_text");
   m_widget->setPalette(colors);
   m_widget->setAutoFillBackground(true);
-  if (m_spin != nullptr) {
-    m_spin->setFrame(false);
-    return;
-  }
-  m_line->setStyleSheet(QStringLiteral("QLineEdit { border: 1px solid %1; padding: 0px 3px; }")
-                            .arg(themeColor("clr_table_control_accent")));
+  const QString padding = QString::fromLatin1(m_spin == nullptr ? "0px 3px" : "0px");
+  m_widget->setStyleSheet(QStringLiteral("QLineEdit, QSpinBox { border: 1px solid %1; padding: %2; }")
+                            .arg(themeColor("clr_table_control_accent"), padding));
 }
 
 }  // namespace GW

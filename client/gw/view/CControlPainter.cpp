@@ -35,6 +35,7 @@ CControlPainter::~CControlPainter() = default;
 CControlPainter::CColors CControlPainter::themeColors() {
   CColors colors;
   colors.border = themeColor("clr_table_control_border");
+  colors.fieldBorder = themeColor("clr_btn_border");
   colors.background = themeColor("clr_table_control_background");
   colors.accent = themeColor("clr_table_control_accent");
   colors.mark = themeColor("clr_table_control_mark");
@@ -116,7 +117,7 @@ void CControlPainter::paintField(QPainter& painter, const QRect& cell, const QSt
                                  bool enabled, const QPalette& colors) const {
   const QRect frame = frameRect(cell);
   if (frame.width() <= 2 || frame.height() <= 2) return;
-  painter.fillRect(frame, enabled ? m_colors.border : m_colors.disabledBorder);
+  painter.fillRect(frame, enabled ? m_colors.fieldBorder : m_colors.disabledBorder);
   painter.fillRect(frame.adjusted(1, 1, -1, -1), enabled ? m_colors.background : m_colors.disabledBackground);
   if (text.isEmpty()) return;
   const QRect area = frame.adjusted(TEXT_GAP, 0, -TEXT_GAP, 0);

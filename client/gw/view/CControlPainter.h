@@ -32,7 +32,7 @@ class CControlPainter : public CUiResourceChangeHandler {
 
  private:
   struct CColors {
-    QColor border, background, accent, mark;
+    QColor border, fieldBorder, background, accent, mark;
     QColor disabledBorder, disabledBackground, disabledText;
   };
   static CColors themeColors();

@@ -31,7 +31,8 @@ constexpr const char* TEXT_NOTHING = "未找到";
 constexpr const char* TEXT_OK = "确定";
 constexpr const char* TEXT_CANCEL = "取消";
 
-constexpr int MIN_VALUES = 4;  ///< the list has room for so many
+constexpr int RELOAD_MS = 200;  ///< rows that are loaded anew come in many turns
+constexpr int MIN_VALUES = 4;   ///< the list has room for so many
 constexpr int MAX_VALUES = 14;
 constexpr int MIN_WIDTH = 220;
 constexpr int MAX_WIDTH = 420;
@@ -97,6 +98,8 @@ CFilterMenu::CFilterMenu(CShownRows& rows, int columnId, QWidget* view)
   });
   connect(m_ok, &QPushButton::clicked, this, [this] { accept(); });
   connect(m_cancel, &QPushButton::clicked, this, [this] { close(); });
+  m_reload.setSingleShot(true);
+  connect(&m_reload, &QTimer::timeout, this, [this] { reload(); });
   m_values->load();
 }
 
@@ -151,10 +154,15 @@ void CFilterMenu::popup(const QRect& section) {
 }
 
 void CFilterMenu::rowsChanged(const CRowsChange& change) {
-  if (change.kind != CRowsChange::Reset || change.newSlots == nullptr) return;
-  const QString text = m_text->text().trimmed();
+  const bool isDropped = change.kind == CRowsChange::Reset && change.newSlots != nullptr;
+  const bool isFilling = m_hasDropped && (change.kind == CRowsChange::Append || change.kind == CRowsChange::Reset);
+  m_hasDropped = m_hasDropped || isDropped;
+  if ((isDropped || isFilling) && !m_reload.isActive()) m_reload.start(RELOAD_MS);
+}
+
+void CFilterMenu::reload() {
+  m_reload.stop();
   m_values->load();
-  if (!text.isEmpty()) m_values->search(text);
   showState();
 }
 
@@ -168,10 +176,13 @@ void CFilterMenu::showState() {
   m_all->setCheckState(m_values->shownState());
   m_all->setEnabled(!isSearching && !isEmpty);
   m_ok->setEnabled(!isSearching && m_values->shownState() != Qt::Unchecked);
-  m_state->setText(isSearching ? QString::fromUtf8(TEXT_SEARCHING) : isEmpty ? QString::fromUtf8(TEXT_NOTHING) : QString());
+  m_state->setText(isSearching ? QString::fromUtf8(TEXT_SEARCHING)
+                   : isEmpty   ? QString::fromUtf8(TEXT_NOTHING)
+                               : QString());
 }
 
 void CFilterMenu::accept() {
+  if (m_reload.isActive()) reload();
   m_acceptsWhenFound = m_values->isSearching();
   if (m_acceptsWhenFound || m_values->shownState() == Qt::Unchecked) return;
   const QPointer<CFilterMenu> self(this);

@@ -3,6 +3,7 @@
 #include "gw/table/CShownRows.h"
 
 #include <QFrame>
+#include <QTimer>
 
 class QCheckBox;
 class QLabel;
@@ -16,8 +17,9 @@ namespace GW {
 class CFilterValues;
 
 /// The pop-up under a header section with the column's values to choose from: a type-ahead, a box for all that it
-/// shows, and the values with their numbers of rows. The values are those of the time of opening; rows may come, go
-/// and move meanwhile. A child of the view, it goes with it; closed, it deletes itself. GUI thread.
+/// shows, and the values with their numbers of rows. Rows may come, go and move meanwhile: the values remain those of
+/// the time of opening until rows are dropped, then they follow, and ticks stay on their values. A child of the view,
+/// it goes with it; closed, it deletes itself. GUI thread.
 class CFilterMenu : public QFrame {
   Q_OBJECT
 
@@ -28,7 +30,7 @@ class CFilterMenu : public QFrame {
 
   /// Under the section (global coordinates), or above it when there is no room.
   void popup(const QRect& section);
-  /// Told by the owner after a change: values of rows that were dropped are no choice any more.
+  /// Told by the owner after a change. When the column itself changes, the owner closes the menu.
   void rowsChanged(const CRowsChange& change);
 
   int columnId() const { return m_columnId; }
@@ -44,6 +46,7 @@ class CFilterMenu : public QFrame {
  private:
   void addWidgets();
   void showState();
+  void reload();
   void accept();
 
   CShownRows& m_rows;
@@ -55,6 +58,8 @@ class CFilterMenu : public QFrame {
   QListView* m_list;
   QPushButton* m_ok;
   QPushButton* m_cancel;
+  QTimer m_reload;
+  bool m_hasDropped = false;        ///< rows, since the menu was opened
   bool m_acceptsWhenFound = false;  ///< accepted while the type-ahead was still looking
 };
 

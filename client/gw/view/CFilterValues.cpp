@@ -23,17 +23,28 @@ QString counted(int rows) {
 }  // namespace
 
 CFilterValues::CFilterValues(CShownRows& rows, int columnId, QObject* parent)
-    : QAbstractListModel(parent), m_rows(rows), m_columnId(columnId), m_task(nullptr) {}
+    : QAbstractListModel(parent), m_rows(rows), m_columnId(columnId), m_task(nullptr) {
+  m_rows.holdValues(m_columnId, true);
+}
 
-CFilterValues::~CFilterValues() = default;
+CFilterValues::~CFilterValues() { m_rows.holdValues(m_columnId, false); }
 
 void CFilterValues::load() {
-  m_task.stop();
-  m_text.clear();
-  // The old codes mean nothing any more: nothing is shown until the new ones are there.
-  show({});
-  m_values = m_rows.values(m_columnId);
-  search(QString());
+  std::vector<CShownRows::CValue> values = m_rows.values(m_columnId);
+  const auto isTicked = [](const CShownRows::CValue& value) { return value.isAccepted; };
+  if (!m_values.empty()) m_isNewTicked = std::all_of(m_values.begin(), m_values.end(), isTicked);
+  for (const CShownRows::CValue& value : m_values) m_ticks[value.code] = value.isAccepted;
+  for (CShownRows::CValue& value : values) {
+    const auto known = m_ticks.find(value.code);
+    if (known != m_ticks.end())
+      value.isAccepted = known->second;
+    else if (m_isLoaded)
+      value.isAccepted = m_isNewTicked;
+  }
+  m_isLoaded = true;
+  show({});  // the old places mean nothing any more
+  m_values = std::move(values);
+  search(m_text);
 }
 
 QString CFilterValues::label(std::uint32_t code) const {
@@ -72,8 +83,8 @@ bool CFilterValues::findNext() {
 void CFilterValues::show(std::vector<int> shown) {
   beginResetModel();
   m_shown = std::move(shown);
-  m_ticked = static_cast<int>(std::count_if(m_shown.begin(), m_shown.end(),
-                                            [this](int place) { return m_values[at(place)].isAccepted; }));
+  m_ticked = static_cast<int>(
+      std::count_if(m_shown.begin(), m_shown.end(), [this](int place) { return m_values[at(place)].isAccepted; }));
   endResetModel();
   Q_EMIT sigChanged();
 }

@@ -6,6 +6,7 @@
 #include <QAbstractListModel>
 #include <QString>
 
+#include <unordered_map>
 #include <vector>
 
 namespace GW {
@@ -20,7 +21,8 @@ class CFilterValues : public QAbstractListModel {
   CFilterValues(CShownRows& rows, int columnId, QObject* parent);
   ~CFilterValues() override;
 
-  /// Reads the values anew, ticked as the column's filter is. Every value is shown.
+  /// Reads the values anew. Ticks stay on their values; new values are ticked if every one was, and at first as the
+  /// column's filter is. A search begins anew.
   void load();
   /// Shows the values that contain the text, upper and lower case alike; looks for them in slices.
   void search(const QString& text);
@@ -49,6 +51,9 @@ class CFilterValues : public QAbstractListModel {
 
   CShownRows& m_rows;
   const int m_columnId;
+  bool m_isLoaded = false;
+  std::unordered_map<std::uint32_t, bool> m_ticks;  ///< by code, of values read before
+  bool m_isNewTicked = true;
   std::vector<CShownRows::CValue> m_values;  ///< accepted: ticked
   std::vector<int> m_shown;                  ///< places in `m_values`, rising
   int m_ticked = 0;                          ///< of the shown ones

@@ -103,8 +103,10 @@ void CFindBar::start(bool backwards, bool withCurrent) {
   m_left = m_rows.rowCount();
   m_laps = 0;
   m_row = m_view->currentRow();
-  if (m_row < 0) m_row = backwards ? 0 : m_left - 1;
-  else if (withCurrent) m_row -= m_step;
+  if (m_row < 0)
+    m_row = backwards ? 0 : m_left - 1;
+  else if (withCurrent)
+    m_row -= m_step;
   m_slot = m_rows.slotAt(m_row);
   m_task->start([this] { return examineNext(); }, [this] { m_state->setText(QString::fromUtf8(TEXT_SEARCHING)); });
 }

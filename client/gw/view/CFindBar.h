@@ -49,8 +49,8 @@ class CFindBar : public QFrame {
   CSlicedTask* m_task;
 
   QString m_wanted;
-  int m_step = 1;              ///< -1 upwards
-  int m_row = -1;              ///< looked at last, and its slot
+  int m_step = 1;  ///< -1 upwards
+  int m_row = -1;  ///< looked at last, and its slot
   int m_slot = -1;
   int m_left = 0;  ///< rows still to be looked at
   int m_laps = 0;  ///< begun because rows had moved

@@ -16,13 +16,13 @@ namespace {
 
 constexpr std::size_t MAX_CHANGE_SIGNALS = 8;
 
-bool isBox(const CTableColumn& column) {
+}  // namespace
+
+bool CTableFace::isBox(const CTableColumn& column) {
   if (!column.delegate) return false;
   const ECellControl kind = CDelegateControl::of(std::as_const(*column.delegate)).kind;
   return kind == ECellControl::CheckBox || kind == ECellControl::RadioButton;
 }
-
-}  // namespace
 
 CTableFace::CTableFace(CShownRows& rows, CSetStat setStat, QObject* parent)
     : IBaseHpfTableModel(parent), m_rows(rows), m_setStat(std::move(setStat)) {}

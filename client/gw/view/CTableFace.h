@@ -17,6 +17,9 @@ class CTableFace final : public IBaseHpfTableModel {
  public:
   using CSetStat = std::function<void(int columnId, bool enabled)>;
 
+  /// Whether the column's cells are check boxes or radio buttons.
+  static bool isBox(const CTableColumn& column);
+
   /// `rows` outlives the face.
   CTableFace(CShownRows& rows, CSetStat setStat, QObject* parent);
   ~CTableFace() override;

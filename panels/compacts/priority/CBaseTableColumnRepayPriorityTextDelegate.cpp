@@ -2,16 +2,26 @@
 
 namespace GW {
 
+namespace {
+
+int priorityOf(std::optional<qint64> value) {
+  using CDelegate = CBaseTableColumnRepayPriorityTextDelegate;
+  if (!value) return CDelegate::UnknownKey;
+  return *value != 0 ? int(*value) : int(CDelegate::NoPriority);
+}
+
+}  // namespace
+
 CBaseTableColumnRepayPriorityTextDelegate::CBaseTableColumnRepayPriorityTextDelegate(
     int columnId, CBaseHighPerformanceTable* deliverer)
-    : CBaseTableColumnSimpleTextDelegate(columnId, deliverer) {}
+    : CBaseTableColumnSimpleTextDelegate(columnId, deliverer) {
+  setValueOrder(&priorityOf);
+}
 
 CBaseTableColumnRepayPriorityTextDelegate::~CBaseTableColumnRepayPriorityTextDelegate() = default;
 
 int CBaseTableColumnRepayPriorityTextDelegate::priority(const QString& key) const {
-  const std::optional<qint64> value = itemValue(key);
-  if (!value) return UnknownKey;
-  return *value != 0 ? int(*value) : NoPriority;
+  return priorityOf(itemValue(key));
 }
 
 void CBaseTableColumnRepayPriorityTextDelegate::setPriority(const QString& key, int priority) {

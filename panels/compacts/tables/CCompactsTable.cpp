@@ -49,14 +49,11 @@ void CCompactsTable::buildColumns() {
     property.number = PriorityTextColumn;
     m_priorityTextColumn = addColumn(property, false, true, QString());
     m_priorityText = new GW::CBaseTableColumnRepayPriorityTextDelegate(m_priorityTextColumn, this);
-    m_priorityText->setSortKey(
-        [delegate = m_priorityText](const QString& key) -> qint64 { return delegate->priority(key); });
     setColumnDelegate(m_priorityTextColumn, m_priorityText);
   } else {
     setColumnHidden(getColumnIdByFileId(FileIdUnclosedPriority), true);
   }
-  if (m_priorityTextColumn >= 0)
-    moveColumn(m_priorityTextColumn, columnPosition(getColumnIdByFileId(FileIdUnclosedCode)) + 1);
+  moveColumnBehind(m_priorityTextColumn, getColumnIdByFileId(FileIdUnclosedCode));
 }
 
 void CCompactsTable::setCompactType(int compactType, int) {

@@ -1,0 +1,128 @@
+// Painting of the rows.
+
+#include "gw/view/CHpfTableView.h"
+
+#include "gw/view/CHpfTableViewPrivate.h"
+#include "gw/view/pixel_lines.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace GW {
+
+void CHpfTableView::paintEvent(QPaintEvent* event) {
+  QPainter painter(viewport());
+  painter.setFont(font());
+  m_d->paint(painter, event->region());
+}
+
+void CHpfTableView::Private::paint(QPainter& painter, const QRegion& region) {
+  texts.setFont(q->font(), q->devicePixelRatioF());
+  const auto [first, last] = q->visibleRows();
+  if (screen.firstRow() != std::max(first, 0) || screen.lastRow() != last) screen.scrollTo(first, last);
+
+  const QRect area = region.boundingRect();
+  const auto columns = columnsBetween(area.left(), area.right());
+  const int right = header->length() - header->offset();
+  const int below = lineY(rows.rowCount());
+  if (right <= area.right()) painter.fillRect(QRect(QPoint(right, area.top()), area.bottomRight()), colors.background);
+  if (below <= area.bottom()) painter.fillRect(QRect(QPoint(area.left(), below), area.bottomRight()), colors.background);
+  if (first < 0) return;
+
+  markCells(region, columns);
+  paintBackground(painter, columns);
+  paintGrid(painter, columns);
+  paintCells(painter, columns);
+  paintCurrent(painter);
+}
+
+/// The cells that the region touches. The painter is clipped to it, but a cell must be painted once only: text drawn
+/// twice is bolder.
+void CHpfTableView::Private::markCells(const QRegion& region, const std::vector<CColumnPlace>& columns) {
+  const QRect area = region.boundingRect();
+  const auto rowAt = [this](int y) { return (y + scrollY()) / rowHeight; };
+  markedFirst = std::max(rowAt(area.top()), screen.firstRow());
+  markedLast = std::min(rowAt(area.bottom()), screen.lastRow());
+  marks.assign(columns.size() * static_cast<std::size_t>(std::max(0, markedLast - markedFirst + 1)), 0);
+  for (const QRect& rect : region) {
+    const int first = std::max(rowAt(rect.top()), markedFirst);
+    const int last = std::min(rowAt(rect.bottom()), markedLast);
+    for (std::size_t c = 0; c < columns.size(); ++c) {
+      if (columns[c].x > rect.right() || columns[c].x + columns[c].width <= rect.left()) continue;
+      for (int row = first; row <= last; ++row) marks[static_cast<std::size_t>(row - markedFirst) * columns.size() + c] = 1;
+    }
+  }
+}
+
+void CHpfTableView::Private::paintBackground(QPainter& painter, const std::vector<CColumnPlace>& columns) {
+  for (int row = markedFirst; row <= markedLast; ++row) {
+    CScreenLine& line = screen.line(row);
+    line.look = lookOf(row, line.slot);
+    line.isPainted = true;
+    const QColor& color = line.look.isSelected ? colors.selected
+                          : line.look.isOdd    ? colors.alternate
+                                               : colors.background;
+    const std::uint8_t* marked = marks.data() + static_cast<std::size_t>(row - markedFirst) * columns.size();
+    for (std::size_t from = 0; from < columns.size(); ++from) {
+      if (marked[from] == 0) continue;
+      std::size_t to = from;
+      while (to + 1 < columns.size() && marked[to + 1] != 0) ++to;
+      const QRect rect(columns[from].x, lineY(row), columns[to].x + columns[to].width - columns[from].x, rowHeight);
+      painter.fillRect(rect, color);
+      drawLineBelow(painter, rect, colors.grid);
+      from = to;
+    }
+  }
+}
+
+void CHpfTableView::Private::paintGrid(QPainter& painter, const std::vector<CColumnPlace>& columns) {
+  for (std::size_t c = 0; c < columns.size(); ++c) {
+    const auto isMarked = [&](int row) {
+      return marks[static_cast<std::size_t>(row - markedFirst) * columns.size() + c] != 0;
+    };
+    for (int from = markedFirst; from <= markedLast; ++from) {
+      if (!isMarked(from)) continue;
+      int to = from;
+      while (to < markedLast && isMarked(to + 1)) ++to;
+      drawLineRight(painter, QRect(columns[c].x, lineY(from), columns[c].width, (to - from + 1) * rowHeight),
+                    colors.grid);
+      from = to;
+    }
+  }
+}
+
+void CHpfTableView::Private::paintCells(QPainter& painter, const std::vector<CColumnPlace>& columns) {
+  const bool isEnabled = q->isEnabled();
+  controlColors.setCurrentColorGroup(isEnabled ? QPalette::Active : QPalette::Disabled);
+  for (std::size_t c = 0; c < columns.size(); ++c) {
+    const CColumnPlace& place = columns[c];
+    const bool isControl = CCellControls::isControl(*place.column);
+    for (int row = markedFirst; row <= markedLast; ++row) {
+      if (marks[static_cast<std::size_t>(row - markedFirst) * columns.size() + c] == 0) continue;
+      CScreenLine& line = screen.line(row);
+      const CScreenCell& cell = screen.cell(line, place.id);
+      const QRect rect(place.x, lineY(row), place.width, rowHeight);
+      if (isControl)
+        controls->paint(painter, rect, line.slot, place.id, controlColors);
+      else
+        texts.add(textRect(rect), place.column->alignment, cell.text,
+                  isEnabled && cell.isEnabled ? colors.text : colors.disabledText);
+    }
+  }
+  texts.draw(painter);
+}
+
+void CHpfTableView::Private::paintCurrent(QPainter& painter) {
+  const int row = currentRow();
+  if (row < markedFirst || row > markedLast) return;
+  QRect line = lineRect(row);
+  line.setWidth(std::min(line.width(), header->length() - header->offset()));
+  drawLineBelow(painter, line, colors.currentRow);
+  drawLineBelow(painter, line.translated(0, -rowHeight + 1), colors.currentRow);
+  if (q->hasFocus() && currentColumn >= 0 && !header->isSectionHidden(currentColumn))
+    drawLineAround(painter, q->cellRect(row, currentColumn), colors.current);
+}
+
+}  // namespace GW

@@ -1,0 +1,66 @@
+#include "gw/view/CStatisticsRow.h"
+
+#include "gw/view/CHpfTableViewPrivate.h"
+#include "gw/view/CTextPainter.h"
+#include "gw/view/pixel_lines.h"
+
+#include <QHeaderView>
+#include <QPaintEvent>
+#include <QPainter>
+
+namespace GW {
+
+namespace {
+
+constexpr const char* TITLE = "合计";
+
+}  // namespace
+
+CStatisticsRow::CStatisticsRow(const CShownRows& rows, const QHeaderView& header, const CTableColors& colors,
+                               CTextPainter& texts, QWidget* parent)
+    : QWidget(parent), m_rows(rows), m_header(header), m_colors(colors), m_texts(texts) {
+  setAttribute(Qt::WA_OpaquePaintEvent);
+}
+
+CStatisticsRow::~CStatisticsRow() = default;
+
+QRect CStatisticsRow::cellRect(int columnId) const {
+  return {m_header.sectionViewportPosition(columnId), 0, m_header.sectionSize(columnId), height()};
+}
+
+int CStatisticsRow::titleColumn() const {
+  for (int visual = 0; visual < m_header.count(); ++visual) {
+    const int columnId = m_header.logicalIndex(visual);
+    if (!m_header.isSectionHidden(columnId) && !m_rows.hasSum(columnId)) return columnId;
+  }
+  return -1;
+}
+
+void CStatisticsRow::refresh() {
+  const int title = titleColumn();
+  while (m_shown.size() < m_header.count()) m_shown.append(QString());
+  for (int columnId = 0; columnId < m_header.count(); ++columnId) {
+    const QString text = columnId == title ? QString::fromUtf8(TITLE) : m_rows.sumText(columnId);
+    if (text == m_shown[columnId]) continue;
+    m_shown[columnId] = text;
+    if (!m_header.isSectionHidden(columnId)) update(cellRect(columnId));
+  }
+}
+
+void CStatisticsRow::paintEvent(QPaintEvent* event) {
+  QPainter painter(this);
+  painter.fillRect(event->rect(), m_colors.sums);
+  m_texts.setFont(font(), devicePixelRatioF());
+  const QColor color = isEnabled() ? m_colors.sumsText : m_colors.disabledText;
+  for (int columnId = 0; columnId < m_header.count(); ++columnId) {
+    const QRect cell = cellRect(columnId);
+    if (m_header.isSectionHidden(columnId) || !cell.intersects(event->rect())) continue;
+    drawLineRight(painter, cell, m_colors.grid);
+    if (columnId < m_shown.size())
+      m_texts.add(textRect(cell), m_rows.column(columnId)->alignment, m_shown[columnId], color);
+  }
+  m_texts.draw(painter);
+  painter.fillRect(QRect(0, 0, width(), 1), m_colors.headerLine);
+}
+
+}  // namespace GW

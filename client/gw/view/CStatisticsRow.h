@@ -1,0 +1,41 @@
+#pragma once
+
+#include "gw/view/CTableColors.h"
+
+#include "gw/table/CShownRows.h"
+
+#include <QStringList>
+#include <QWidget>
+
+class QHeaderView;
+
+namespace GW {
+
+class CTextPainter;
+
+/// The strip below the rows with the sums of the columns that have one. GUI thread.
+class CStatisticsRow : public QWidget {
+ public:
+  CStatisticsRow(const CShownRows& rows, const QHeaderView& header, const CTableColors& colors, CTextPainter& texts,
+                 QWidget* parent);
+  ~CStatisticsRow() override;
+
+  /// Paints again what has another text.
+  void refresh();
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  QRect cellRect(int columnId) const;
+  /// The column that shows the title: the first one on the left without a sum; -1 when there is none.
+  int titleColumn() const;
+
+  const CShownRows& m_rows;
+  const QHeaderView& m_header;
+  const CTableColors& m_colors;
+  CTextPainter& m_texts;
+  QStringList m_shown;  ///< by column id
+};
+
+}  // namespace GW

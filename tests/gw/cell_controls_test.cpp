@@ -1,0 +1,386 @@
+// Check boxes, radio buttons and editors in cells: what a user's act stores and reports, and how long an editor lives.
+
+#include "CControlTable.h"
+
+#include "gw/CTableBatch.h"
+
+#include <QHeaderView>
+#include <QPointer>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSignalSpy>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using CTexts = std::vector<std::string>;
+
+QString k(int row) { return CControlTable::key(row); }
+
+void press(int keyCode, Qt::KeyboardModifiers modifiers = {}) {
+  QTest::keyClick(QApplication::focusWidget(), static_cast<Qt::Key>(keyCode), modifiers);
+}
+void type(const char* text) { QTest::keyClicks(QApplication::focusWidget(), QString::fromLatin1(text)); }
+
+}  // namespace
+
+TEST(CellControls, programStoresQuietlyFromAnyThread) {
+  CControlTable table(4);
+  std::thread writer([&table] {
+    GW::CTableBatch batch(table, GW::CTableScope());
+    for (int row = 0; row < 3; ++row) table.check->setItemChecked(k(row), true);
+    for (int row : {0, 2, 9}) table.radio->setItemChecked(k(row), true);
+    table.spin->setItemText(k(1), QStringLiteral("30"));
+    table.spin->setItemText(k(2), QStringLiteral("3O"));
+    EXPECT_FALSE(table.check->isItemChecked(k(0))) << "a batch is seen before its commit";
+    EXPECT_TRUE(batch.commit());
+  });
+  writer.join();
+  EXPECT_TRUE(table.check->isItemChecked(k(0)) && table.check->isAllChecked());
+  EXPECT_EQ(table.radio->checkedKey(), k(9)) << "also a key whose record has not come";
+  EXPECT_FALSE(table.radio->isItemChecked(k(0)) || table.radio->isItemChecked(k(2)));
+  EXPECT_EQ(table.spin->itemInt(k(1)) * 100 + table.spin->itemInt(k(2)) * 10 + table.spin->itemInt(k(3)), 3000);
+  table.check->setItemChecked(k(3), false);
+  EXPECT_FALSE(table.check->isAllChecked());
+  table.radio->setItemChecked(k(9), false);
+  EXPECT_EQ(table.radio->checkedKey(), QString());
+  EXPECT_FALSE(table.spin->isEmpty());
+  table.spin->reset();
+  EXPECT_TRUE(table.spin->isEmpty() && table.line->isEmpty());
+  EXPECT_TRUE(table.takeEvents().empty());
+}
+
+TEST(CellControls, whatTheUserDoesIsStoredShownAndReported) {
+  CControlTable table(6);
+  table.line->setItemText(k(0), QStringLiteral("5"));
+  table.spin->setItemText(k(1), QStringLiteral("30"));
+  table.spin->setItemText(k(2), QStringLiteral("999"));
+  for (auto* column : {static_cast<GW::CBaseTableColumnWidgetDelegate*>(table.check),
+                       static_cast<GW::CBaseTableColumnWidgetDelegate*>(table.radio),
+                       static_cast<GW::CBaseTableColumnWidgetDelegate*>(table.spin),
+                       static_cast<GW::CBaseTableColumnWidgetDelegate*>(table.line)}) {
+    column->setItemEnabled(k(4), false);
+    column->setItemVisible(k(5), false);
+  }
+  table.updateTable();
+  const auto everywhere = [&table](int row) {
+    table.click(k(row), table.check), table.click(k(row), table.radio);
+    table.click(k(row), table.spin), table.click(k(row), table.line);
+  };
+  const struct {
+    const char* what;
+    std::function<void()> run;
+    CTexts expected;
+  } steps[] = {
+      {"tick", [&] { table.click(k(0), table.check); }, CTexts{"225 check 1 k00"}},
+      {"untick", [&] { table.click(k(0), table.check); }, CTexts{"225 check 0 k00"}},
+      {"beside the box",
+       [&] {
+         const QPoint beside = table.cell(k(0), table.check).topLeft() + QPoint(3, 3);
+         QTest::mouseClick(table.view()->viewport(), Qt::LeftButton, {}, beside);
+       },
+       {}},
+      {"choose", [&] { table.click(k(0), table.radio), table.click(k(1), table.radio); },
+       CTexts{"225 radio 1 k00", "225 radio 1 k01"}},
+      {"choose what is chosen", [&] { table.click(k(1), table.radio); }, {}},
+      {"space",
+       [&] {
+         table.view()->setCurrentCell(table.rowOf(k(3)), table.check->columnId());
+         press(Qt::Key_Space);
+       },
+       CTexts{"225 check 1 k03"}},
+      {"disabled", [&] { everywhere(4); }, {}},
+      {"invisible", [&] { everywhere(5); }, {}},
+      {"number typed", [&] { table.click(k(0), table.spin), type("42"), press(Qt::Key_Return); },
+       CTexts{"235 spin 0 k00", "234 spin 42 k00"}},
+      {"number stepped", [&] { table.click(k(1), table.spin), press(Qt::Key_Up), press(Qt::Key_Enter); },
+       CTexts{"235 spin 0 k01", "234 spin 31 k01"}},
+      {"number unchanged", [&] { table.click(k(1), table.spin), type("31"), press(Qt::Key_Return); },
+       CTexts{"235 spin 0 k01"}},
+      {"text beyond the range is left alone", [&] { table.click(k(2), table.spin), press(Qt::Key_Return); },
+       CTexts{"235 spin 0 k02"}},
+      {"number beyond the range cannot be typed",
+       [&] { table.click(k(3), table.spin), type("183"), press(Qt::Key_Return); },
+       CTexts{"235 spin 0 k03", "234 spin 18 k03"}},
+      {"text typed", [&] { table.click(k(0), table.line), type("a b"), press(Qt::Key_Return); },
+       CTexts{"45 line 0 k00", "229 line 0 a b of k00"}},
+      {"text typed again as it was", [&] { table.click(k(0), table.line), type("a b"), press(Qt::Key_Return); },
+       CTexts{"45 line 0 k00", "229 line 0 a b of k00"}},
+      {"text left", [&] { table.click(k(0), table.line), press(Qt::Key_Return); }, CTexts{"45 line 0 k00"}},
+      {"text cancelled", [&] { table.click(k(0), table.line), type("x"), press(Qt::Key_Escape); },
+       CTexts{"45 line 0 k00"}},
+      {"typed into the cell, emptied",
+       [&] {
+         table.view()->setCurrentCell(table.rowOf(k(1)), table.line->columnId());
+         type("7"), press(Qt::Key_Backspace), press(Qt::Key_Return);
+       },
+       CTexts{"45 line 0 k01", "229 line 0  of k01"}},
+      {"typed into a number",
+       [&] {
+         table.view()->setCurrentCell(table.rowOf(k(4)), table.spin->columnId());
+         type("1");
+         table.view()->setCurrentCell(table.rowOf(k(1)), table.spin->columnId());
+         type("9"), press(Qt::Key_Return);
+       },
+       CTexts{"235 spin 0 k01", "234 spin 9 k01"}},
+      {"click elsewhere commits", [&] { table.click(k(0), table.line), type("y"), table.click(k(2), table.check); },
+       CTexts{"45 line 0 k00", "229 line 0 y of k00", "225 check 1 k02"}},
+  };
+  for (const auto& step : steps) {
+    step.run();
+    EXPECT_EQ(table.takeEvents(), step.expected) << step.what;
+    EXPECT_FALSE(table.controls().isEditing()) << step.what;
+    EXPECT_EQ(QApplication::focusWidget(), table.view()) << step.what;
+    EXPECT_TRUE(table.isUpToDate()) << step.what;
+  }
+  const auto shown = [&table](const GW::CBaseTableColumnWidgetDelegate* column) {
+    CTexts all;
+    for (int row = 0; row < 4; ++row) all.push_back(table.cellText(row, column->columnId()).toStdString());
+    return all;
+  };
+  EXPECT_EQ(shown(table.spin), (CTexts{"42", "9", "999", "18"}));
+  EXPECT_EQ(shown(table.line), (CTexts{"y", "", "", ""}));
+  EXPECT_EQ(table.radio->checkedKey(), k(1));
+  EXPECT_TRUE(table.check->isItemChecked(k(2)) && table.check->isItemChecked(k(3)));
+}
+
+TEST(CellControls, anEditorStaysWithItsCell) {
+  CControlTable table(40);
+  for (int row = 0; row < 40; ++row) table.spin->setItemText(k(row), QString::number(40 - row));
+  table.updateTable();
+  table.click(k(2), table.line);
+  type("77");
+  const QPointer<QWidget> editor = table.line->editor();
+  ASSERT_TRUE(editor);
+  QScrollBar* const bar = table.view()->verticalScrollBar();
+  const auto follows = [&] {
+    return table.controls().isEditing() && editor == table.line->editor() && editor->hasFocus() &&
+           editor->geometry() == table.cell(k(2), table.line);
+  };
+  const auto isOutOfSight = [&] { return !editor->geometry().intersects(table.view()->viewport()->rect()); };
+  EXPECT_TRUE(follows());
+  const struct {
+    const char* what;
+    std::function<void()> run;
+  } steps[] = {
+      {"scrolled a little", [&] { bar->setValue(bar->value() + bar->singleStep() / 2 + 3); }},
+      {"column widened", [&] { table.setColumnWidth(table.check->columnId(), 120); }},
+      {"column moved", [&] { table.moveColumn(table.line->columnId(), 0); }},
+      {"push into the row",
+       [&] {
+         table.push(k(2));
+         table.line->setItemText(k(2), QStringLiteral("1"));
+         table.updateTable();
+       }},
+      {"rows added", [&] { table.push(k(50)), table.updateTable(); }},
+      {"sorted, to the end", [&] { table.setSortColumn(table.spin->columnId(), Qt::AscendingOrder); }},
+  };
+  for (const auto& step : steps) {
+    step.run();
+    if (isOutOfSight()) table.view()->scrollToCell(table.rowOf(k(2)), table.line->columnId());
+    EXPECT_TRUE(follows()) << step.what;
+  }
+  table.view()->verticalScrollBar()->setValue(0);
+  EXPECT_TRUE(isOutOfSight() && editor->hasFocus());
+  type("8");
+  EXPECT_TRUE(follows()) << "typing brings the cell into sight";
+  table.setColumnHidden(table.line->columnId(), true);
+  EXPECT_TRUE(isOutOfSight() && editor->hasFocus());
+  table.setColumnHidden(table.line->columnId(), false);
+  table.takeEvents();
+  press(Qt::Key_Return);
+  EXPECT_EQ(table.takeEvents(), (CTexts{"229 line 0 778 of k02"}));
+}
+
+TEST(CellControls, anEditorClosesWithoutCommitWhenItsCellGoes) {
+  const struct {
+    const char* what;
+    std::function<void(CControlTable&)> run;
+    bool stays;
+  } cases[] = {
+      {"cleared", [](CControlTable& table) { table.clear(); }, false},
+      {"replaced without the row",
+       [](CControlTable& table) {
+         GW::CTableBatch batch(table, GW::CTableScope());
+         batch.dropAbsent([](const rdservice::IData& record) { return record.getKey() != "k00"; });
+         EXPECT_TRUE(batch.commit());
+       },
+       false},
+      {"replaced with the row at another slot",
+       [](CControlTable& table) {
+         GW::CTableBatch batch(table, GW::CTableScope());
+         batch.dropAbsent([](const rdservice::IData& record) { return record.getKey() != "k03"; });
+         EXPECT_TRUE(batch.commit());
+       },
+       true},
+      {"disabled", [](CControlTable& table) { table.spin->setItemEnabled(k(3), false); }, false},
+      {"invisible", [](CControlTable& table) { table.spin->setItemVisible(k(3), false); }, false},
+      {"another cell disabled", [](CControlTable& table) { table.line->setItemEnabled(k(3), false); }, true},
+      {"another delegate",
+       [](CControlTable& table) {
+         const int id = table.spin->columnId();
+         table.setColumnDelegate(id, new GW::CBaseTableColumnSimpleTextDelegate(id, &table));
+       },
+       false},
+  };
+  for (const auto& one : cases) {
+    // Seen by the view before the commit, or only by the commit.
+    for (const bool isShown : {true, false}) {
+      CControlTable table(5);
+      table.click(k(3), table.spin);
+      type("66");
+      table.takeEvents();
+      one.run(table);
+      if (isShown) {
+        table.updateTable();
+        EXPECT_EQ(table.controls().isEditing(), one.stays) << one.what;
+      }
+      press(Qt::Key_Return);
+      EXPECT_EQ(table.takeEvents(), one.stays ? (CTexts{"234 spin 66 k03"}) : CTexts()) << one.what << isShown;
+      EXPECT_FALSE(table.controls().isEditing()) << one.what;
+      EXPECT_EQ(QApplication::focusWidget(), table.view()) << one.what;
+    }
+  }
+}
+
+TEST(CellControls, receiversMayDoAnything) {
+  using CTablePtr = std::unique_ptr<CControlTable>;
+  const struct {
+    const char* what;
+    int type;
+    std::function<void(CTablePtr&)> handle;
+    std::function<void(CControlTable&)> act;
+    CTexts expected;  ///< none: the table is gone
+  } cases[] = {
+      {"spin disabled at its beginning", GW::EventSpinBegin,
+       [](CTablePtr& table) { table->spin->setItemEnabled(k(1), false); },
+       [](CControlTable& table) { table.click(k(1), table.spin); }, CTexts{"235 spin 0 k01"}},
+      {"line hidden at its beginning", GW::EventLineEditBegin,
+       [](CTablePtr& table) { table->line->setItemVisible(k(1), false); },
+       [](CControlTable& table) { table.click(k(1), table.line); }, CTexts{"45 line 0 k01"}},
+      {"cleared at its beginning", GW::EventSpinBegin,
+       [](CTablePtr& table) {
+         table->clear();
+         for (int row : {1, 0, 2}) table->push(k(row));
+       },
+       [](CControlTable& table) { table.click(k(1), table.spin); }, CTexts{"235 spin 0 k01"}},
+      {"text answered by another, at the editor", GW::EventCellEdited,
+       [](CTablePtr& table) {
+         EXPECT_TRUE(table->line->editor() != nullptr && table->line->editor()->isVisible());
+         EXPECT_EQ(table->line->itemText(k(1)), QStringLiteral("8"));
+         table->line->setItemText(k(1), QString());
+       },
+       [](CControlTable& table) {
+         table.click(k(1), table.line);
+         type("8"), press(Qt::Key_Return);
+         EXPECT_EQ(table.cellText(1, table.line->columnId()), QString());
+         EXPECT_EQ(table.line->editor(), nullptr);
+       },
+       CTexts{"45 line 0 k01", "229 line 0 8 of k01"}},
+      {"destroyed by a tick",
+       GW::EventCheckChanged,
+       [](CTablePtr& table) { table.reset(); },
+       [](CControlTable& table) { table.click(k(1), table.check); },
+       {}},
+      {"destroyed by the beginning",
+       GW::EventLineEditBegin,
+       [](CTablePtr& table) { table.reset(); },
+       [](CControlTable& table) { table.click(k(1), table.line); },
+       {}},
+      {"destroyed by Enter",
+       GW::EventSpinChanged,
+       [](CTablePtr& table) { table.reset(); },
+       [](CControlTable& table) { table.click(k(1), table.spin), type("9"), press(Qt::Key_Return); },
+       {}},
+      {"destroyed by Tab",
+       GW::EventCellEdited,
+       [](CTablePtr& table) { table.reset(); },
+       [](CControlTable& table) { table.click(k(1), table.line), type("9"), press(Qt::Key_Tab); },
+       {}},
+      {"destroyed by a click on another cell",
+       GW::EventCellEdited,
+       [](CTablePtr& table) { table.reset(); },
+       [](CControlTable& table) { table.click(k(1), table.line), type("9"), table.click(k(2), table.spin); },
+       {}},
+      {"destroyed by the loss of focus",
+       GW::EventCellEdited,
+       [](CTablePtr& table) { table.reset(); },
+       [](CControlTable& table) {
+         QPushButton other;
+         other.show();
+         table.click(k(1), table.line);
+         type("9");
+         QApplication::setActiveWindow(&other);
+       },
+       {}},
+  };
+  for (const auto& one : cases) {
+    SCOPED_TRACE(one.what);
+    auto table = std::make_unique<CControlTable>(3);
+    table->onEvent = [&](int type) {
+      if (type == one.type) std::function(one.handle)(table);
+    };
+    one.act(*table);
+    ASSERT_EQ(table == nullptr, one.expected.empty());
+    if (!table) continue;
+    EXPECT_EQ(table->takeEvents(), one.expected);
+    EXPECT_FALSE(table->controls().isEditing());
+    EXPECT_TRUE(table->isUpToDate());
+  }
+  CControlTable table(2);  // an editor is open at the end
+  table.click(k(1), table.line);
+  type("9");
+}
+
+TEST(CellControls, tabGoesToTheNextCellThatCanBeEdited) {
+  CControlTable table(4);
+  table.spin->setItemEnabled(k(1), false);
+  table.line->setItemVisible(k(1), false);
+  table.updateTable();
+  table.click(k(0), table.spin);
+  type("5"), press(Qt::Key_Tab), type("6"), press(Qt::Key_Tab), type("7"), press(Qt::Key_Backtab),
+      press(Qt::Key_Tab, Qt::ShiftModifier);
+  EXPECT_EQ(table.takeEvents(), (CTexts{"235 spin 0 k00", "234 spin 5 k00", "45 line 0 k00", "229 line 0 6 of k00",
+                                        "235 spin 0 k02", "234 spin 7 k02", "45 line 0 k00", "235 spin 0 k00"}));
+  press(Qt::Key_Backtab);
+  EXPECT_FALSE(table.controls().isEditing()) << "there is none before the first";
+  EXPECT_EQ(QApplication::focusWidget(), table.view());
+
+  // The commit sorts the row to the end; the next cell is the one the user saw next.
+  for (int row = 0; row < 4; ++row) table.spin->setItemText(k(row), QString::number(row));
+  table.updateTable();
+  table.setSortColumn(table.spin->columnId(), Qt::AscendingOrder);
+  table.click(k(2), table.line);
+  table.takeEvents();
+  press(Qt::Key_Backtab), type("99"), press(Qt::Key_Tab), press(Qt::Key_Tab);
+  EXPECT_EQ(table.takeEvents(), (CTexts{"235 spin 0 k02", "234 spin 99 k02", "45 line 0 k02"}));
+  table.click(k(0), table.spin);
+  table.takeEvents();
+  type("50"), press(Qt::Key_Tab);
+  EXPECT_EQ(table.rowOf(k(0)), 2);
+  EXPECT_EQ(table.takeEvents(), (CTexts{"234 spin 50 k00", "45 line 0 k00"}));
+  EXPECT_EQ(table.line->editor()->geometry(), table.cell(k(0), table.line));
+}
+
+TEST(CellControls, losingTheFocusCommits) {
+  CControlTable table(3);
+  QPushButton other(&table);
+  other.show();
+  table.click(k(1), table.line);
+  type("4");
+  other.setFocus();
+  EXPECT_EQ(table.takeEvents(), (CTexts{"45 line 0 k01", "229 line 0 4 of k01"}));
+  EXPECT_EQ(QApplication::focusWidget(), &other) << "the focus stays where the user put it";
+  table.click(k(1), table.line);
+  type("5");
+  table.view()->setFocus();
+  EXPECT_TRUE(table.controls().isEditing()) << "a click into the rows is the view's to handle first";
+  QCoreApplication::processEvents();
+  EXPECT_EQ(table.takeEvents(), (CTexts{"45 line 0 k01", "229 line 0 5 of k01"}));
+}
