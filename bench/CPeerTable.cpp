@@ -8,7 +8,8 @@
 #include <QHeaderView>
 #include <QSortFilterProxyModel>
 
-#include <algorithm>
+#include <iterator>
+#include <map>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -42,21 +43,29 @@ class CPeerModel : public QAbstractTableModel {
     endResetModel();
   }
 
-  /// The rows that changed, rising.
-  std::vector<int> replace(const std::vector<rdservice::IDataPtr>& records) {
-    std::vector<int> rows;
+  void replace(const std::vector<rdservice::IDataPtr>& records, CPeerTable::EPushSignals signalling) {
+    std::map<int, rdservice::IDataPtr> changed;
     for (const auto& record : records) {
       const auto known = m_rows.find(record->getKey());
-      if (known == m_rows.end()) continue;
-      m_records[std::size_t(known->second)] = boost::static_pointer_cast<rdservice::CStkUnClosedCompacts>(record);
-      rows.push_back(known->second);
+      if (known != m_rows.end()) changed[known->second] = record;
     }
-    std::sort(rows.begin(), rows.end());
-    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
-    return rows;
+    // The proxy searches among the other rows for each run's new place: they must not have changed meanwhile.
+    for (auto first = changed.begin(); first != changed.end();) {
+      auto last = first;
+      for (auto next = first; next != changed.end(); last = next++) {
+        if (signalling == CPeerTable::EPushSignals::Runs && next->first > last->first + 1) break;
+        m_records[std::size_t(next->first)] = boost::static_pointer_cast<rdservice::CStkUnClosedCompacts>(next->second);
+      }
+      Q_EMIT dataChanged(index(first->first, 0), index(last->first, columnCount() - 1));
+      first = std::next(last);
+    }
   }
 
-  void emitChanged(int first, int last) { Q_EMIT dataChanged(index(first, 0), index(last, columnCount() - 1)); }
+  /// Makes the proxy begin anew, with one sort.
+  void reset() {
+    beginResetModel();
+    endResetModel();
+  }
 
   int rowCount(const QModelIndex& parent = QModelIndex()) const override {
     return parent.isValid() ? 0 : int(m_records.size());
@@ -94,7 +103,7 @@ class CPeerProxy : public QSortFilterProxyModel {
     if (way == CPeerTable::EFilterWay::Invalidate)
       invalidateFilter();
     else
-      setSourceModel(&m_model);  // also when it is the same: a reset, then one sort
+      m_model.reset();
   }
 
  protected:
@@ -160,18 +169,7 @@ CPeerTable::~CPeerTable() { setModel(nullptr); }
 void CPeerTable::load(const std::vector<rdservice::IDataPtr>& records) { m_d->model.load(records); }
 
 void CPeerTable::push(const std::vector<rdservice::IDataPtr>& records, EPushSignals signalling) {
-  const std::vector<int> rows = m_d->model.replace(records);
-  if (rows.empty()) return;
-  if (signalling == EPushSignals::OneAll) {
-    m_d->model.emitChanged(rows.front(), rows.back());
-    return;
-  }
-  for (std::size_t i = 0; i < rows.size();) {
-    std::size_t end = i + 1;
-    while (end < rows.size() && rows[end] == rows[end - 1] + 1) ++end;
-    m_d->model.emitChanged(rows[i], rows[end - 1]);
-    i = end;
-  }
+  m_d->model.replace(records, signalling);
 }
 
 void CPeerTable::sort(int column, Qt::SortOrder order) { m_d->proxy.sort(column, order); }

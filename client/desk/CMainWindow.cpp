@@ -102,6 +102,11 @@ void CMainWindow::startClient(std::unique_ptr<runtime::CClientRuntime> client) {
     m_messages->addMessage(QStringLiteral("柜台不可用: %1").arg(reason));
     m_startFailure = reason;
   });
+  m_viewMenu->addSeparator();
+  QAction* dark = m_viewMenu->addAction(QStringLiteral("深色配色"));
+  dark->setCheckable(true);
+  dark->setChecked(runtime::CClientRuntime::isDarkTheme());
+  connect(dark, &QAction::toggled, this, [](bool on) { runtime::CClientRuntime::setDarkTheme(on); });
   buildCounterMenu();
   showState(QStringLiteral("正在连接柜台…"));
   m_client->start();

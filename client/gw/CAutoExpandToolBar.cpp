@@ -4,6 +4,7 @@
 
 #include <QFrame>
 #include <QHBoxLayout>
+#include <QList>
 #include <QPainter>
 
 namespace GW {
@@ -11,12 +12,13 @@ namespace GW {
 struct CAutoExpandToolBar::Private {
   QHBoxLayout* layout;
   QString backgroundKey;
+  QList<QFrame*> separators;
 
   void insert(QWidget* widget) { layout->insertWidget(layout->count() - 1, widget, 0, Qt::AlignVCenter); }
 };
 
 CAutoExpandToolBar::CAutoExpandToolBar(QWidget* parent)
-    : CBaseWidget(parent), m_d(new Private{new QHBoxLayout(this), QString()}) {
+    : CBaseWidget(parent), m_d(new Private{new QHBoxLayout(this), QString(), {}}) {
   m_d->layout->setContentsMargins(8, 4, 8, 5);
   m_d->layout->setSpacing(8);
   m_d->layout->addStretch(1);
@@ -35,11 +37,19 @@ void CAutoExpandToolBar::addWidget(QWidget* widget) { m_d->insert(widget); }
 void CAutoExpandToolBar::addSeparator() {
   auto* const line = new QFrame(this);
   line->setFixedSize(1, fontMetrics().height());
-  QPalette colors = line->palette();
-  colors.setColor(QPalette::Window, CUiResource::getColor(QStringLiteral("clr_bar_line")));
-  line->setPalette(colors);
   line->setAutoFillBackground(true);
+  m_d->separators.push_back(line);
   m_d->insert(line);
+  onUiResourceChanged();
+}
+
+void CAutoExpandToolBar::onUiResourceChanged() {
+  for (QFrame* line : m_d->separators) {
+    QPalette colors = line->palette();
+    colors.setColor(QPalette::Window, CUiResource::getColor(QStringLiteral("clr_bar_line")));
+    line->setPalette(colors);
+  }
+  update();
 }
 
 void CAutoExpandToolBar::updateItemLength() {

@@ -167,7 +167,9 @@ void CBaseHighPerformanceTable::updateTable() {
   utils::assertGui();
   if (m_d->isUpdating) return;  // a slot of one of the model's signals
   m_d->isUpdating = true;
+  m_d->view->changesBegin();
   const bool isDone = m_d->takeTurn();
+  m_d->view->changesEnd();
   m_d->isUpdating = false;
   // The next turn also waits for a writer that holds the rows; a millisecond keeps the loop from spinning meanwhile.
   if (isDone || m_d->isGoingOn) return;

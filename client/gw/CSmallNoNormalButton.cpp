@@ -10,7 +10,7 @@ namespace GW {
 CSmallNoNormalButton::CSmallNoNormalButton(int id, const QString& text, QWidget* parent)
     : QPushButton(text, parent), CEventDeliverer(this), m_id(id) {
   utils::assertGui();
-  setStyleSheet(smallButtonStyle());
+  giveSmallButtonLook(this);
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
   connect(this, &QPushButton::clicked, this, [this] { deliverEvent(EventButtonClicked, m_id, 0, QString(), nullptr); });
 }

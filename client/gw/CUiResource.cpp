@@ -8,6 +8,7 @@
 #include <QLinearGradient>
 #include <QPainter>
 #include <QPalette>
+#include <QPushButton>
 
 #include <algorithm>
 #include <vector>
@@ -18,46 +19,74 @@ namespace {
 
 struct CColorRow {
   const char* key;
-  QRgb color;
+  QRgb light;
+  QRgb dark;
 };
 
-// One light palette: blue greys, a single blue accent.
+// Blue greys and a single blue accent.
 constexpr CColorRow COLORS[] = {
-    {"clr_clickable_simple_text", 0xff1a66c8},
-    {"clr_btn_s_normal_0", 0xff26323f},  // normal, hover, pressed, disabled
-    {"clr_btn_s_normal_1", 0xff1a66c8},
-    {"clr_btn_s_normal_2", 0xff0d4795},
-    {"clr_btn_s_normal_3", 0xff9aa5b1},
-    {"clr_btn_border", 0xffc3ccd8},
-    {"clr_btn_top", 0xfffdfdfe},
-    {"clr_btn_bottom", 0xffedf1f6},
-    {"clr_btn_pressed", 0xffdbe5f1},
-    {"clr_btn_disabled", 0xfff2f4f7},
-    {"clr_bar_top", 0xfffafbfd},
-    {"clr_bar_bottom", 0xffe8edf4},
-    {"clr_bar_line", 0xffced6e1},
-    {"clr_table_background", 0xffffffff},
-    {"clr_table_alternate", 0xfff5f8fc},
-    {"clr_table_grid", 0xffe1e7ef},
-    {"clr_table_text", 0xff1f2a36},
-    {"clr_table_disabled_text", 0xff9aa5b1},
-    {"clr_table_selected", 0xffcfe2fa},
-    {"clr_table_current", 0xff1a66c8},  // frames of the current cell and row
-    {"clr_table_current_row", 0xff9fc0ea},
-    {"clr_table_header", 0xffeef2f7},
-    {"clr_table_header_hover", 0xffe0e8f2},
-    {"clr_table_header_line", 0xffc9d2de},
-    {"clr_table_header_text", 0xff33414f},
-    {"clr_table_mark", 0xff1a66c8},  // sort and filter marks
-    {"clr_table_idle_mark", 0xff9aa5b1},
-    {"clr_table_sums", 0xfff3f1e6},
-    {"clr_table_sums_text", 0xff1f2a36},
-    {"clr_table_control_border", 0xffb4bfcc},  // check boxes, radio buttons, cells that one types into
-    {"clr_table_control_background", 0xffffffff},
-    {"clr_table_control_accent", 0xff1a66c8},
-    {"clr_table_control_mark", 0xffffffff},
-    {"clr_table_control_disabled_border", 0xffd3dae3},
-    {"clr_table_control_disabled_background", 0xfff2f4f7},
+    {"clr_clickable_simple_text", 0xff1a66c8, 0xff5aa2f5},
+    {"clr_btn_s_normal_0", 0xff26323f, 0xffd5dbe2},  // normal, hover, pressed, disabled
+    {"clr_btn_s_normal_1", 0xff1a66c8, 0xff7db8fa},
+    {"clr_btn_s_normal_2", 0xff0d4795, 0xffa8d0ff},
+    {"clr_btn_s_normal_3", 0xff9aa5b1, 0xff6c7885},
+    {"clr_btn_border", 0xffc3ccd8, 0xff46515d},
+    {"clr_btn_top", 0xfffdfdfe, 0xff36404a},
+    {"clr_btn_bottom", 0xffedf1f6, 0xff2d353e},
+    {"clr_btn_pressed", 0xffdbe5f1, 0xff27303a},
+    {"clr_btn_disabled", 0xfff2f4f7, 0xff2a3138},
+    {"clr_bar_top", 0xfffafbfd, 0xff2b333b},
+    {"clr_bar_bottom", 0xffe8edf4, 0xff242b32},
+    {"clr_bar_line", 0xffced6e1, 0xff3a444e},
+    {"clr_table_background", 0xffffffff, 0xff1a1f24},
+    {"clr_table_alternate", 0xfff5f8fc, 0xff1f252b},
+    {"clr_table_grid", 0xffe1e7ef, 0xff2c343c},
+    {"clr_table_text", 0xff1f2a36, 0xffd5dbe2},
+    {"clr_table_disabled_text", 0xff9aa5b1, 0xff6c7885},
+    {"clr_table_selected", 0xffcfe2fa, 0xff27496d},
+    {"clr_table_current", 0xff1a66c8, 0xff5aa2f5},  // frames of the current cell and row
+    {"clr_table_current_row", 0xff9fc0ea, 0xff3f6a98},
+    {"clr_table_header", 0xffeef2f7, 0xff2a3138},
+    {"clr_table_header_hover", 0xffe0e8f2, 0xff343d46},
+    {"clr_table_header_line", 0xffc9d2de, 0xff3f4954},
+    {"clr_table_header_text", 0xff33414f, 0xffc3ccd6},
+    {"clr_table_mark", 0xff1a66c8, 0xff5aa2f5},  // sort and filter marks
+    {"clr_table_idle_mark", 0xff9aa5b1, 0xff6c7885},
+    {"clr_table_sums", 0xfff3f1e6, 0xff2b2a22},
+    {"clr_table_sums_text", 0xff1f2a36, 0xffe3dcc0},
+    {"clr_table_control_border", 0xffb4bfcc, 0xff5c6874},  // check boxes, radio buttons, cells that one types into
+    {"clr_table_control_background", 0xffffffff, 0xff14181c},
+    {"clr_table_control_accent", 0xff1a66c8, 0xff3d86dc},
+    {"clr_table_control_mark", 0xffffffff, 0xffffffff},
+    {"clr_table_control_disabled_border", 0xffd3dae3, 0xff3a444e},
+    {"clr_table_control_disabled_background", 0xfff2f4f7, 0xff20262c},
+    {"clr_window", 0xfff4f6f9, 0xff20262c},  // the application's own palette
+    {"clr_window_text", 0xff1f2a36, 0xffd5dbe2},
+    {"clr_input", 0xffffffff, 0xff14181c},
+    {"clr_highlight", 0xff1a66c8, 0xff3d86dc},
+    {"clr_highlight_text", 0xffffffff, 0xffffffff},
+};
+
+EUiTheme theme = EUiTheme::Light;
+
+struct CPaletteRow {
+  QPalette::ColorRole role;
+  const char* key;
+};
+
+constexpr CPaletteRow PALETTE[] = {
+    {QPalette::Window, "clr_window"},
+    {QPalette::WindowText, "clr_window_text"},
+    {QPalette::Base, "clr_input"},
+    {QPalette::AlternateBase, "clr_table_alternate"},
+    {QPalette::Text, "clr_window_text"},
+    {QPalette::Button, "clr_btn_bottom"},
+    {QPalette::ButtonText, "clr_btn_s_normal_0"},
+    {QPalette::Highlight, "clr_highlight"},
+    {QPalette::HighlightedText, "clr_highlight_text"},
+    {QPalette::ToolTipBase, "clr_window"},
+    {QPalette::ToolTipText, "clr_window_text"},
+    {QPalette::PlaceholderText, "clr_table_disabled_text"},
 };
 
 struct CSizeRow {
@@ -122,9 +151,26 @@ void notifyUiResourceChanged() {
   }
 }
 
+void setUiTheme(EUiTheme wanted) {
+  utils::assertGui();
+  if (wanted == theme) return;
+  theme = wanted;
+  QPalette palette(CUiResource::getColor(QStringLiteral("clr_btn_bottom")),
+                   CUiResource::getColor(QStringLiteral("clr_window")));
+  for (const CPaletteRow& row : PALETTE)
+    palette.setColor(row.role, CUiResource::getColor(QString::fromLatin1(row.key)));
+  for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+    palette.setColor(QPalette::Disabled, role, CUiResource::getColor(QStringLiteral("clr_table_disabled_text")));
+  QApplication::setPalette(palette);
+  notifyUiResourceChanged();
+}
+
+EUiTheme uiTheme() { return theme; }
+
 QColor CUiResource::getColor(const QString& key) {
   const CColorRow* row = findRow(COLORS, key);
-  return row == nullptr ? QApplication::palette().color(QPalette::WindowText) : QColor::fromRgba(row->color);
+  return row == nullptr ? QApplication::palette().color(QPalette::WindowText)
+                        : QColor::fromRgba(theme == EUiTheme::Dark ? row->dark : row->light);
 }
 
 QFont CUiResource::getFont(const QString& key) {
@@ -146,6 +192,8 @@ QPixmap CUiResource::getImage(const QString& key) {
   return row == nullptr ? QPixmap() : row->paint();
 }
 
+namespace {
+
 QString smallButtonStyle() {
   const auto color = [](const char* key) { return CUiResource::getColor(QString::fromLatin1(key)).name(); };
   return QStringLiteral(
@@ -159,5 +207,19 @@ QString smallButtonStyle() {
            color("clr_btn_s_normal_0"), color("clr_btn_s_normal_1"), color("clr_btn_s_normal_2"),
            color("clr_btn_s_normal_3"), color("clr_btn_disabled"));
 }
+
+/// Child of the button that it keeps in the theme's colours.
+class CSmallButtonLook : public QObject, public CUiResourceChangeHandler {
+ public:
+  explicit CSmallButtonLook(QPushButton* button) : QObject(button), m_button(button) { onUiResourceChanged(); }
+  void onUiResourceChanged() override { m_button->setStyleSheet(smallButtonStyle()); }
+
+ private:
+  QPushButton* m_button;
+};
+
+}  // namespace
+
+void giveSmallButtonLook(QPushButton* button) { new CSmallButtonLook(button); }
 
 }  // namespace GW

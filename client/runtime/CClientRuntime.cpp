@@ -2,6 +2,7 @@
 
 #include "counter/CBookLoader.h"
 #include "counter/CSqlCounter.h"
+#include "gw/ui_resources.h"
 #include "luawrapper/lua_factory.h"
 #include "net/engine_factory.h"
 #include "rdservice/data_centre_factory.h"
@@ -43,6 +44,7 @@ CClientRuntime::CClientRuntime(const CClientConfig& config, std::unique_ptr<coun
                                const std::string& logFile)
     : m_d(std::make_unique<Private>()) {
   rdservice::registerMetaTypes();
+  setDarkTheme(config.user.darkTheme);
   utils::CLogOptions log;
   log.filePath = logFile;
   m_d->log = utils::makeLogCenter(log);
@@ -104,5 +106,9 @@ void CClientRuntime::setCounterLatency(int milliseconds) {
 void CClientRuntime::changeSomeCompacts(const std::string& accountKey, int count) {
   if (m_d->sqlCounter != nullptr) m_d->sqlCounter->changeRandomCompacts(accountKey, count, std::random_device()());
 }
+
+void CClientRuntime::setDarkTheme(bool dark) { GW::setUiTheme(dark ? GW::EUiTheme::Dark : GW::EUiTheme::Light); }
+
+bool CClientRuntime::isDarkTheme() { return GW::uiTheme() == GW::EUiTheme::Dark; }
 
 }  // namespace runtime

@@ -61,6 +61,10 @@ class HOST_API CClientRuntime {
   /// Embedded counter only: changes some of the account's compacts at the counter, which pushes them.
   void changeSomeCompacts(const std::string& accountKey, int count);
 
+  /// Colours of the whole application, at first as user.toml has them. GUI thread.
+  static void setDarkTheme(bool dark);
+  static bool isDarkTheme();
+
  private:
   struct Private;
   std::unique_ptr<Private> m_d;

@@ -8,6 +8,7 @@ CUserSettings readUserSettings(const std::string& path, std::vector<utils::CConf
   settings.variantCode = file.getInt("variant_code", 0, 9999, settings.variantCode);
   settings.counterType = file.getInt("counter_type", 0, 9999, settings.counterType);
   settings.queryCompactInterval = file.getInt("query_compact_interval", 0, 3600, settings.queryCompactInterval);
+  settings.darkTheme = file.getBool("dark_theme", settings.darkTheme);
   file.reportUnknownKeys();
   return settings;
 }

@@ -14,6 +14,7 @@ struct CUserSettings {
   int variantCode = 0;
   int counterType = 0;
   int queryCompactInterval = 3;  ///< seconds
+  bool darkTheme = false;
 };
 
 /// Reads user.toml; errors are added to `errors`, with file and line.

@@ -45,12 +45,6 @@ class HOST_API CBaseTableColumnWidgetDelegate : public CEventDeliverer {
   /// Forgets every key.
   void reset();
 
-  /// Rows are sorted by what `key` returns for their row key, instead of by the text. Set once, before rows arrive;
-  /// called on the GUI thread when rows are sorted.
-  void setSortKey(std::function<qint64(const QString& rowKey)> key);
-  /// Null unless set.
-  const std::function<qint64(const QString& rowKey)>& sortKey() const;
-
   /// Rows are sorted by what `order` makes of their cell's value (none: no value was set), instead of by the text.
   /// Set once, before rows arrive; called on the GUI thread, often, when rows are sorted.
   void setValueOrder(std::function<qint64(std::optional<qint64> value)> order);

@@ -39,6 +39,8 @@ class HOST_API CAutoExpandToolBar : public CBaseWidget {
   /// Measures the items again after a text or visibility changed.
   void updateItemLength();
 
+  void onUiResourceChanged() override;
+
  protected:
   void paintEvent(QPaintEvent* event) override;
 

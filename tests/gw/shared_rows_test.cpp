@@ -49,7 +49,9 @@ struct CPlan {
     CChangeSet set;
     set.clearFirst = clearFirst;
     if (dropGroup != 0)
-      set.belongs = [g = dropGroup](const rdservice::IData& r) { return static_cast<const CTestRecord&>(r).group == g; };
+      set.belongs = [g = dropGroup](const rdservice::IData& r) {
+        return static_cast<const CTestRecord&>(r).group == g;
+      };
     std::size_t item = 0;
     for (std::size_t i = 0; i <= records.size(); ++i) {
       while (item < items.size() && items[item].records == i) set.add(items[item++]);
@@ -62,7 +64,7 @@ struct CPlan {
 /// What must be held, said in the plainest way.
 class CNaiveRows {
  public:
-  std::vector<CTestRecordPtr> rows;                         ///< by arrival
+  std::vector<CTestRecordPtr> rows;                        ///< by arrival
   std::map<int, std::map<std::string, CItemState>> items;  ///< by column
 
   void apply(const CPlan& plan) {
@@ -113,8 +115,8 @@ class CNaiveRows {
       return true;
     }
     const bool isNewer = record->version() > (*row)->version();
-    const bool isTaken = rule == ERowRule::Push ? isNewer : isNewer || record->version() == (*row)->version() ||
-                                                                record->version() == 0;
+    const bool isTaken =
+        rule == ERowRule::Push ? isNewer : isNewer || record->version() == (*row)->version() || record->version() == 0;
     if (isTaken) *row = record;
     return isTaken;
   }
@@ -228,7 +230,8 @@ class CRun {
     }
     CChangeSet changes = plan.changes();
     GW::CTableScope present;
-    ASSERT_FALSE(m_rows.commit(changes, [](const auto& scope) { return scope == SCOPE; }, plan.rule, &present));
+    ASSERT_FALSE(m_rows.commit(
+        changes, [](const auto& scope) { return scope == SCOPE; }, plan.rule, &present));
     changes.refresh = isOneIn(2);
     m_expectsWake = m_expectsWake || changes.refresh;
     ASSERT_TRUE(m_rows.commit(changes, nullptr, plan.rule, nullptr));

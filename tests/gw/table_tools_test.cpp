@@ -27,6 +27,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <random>
 #include <set>
@@ -246,8 +247,8 @@ namespace {
 class CMenu {
  public:
   CMenu(CRows& rows, QWidget* view, int columnId) : menu(new GW::CFilterMenu(rows.rows, columnId, view)) {
-    rows.changed.push_back([this](const GW::CRowsChange& change) {
-      if (menu) menu->rowsChanged(change);
+    rows.changed.push_back([held = menu](const GW::CRowsChange& change) {
+      if (held) held->rowsChanged(change);
     });
     menu->popup(QRect(100, 100, 80, 20));
     values = menu->findChild<GW::CFilterValues*>();
@@ -265,7 +266,6 @@ class CMenu {
       QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(values->index(row)).center());
     }
   }
-  void toggleAll() { menu->findChild<QCheckBox*>()->click(); }
   void press(Qt::Key key) {
     QTest::keyClick(menu->findChild<QLineEdit*>(), key);
     settle();
@@ -279,99 +279,81 @@ class CMenu {
 }  // namespace
 
 TEST(FilterMenu, whatIsAccepted) {
-  const QString finance = QString::fromUtf8("融资");
-  const QString security = QString::fromUtf8("融券");
-  const QString blank = QString::fromUtf8("(空白)");
-  const QString repo = QStringLiteral("Repo");
-  using CFilter = std::optional<QStringList>;
-  const auto enter = [](CMenu& menu) { menu.press(Qt::Key_Return); };
-  CRows* held = nullptr;
-
+  // What the user does: -text ticks or unticks, ?text types, * is the box for all, ! is Enter, ^ is Escape, _ is Down,
+  // the space bar and Enter in the list; > and % are other rows meanwhile. Filters: null is none, blank stands as "-".
   const struct {
     const char* what;
-    CFilter before;
-    std::function<void(CMenu&)> act;
-    CFilter after;
+    const char* before;
+    const char* acts;
+    const char* after;
     bool isOpen;
   } cases[] = {
-      {"everything ticked again", QStringList{finance}, [&](CMenu& m) { m.toggleAll(), enter(m); }, {}, false},
-      {"one unticked",
-       {},
-       [&](CMenu& m) { m.toggle(finance), enter(m); },
-       QStringList{QString(), repo, security},
-       false},
-      {"unticked and ticked", {}, [&](CMenu& m) { m.toggle(finance), m.toggle(finance), enter(m); }, {}, false},
-      {"part of a text",
-       {},
-       [&](CMenu& m) { m.type(QString::fromUtf8("融")), enter(m); },
-       QStringList{security, finance},
-       false},
-      {"in any case", {}, [&](CMenu& m) { m.type(QStringLiteral("rEP")), enter(m); }, QStringList{repo}, false},
-      {"blank", {}, [&](CMenu& m) { m.type(blank), enter(m); }, QStringList{QString()}, false},
-      {"only what is shown and ticked", QStringList{finance, repo},
-       [&](CMenu& m) { m.type(QString::fromUtf8("融")), enter(m); }, QStringList{finance}, false},
-      {"all that is shown", QStringList{repo},
-       [&](CMenu& m) { m.type(QString::fromUtf8("融")), m.toggleAll(), enter(m); }, QStringList{security, finance},
-       false},
-      {"text removed again", {}, [&](CMenu& m) { m.type(repo), m.type(QString()), enter(m); }, {}, false},
-      {"nothing ticked", {}, [&](CMenu& m) { m.toggleAll(), enter(m); }, {}, true},
-      {"nothing found", {}, [&](CMenu& m) { m.type(QStringLiteral("xyz")), enter(m); }, {}, true},
-      {"cancelled", {}, [&](CMenu& m) { m.toggle(finance), m.press(Qt::Key_Escape); }, {}, false},
-      {"the space bar",
-       {},
-       [&](CMenu& m) {
-         m.press(Qt::Key_Down);
-         QTest::keyClick(m.menu->findChild<QListView*>(), Qt::Key_Space);
-         QTest::keyClick(m.menu->findChild<QListView*>(), Qt::Key_Return);
-         settle();
-       },
-       QStringList{repo, security, finance},
-       false},
-      {"other rows meanwhile",
-       {},
-       [&](CMenu& m) {
-         m.toggle(finance);
-         held->rows.clear();
-         held->append(QStringList{security, QStringLiteral("New"), finance, repo});
-         EXPECT_EQ(held->rows.rowCount(), 4);
-         enter(m);
-       },
-       QStringList{repo, security},
-       false},
-      {"a value's last row takes another",
-       {},
-       [&](CMenu& m) {
-         m.toggleAll(), m.toggle(repo);
-         held->put({3}, {makeRecord(4, QStringLiteral("New"), 1)});
-         enter(m);
-       },
-       QStringList{repo},
-       false},
+      {"everything ticked again", "融资", "* !", nullptr, false},
+      {"one unticked", nullptr, "-融资 !", "- Repo 融券", false},
+      {"unticked and ticked", nullptr, "-融资 -融资 !", nullptr, false},
+      {"part of a text", nullptr, "?融 !", "融券 融资", false},
+      {"in any case", nullptr, "?rEP !", "Repo", false},
+      {"blank", nullptr, "?空白 !", "-", false},
+      {"only what is shown and ticked", "融资 Repo", "?融 !", "融资", false},
+      {"all that is shown", "Repo", "?融 * !", "融券 融资", false},
+      {"text removed again", nullptr, "?Repo ? !", nullptr, false},
+      {"nothing ticked", nullptr, "* !", nullptr, true},
+      {"nothing found", nullptr, "?xyz !", nullptr, true},
+      {"cancelled", nullptr, "-融资 ^", nullptr, false},
+      {"by the keyboard", nullptr, "_", "Repo 融券 融资", false},
+      {"rows loaded anew: ticks stay on their values", nullptr, "-融资 > !", "Repo 融券", false},
+      {"a value's last row takes another value", nullptr, "* -Repo % !", "Repo", false},
+  };
+  const auto textsOf = [](const char* filter) -> std::optional<QStringList> {
+    if (filter == nullptr) return std::nullopt;
+    return QString::fromUtf8(filter).replace(QLatin1Char('-'), QString()).split(QLatin1Char(' '));
   };
   for (const auto& one : cases) {
     SCOPED_TRACE(one.what);
-    CRows rows;
-    held = &rows;
-    rows.append({finance, security, QString(), repo, finance, finance});
-    rows.rows.setFilter(CTestRecord::ColumnName, one.before);
+    CRows held;
+    for (const char* name : {"融资", "融券", "", "Repo", "融资", "融资"}) held.append({QString::fromUtf8(name)});
+    held.rows.setFilter(CTestRecord::ColumnName, textsOf(one.before));
     QWidget view;
-    CMenu menu(rows, &view, CTestRecord::ColumnName);
+    auto last = std::make_unique<CMenu>(held, &view, CTestRecord::ColumnName);
+    CMenu menu(held, &view, CTestRecord::ColumnName);
+    last.reset();  // it lets go of the values after this one has taken hold
     QSignalSpy spy(menu.menu, &GW::CFilterMenu::sigFilterChanged);
-    const bool isAll = !one.before;
-    EXPECT_EQ(menu.values->shownState(), isAll ? Qt::Checked : Qt::PartiallyChecked);
-    EXPECT_EQ(menu.values->index(3).data().toString(), finance + QStringLiteral("  (3)"));
-    EXPECT_EQ(menu.values->index(0).data().toString(), blank + QStringLiteral("  (1)"));
+    EXPECT_EQ(menu.values->shownState(), one.before == nullptr ? Qt::Checked : Qt::PartiallyChecked);
+    EXPECT_EQ(menu.values->index(3).data().toString(), QString::fromUtf8("融资  (3)"));
+    EXPECT_EQ(menu.values->index(0).data().toString(), QString::fromUtf8("(空白)  (1)"));
 
-    one.act(menu);
-    const CFilter after = rows.rows.filter(CTestRecord::ColumnName);
-    ASSERT_EQ(after.has_value(), one.after.has_value());
+    auto* list = menu.menu->findChild<QListView*>();
+    for (const QString& act : QString::fromUtf8(one.acts).split(QLatin1Char(' '))) {
+      switch (act[0].toLatin1()) {
+        case '-': menu.toggle(act.mid(1)); break;
+        case '?': menu.type(act.mid(1)); break;
+        case '*': menu.menu->findChild<QCheckBox*>()->click(); break;
+        case '!': menu.press(Qt::Key_Return); break;
+        case '^': menu.press(Qt::Key_Escape); break;
+        case '_':
+          menu.press(Qt::Key_Down);
+          QTest::keyClick(list, Qt::Key_Space);
+          QTest::keyClick(list, Qt::Key_Return);
+          settle();
+          break;
+        case '>':
+          held.rows.clear();
+          for (const char* name : {"融券", "New", "融资", "Repo"}) held.append({QString::fromUtf8(name)});
+          break;
+        case '%': held.put({3}, {makeRecord(4, QStringLiteral("New"), 1)}); break;
+        default: FAIL();
+      }
+    }
+    const std::optional<QStringList> after = held.rows.filter(CTestRecord::ColumnName);
+    const std::optional<QStringList> wanted = textsOf(one.after);
+    ASSERT_EQ(after.has_value(), wanted.has_value());
     if (after) {
-      EXPECT_EQ(QSet<QString>(after->begin(), after->end()), QSet<QString>(one.after->begin(), one.after->end()));
+      EXPECT_EQ(QSet<QString>(after->begin(), after->end()), QSet<QString>(wanted->begin(), wanted->end()));
     }
     ASSERT_EQ(!menu.menu.isNull(), one.isOpen);
+    EXPECT_EQ(spy.count(), one.isOpen || QLatin1String(one.what) == QLatin1String("cancelled") ? 0 : 1);
     if (menu.menu) {
       EXPECT_FALSE(menu.ok()->isEnabled());
-      EXPECT_EQ(spy.count(), 0);
     }
   }
 }
@@ -499,47 +481,40 @@ TEST(FindBar, goesFromMatchToMatch) {
 
 TEST(FindBar, goesOnFromItsRecordWhenRowsMove) {
   constexpr int COUNT = 60000;
-  const auto fill = [](CViewed& held) {
-    std::vector<rdservice::IDataPtr> records;
-    for (int i = 0; i < COUNT; ++i) records.push_back(makeRecord(i, QStringLiteral("x"), 1));
-    held.append(records);
+  const struct {
+    const char* what;
+    bool isSorted;
+    std::function<void(CRows&)> change;
+    int row;
+  } cases[] = {
+      {"the match moves behind", true,
+       [](CRows& held) { held.put({COUNT - 1}, {makeRecord(0, QStringLiteral("new"), 5)}); }, 6},
+      {"the match comes", false, [](CRows& held) { held.append({QStringLiteral("new")}); }, COUNT},
+      {"rows above are dropped, and the match comes", false,
+       [](CRows& held) {
+         GW::CRowsDrain drain;
+         drain.replaced = true;
+         for (int slot = 0; slot < COUNT; ++slot) drain.newSlots.push_back(slot < 100 ? -1 : slot - 100);
+         held.rows.apply(std::move(drain));
+         held.put({COUNT - 100}, {makeRecord(0, QStringLiteral("new"), 2)});
+       },
+       COUNT - 100},
+      {"everything goes", true, [](CRows& held) { held.rows.clear(); }, -1},
   };
-  const auto begin = [](CViewed& held, const QString& text) {
+  for (const auto& one : cases) {
+    SCOPED_TRACE(one.what);
+    CViewed held;
+    std::vector<rdservice::IDataPtr> records;
+    for (int i = 0; i < COUNT; ++i) records.push_back(makeRecord(i, QStringLiteral("x"), i));
+    held.append(records);
+    if (one.isSorted) held.rows.setSort({{CTestRecord::ColumnVolume, Qt::AscendingOrder}});
     Q_EMIT held.view->sigFindRequested();
-    held.bar->findChild<QLineEdit*>()->setText(text);
+    held.bar->findChild<QLineEdit*>()->setText(QStringLiteral("new"));
     QCoreApplication::processEvents();
     ASSERT_TRUE(held.bar->isSearching());  // more than one turn
-  };
-  {
-    SCOPED_TRACE("the match moves behind");
-    CViewed held;
-    fill(held);
-    begin(held, QStringLiteral("059999"));
-    held.rows.setSort({{CTestRecord::ColumnId, Qt::DescendingOrder}});
+    one.change(held);
     held.finish();
-    EXPECT_EQ(held.view->currentRow(), 0);
-  }
-  {
-    SCOPED_TRACE("rows are dropped above, and one is added below");
-    CViewed held;
-    fill(held);
-    begin(held, QStringLiteral("new"));
-    GW::CRowsDrain drain;
-    drain.replaced = true;
-    for (int slot = 0; slot < COUNT; ++slot) drain.newSlots.push_back(slot < 100 ? -1 : slot - 100);
-    held.rows.apply(std::move(drain));
-    held.append({QStringLiteral("new")});
-    held.finish();
-    EXPECT_EQ(held.view->currentRow(), COUNT - 100);
-  }
-  {
-    SCOPED_TRACE("everything goes");
-    CViewed held;
-    fill(held);
-    begin(held, QStringLiteral("new"));
-    held.rows.clear();
-    held.finish();
-    EXPECT_EQ(held.view->currentRow(), -1);
+    EXPECT_EQ(held.view->currentRow(), one.row);
   }
 }
 

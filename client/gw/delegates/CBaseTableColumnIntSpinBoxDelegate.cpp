@@ -8,7 +8,8 @@
 
 namespace GW {
 
-CBaseTableColumnIntSpinBoxDelegate::CBaseTableColumnIntSpinBoxDelegate(int columnId, CBaseHighPerformanceTable* deliverer)
+CBaseTableColumnIntSpinBoxDelegate::CBaseTableColumnIntSpinBoxDelegate(int columnId,
+                                                                       CBaseHighPerformanceTable* deliverer)
     : CBaseTableColumnWidgetDelegate(columnId, deliverer) {
   CDelegateControl::of(*this).kind = ECellControl::IntSpinBox;
 }

@@ -6,7 +6,8 @@
 
 namespace GW {
 
-CBaseTableColumnRadioButtonDelegate::CBaseTableColumnRadioButtonDelegate(int columnId, CBaseHighPerformanceTable* deliverer)
+CBaseTableColumnRadioButtonDelegate::CBaseTableColumnRadioButtonDelegate(int columnId,
+                                                                         CBaseHighPerformanceTable* deliverer)
     : CBaseTableColumnWidgetDelegate(columnId, deliverer) {
   CDelegateControl::of(*this).kind = ECellControl::RadioButton;
 }

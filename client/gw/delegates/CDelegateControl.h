@@ -22,9 +22,9 @@ struct CDelegateControl {
   int minimum = 0;  ///< kind IntSpinBox
   int maximum = 0;
   int step = 1;
-  QPointer<QWidget> editor;                                     ///< while one of the column's cells is edited
+  QPointer<QWidget> editor;                                       ///< while one of the column's cells is edited
   std::function<qint64(std::optional<qint64> value)> valueOrder;  ///< null: sorted by state, number or text
-  std::shared_ptr<CSharedRows> rows;                            ///< where the table keeps the cells
+  std::shared_ptr<CSharedRows> rows;                              ///< where the table keeps the cells
 
   static CDelegateControl& of(CBaseTableColumnWidgetDelegate& delegate);
   static const CDelegateControl& of(const CBaseTableColumnWidgetDelegate& delegate);

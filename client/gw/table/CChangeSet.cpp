@@ -21,8 +21,8 @@ void CChangeSet::add(const rdservice::IDataPtr& record) {
   if (!record) return;
   const std::string key = record->getKey();
   assert(m_keys.size() + key.size() <= std::numeric_limits<std::uint32_t>::max() && "4 GiB of keys in one batch");
-  records.push_back({keyHash(key), static_cast<std::uint32_t>(m_keys.size()), static_cast<std::uint32_t>(key.size()),
-                     record});
+  records.push_back(
+      {keyHash(key), static_cast<std::uint32_t>(m_keys.size()), static_cast<std::uint32_t>(key.size()), record});
   m_keys.insert(m_keys.end(), key.begin(), key.end());
 }
 

@@ -58,7 +58,8 @@ class CSharedRows {
 
   CItemState item(int column, const std::string& key) const;
   bool hasText(int column) const;
-  /// The first (by arrival) checked key of the column; when there is none, one whose record has not arrived; else empty.
+  /// The first (by arrival) checked key of the column; when there is none, one whose record has not arrived; else
+  /// empty.
   std::string checkedKey(int column) const;
   /// Whether the column has set cells and every one of them, also those whose record has not arrived, is checked.
   bool isAllChecked(int column) const;

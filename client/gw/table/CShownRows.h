@@ -119,7 +119,8 @@ class CShownRows {
   /// In the column's sort order; only values that some row has.
   std::vector<CValue> values(int columnId);
   QString valueText(int columnId, std::uint32_t code) const;
-  /// While on, a code stays with its value, also when no row has it any more; otherwise it may become another's.
+  /// Until every "on" has had its "off", a code stays with its value, also when no row has it any more; otherwise it may
+  /// become another's.
   void holdValues(int columnId, bool on);
   void setFilterByCodes(int columnId, const std::vector<std::uint32_t>& codes);
 

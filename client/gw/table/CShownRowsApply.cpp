@@ -18,7 +18,7 @@ std::size_t at(int index) { return static_cast<std::size_t>(index); }
 
 /// More changes than this are cheaper by making the order anew.
 bool isMany(std::size_t changes, std::size_t rows) {
-  constexpr std::size_t FEW = 64;
+  constexpr std::size_t FEW = 8;
   constexpr std::size_t PART = 16;
   return changes > FEW + rows / PART;
 }

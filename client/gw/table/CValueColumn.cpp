@@ -99,7 +99,7 @@ std::uint32_t CValueColumn::add(CValue value) {
 /// An accepted value is remembered, so that a row that takes it again is shown again.
 void CValueColumn::dropIfUnused(std::uint32_t code) {
   CValue& value = m_values[code];
-  if (value.cells > 0 || value.isAccepted || !value.isUsed || m_isHeld) return;
+  if (value.cells > 0 || value.isAccepted || !value.isUsed || m_holders > 0) return;
   if (hasRaw())
     m_byRaw.erase(value.raw);
   else
@@ -131,10 +131,10 @@ std::vector<std::uint32_t> CValueColumn::ordered() const {
     if (a.first != b.first) return a.first < b.first;
     return CTextOrder::isAmbiguous(a.first) ? text(a.second) < text(b.second) : a.second < b.second;
   });
-  std::vector<std::uint32_t> codes;
-  codes.reserve(used.size());
-  for (const auto& [key, code] : used) codes.push_back(code);
-  return codes;
+  std::vector<std::uint32_t> inOrder;
+  inOrder.reserve(used.size());
+  for (const auto& [key, code] : used) inOrder.push_back(code);
+  return inOrder;
 }
 
 void CValueColumn::acceptAll() {
@@ -166,8 +166,8 @@ void CValueColumn::acceptCodes(const std::vector<std::uint32_t>& wanted) {
 }
 
 void CValueColumn::hold(bool on) {
-  m_isHeld = on;
-  if (on) return;
+  m_holders = on ? m_holders + 1 : std::max(0, m_holders - 1);
+  if (m_holders > 0) return;
   for (std::uint32_t code = 0; code < m_values.size(); ++code) dropIfUnused(code);
 }
 

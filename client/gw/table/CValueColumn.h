@@ -41,7 +41,7 @@ class CValueColumn {
   /// The accepted texts.
   QStringList accepted() const;
 
-  /// While on, values that no cell has any more keep their codes.
+  /// While somebody holds, values that no cell has any more keep their codes.
   void hold(bool on);
 
   std::vector<std::uint32_t> codes;  ///< by slot
@@ -70,7 +70,7 @@ class CValueColumn {
   std::unordered_map<std::uint64_t, std::uint32_t> m_byRaw;
   QHash<QString, std::uint32_t> m_byText;
   bool m_isFiltering = false;
-  bool m_isHeld = false;
+  int m_holders = 0;
   QSet<QString> m_acceptedTexts;  ///< those asked for by text, also of values that no cell has yet
 };
 

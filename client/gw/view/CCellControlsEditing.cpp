@@ -171,7 +171,8 @@ bool CCellControls::Private::focusLost() {
   QMetaObject::invokeMethod(
       q,
       [this, widget] {
-        if (widget && !widget->hasFocus() && editing && editing->editor && editing->editor->widget() == widget) commit();
+        if (widget && !widget->hasFocus() && editing && editing->editor && editing->editor->widget() == widget)
+          commit();
       },
       Qt::QueuedConnection);
   return false;
@@ -206,7 +207,8 @@ void CCellControls::place() {
   const int row = m_d->rows.rowOf(editing.slot);
   QRect cell = row < 0 ? QRect() : m_d->view.cellRect(row, editing.columnId);
   // Not hidden when out of sight: that would take the focus from what is being typed.
-  if (!cell.intersects(m_d->view.viewport()->rect())) cell = QRect(QPoint(-widget->width(), -widget->height()), widget->size());
+  if (!cell.intersects(m_d->view.viewport()->rect()))
+    cell = QRect(QPoint(-widget->width(), -widget->height()), widget->size());
   widget->setGeometry(cell);
 }
 
@@ -244,7 +246,8 @@ bool CCellControls::eventFilter(QObject* watched, QEvent* event) {
       return true;
     }
     case QEvent::FocusOut:
-      if (m_d->editing->isCommitting || static_cast<QFocusEvent*>(event)->reason() == Qt::PopupFocusReason) return false;
+      if (m_d->editing->isCommitting || static_cast<QFocusEvent*>(event)->reason() == Qt::PopupFocusReason)
+        return false;
       return m_d->focusLost();
     default: return false;
   }

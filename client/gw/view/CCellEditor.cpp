@@ -1,10 +1,13 @@
 #include "gw/view/CCellEditor.h"
 
+#include "gw/view/pixel_lines.h"
+
 #include "gw/CUiResource.h"
 
 #include <QGuiApplication>
 #include <QInputMethod>
 #include <QLineEdit>
+#include <QPainter>
 #include <QPalette>
 #include <QSpinBox>
 
@@ -12,14 +15,26 @@ namespace GW {
 
 namespace {
 
-/// Its line, which QSpinBox keeps to its derived classes.
+constexpr const char* FRAME_COLOR = "clr_table_control_accent";
+
+/// A spin box with a plain frame around both number and arrows; styles draw one that is too thick for a cell.
 class CCellSpinBox : public QSpinBox {
  public:
+  explicit CCellSpinBox(QWidget* parent) : QSpinBox(parent) {
+    setFrame(false);
+    QPalette colors = lineEdit()->palette();
+    colors.setColor(QPalette::Base, Qt::transparent);  // it lies over the frame
+    lineEdit()->setPalette(colors);
+  }
   using QSpinBox::lineEdit;
-  using QSpinBox::QSpinBox;
-};
 
-QString themeColor(const char* key) { return CUiResource::getColor(QString::fromLatin1(key)).name(); }
+ protected:
+  void paintEvent(QPaintEvent* event) override {
+    QSpinBox::paintEvent(event);
+    QPainter painter(this);
+    drawLineAround(painter, rect(), CUiResource::getColor(QString::fromLatin1(FRAME_COLOR)));
+  }
+};
 
 }  // namespace
 
@@ -73,9 +88,9 @@ void CCellEditor::setLook() {
   set(QPalette::Text, "clr_table_text");
   m_widget->setPalette(colors);
   m_widget->setAutoFillBackground(true);
-  const QString padding = QString::fromLatin1(m_spin == nullptr ? "0px 3px" : "0px");
-  m_widget->setStyleSheet(QStringLiteral("QLineEdit, QSpinBox { border: 1px solid %1; padding: %2; }")
-                            .arg(themeColor("clr_table_control_accent"), padding));
+  if (m_spin != nullptr) return;
+  m_line->setStyleSheet(QStringLiteral("QLineEdit { border: 1px solid %1; padding: 0px 3px; }")
+                            .arg(CUiResource::getColor(QString::fromLatin1(FRAME_COLOR)).name()));
 }
 
 }  // namespace GW

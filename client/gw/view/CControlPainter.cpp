@@ -13,6 +13,7 @@ namespace GW {
 
 namespace {
 
+constexpr int GRID = 1;  ///< pixels of the grid at a cell's right and lower edge
 constexpr int MIN_SIDE = 10;
 constexpr int CELL_GAP = 2;  ///< pixels between a box and the cell's upper and lower edge, at least
 constexpr int FIELD_GAP = 2;
@@ -51,14 +52,15 @@ void CControlPainter::onUiResourceChanged() {
 }
 
 QRect CControlPainter::boxRect(const QRect& cell, const QFontMetrics& metrics) {
+  const QRect inside = cell.adjusted(0, 0, -GRID, -GRID);
   int side = std::max(MIN_SIDE, metrics.height() * 3 / 4);
-  side = std::min({side, cell.width() - 2 * CELL_GAP, cell.height() - 2 * CELL_GAP});
-  if ((cell.height() - side) % 2 != 0) --side;  // otherwise it would stand half a pixel off the middle
-  return {cell.x() + (cell.width() - side) / 2, cell.y() + (cell.height() - side) / 2, side, side};
+  side = std::min({side, inside.width() - 2 * CELL_GAP, inside.height() - 2 * CELL_GAP});
+  if ((inside.height() - side) % 2 != 0) --side;  // otherwise it would stand half a pixel off the middle
+  return {inside.x() + (inside.width() - side) / 2, inside.y() + (inside.height() - side) / 2, side, side};
 }
 
 QRect CControlPainter::frameRect(const QRect& cell) {
-  return cell.adjusted(FIELD_GAP, FIELD_GAP, -FIELD_GAP, -FIELD_GAP);
+  return cell.adjusted(FIELD_GAP, FIELD_GAP, -FIELD_GAP - GRID, -FIELD_GAP - GRID);
 }
 
 void CControlPainter::paintBox(QPainter& painter, const QRect& cell, ECellControl kind, bool checked, bool enabled) {
@@ -114,18 +116,17 @@ QPixmap CControlPainter::makeBox(int side, qreal ratio, ECellControl kind, bool 
 }
 
 void CControlPainter::paintField(QPainter& painter, const QRect& cell, const QString& text, Qt::Alignment alignment,
-                                 bool enabled, const QPalette& colors) const {
+                                 bool enabled, const QPalette& colors) {
   const QRect frame = frameRect(cell);
   if (frame.width() <= 2 || frame.height() <= 2) return;
   painter.fillRect(frame, enabled ? m_colors.fieldBorder : m_colors.disabledBorder);
   painter.fillRect(frame.adjusted(1, 1, -1, -1), enabled ? m_colors.background : m_colors.disabledBackground);
   if (text.isEmpty()) return;
-  const QRect area = frame.adjusted(TEXT_GAP, 0, -TEXT_GAP, 0);
-  const QFontMetrics metrics = painter.fontMetrics();
-  const bool fits = metrics.horizontalAdvance(text) <= area.width();
-  painter.setPen(enabled ? colors.color(QPalette::Text) : m_colors.disabledText);
-  painter.drawText(area, static_cast<int>((alignment & Qt::AlignHorizontal_Mask) | Qt::AlignVCenter) | Qt::TextSingleLine,
-                   fits ? text : metrics.elidedText(text, Qt::ElideRight, area.width()));
+  // As high as the cell, so that it stands on one line with the texts beside it.
+  const QRect area(frame.x() + TEXT_GAP, cell.y(), frame.width() - 2 * TEXT_GAP, cell.height());
+  m_text.setFont(painter.font(), painter.device()->devicePixelRatioF());
+  m_text.add(area, alignment, text, enabled ? colors.color(QPalette::Text) : m_colors.disabledText);
+  m_text.draw(painter);
 }
 
 }  // namespace GW

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "gw/view/CTextPainter.h"
+
 #include "gw/CUiResource.h"
 #include "gw/delegates/CDelegateControl.h"
 
@@ -26,7 +28,7 @@ class CControlPainter : public CUiResourceChangeHandler {
 
   void paintBox(QPainter& painter, const QRect& cell, ECellControl kind, bool checked, bool enabled);
   void paintField(QPainter& painter, const QRect& cell, const QString& text, Qt::Alignment alignment, bool enabled,
-                  const QPalette& colors) const;
+                  const QPalette& colors);
 
   void onUiResourceChanged() override;
 
@@ -38,6 +40,7 @@ class CControlPainter : public CUiResourceChangeHandler {
   static CColors themeColors();
   QPixmap makeBox(int side, qreal ratio, ECellControl kind, bool checked, bool enabled) const;
 
+  CTextPainter m_text;
   CColors m_colors;
   QPixmap m_boxes[2][2][2];  ///< kind (check box, radio button), checked, enabled; null until it is needed
   int m_side = 0;            ///< of the boxes, logical pixels

@@ -34,13 +34,19 @@ constexpr const char* TEXT_CANCEL = "取消";
 constexpr int RELOAD_MS = 200;  ///< rows that are loaded anew come in many turns
 constexpr int MIN_VALUES = 4;   ///< the list has room for so many
 constexpr int MAX_VALUES = 14;
+constexpr int LINE_SPACING = 4;
 constexpr int MIN_WIDTH = 220;
+constexpr int MARGIN = 8;
 constexpr int MAX_WIDTH = 420;
 
 /// The whole line of a value is its box.
 class CValueDelegate : public QStyledItemDelegate {
  public:
   using QStyledItemDelegate::QStyledItemDelegate;
+
+  QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    return QStyledItemDelegate::sizeHint(option, index) + QSize(0, LINE_SPACING);
+  }
 
  protected:
   bool editorEvent(QEvent* event, QAbstractItemModel* model, const QStyleOptionViewItem& option,
@@ -114,7 +120,7 @@ void CFilterMenu::addWidgets() {
   m_text->installEventFilter(this);
   m_all->setTristate(true);
   m_cancel->setAutoDefault(true);  // Enter on it cancels
-  for (QPushButton* button : {m_ok, m_cancel}) button->setStyleSheet(smallButtonStyle());
+  for (QPushButton* button : {m_ok, m_cancel}) giveSmallButtonLook(button);
 
   auto* all = new QHBoxLayout;
   all->setContentsMargins(m_list->frameWidth() + 2, 0, 2, 0);
@@ -126,7 +132,7 @@ void CFilterMenu::addWidgets() {
   buttons->addWidget(m_ok);
   buttons->addWidget(m_cancel);
   auto* layout = new QVBoxLayout(this);
-  layout->setContentsMargins(8, 8, 8, 8);
+  layout->setContentsMargins(MARGIN, MARGIN, MARGIN, MARGIN);
   layout->setSpacing(6);
   layout->addWidget(m_text);
   layout->addLayout(all);
@@ -136,9 +142,14 @@ void CFilterMenu::addWidgets() {
 
 void CFilterMenu::popup(const QRect& section) {
   const int lines = std::clamp(m_values->rowCount(), MIN_VALUES, MAX_VALUES);
-  const int lineHeight = m_values->rowCount() > 0 ? m_list->sizeHintForRow(0) : fontMetrics().height() + 4;
-  m_list->setFixedHeight(lines * lineHeight + 2 * m_list->frameWidth());
-  const int width = std::clamp(section.width(), MIN_WIDTH, MAX_WIDTH);
+  QStyleOptionViewItem lineOption;
+  lineOption.initFrom(m_list);
+  QSize line(section.width(), fontMetrics().height() + LINE_SPACING);
+  for (int row = 0; row < std::min(lines, m_values->rowCount()); ++row)
+    line = line.expandedTo(m_list->itemDelegate()->sizeHint(lineOption, m_values->index(row)));
+  m_list->setFixedHeight(lines * line.height() + 2 * m_list->frameWidth());
+  const int around = 2 * MARGIN + 2 * m_list->frameWidth() + style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+  const int width = std::clamp(line.width() + around, MIN_WIDTH, MAX_WIDTH);
   resize(width, sizeHint().height());
 
   const QScreen* screen = QGuiApplication::screenAt(section.center());
@@ -182,6 +193,7 @@ void CFilterMenu::showState() {
 }
 
 void CFilterMenu::accept() {
+  m_acceptsWhenFound = false;
   if (m_reload.isActive()) reload();
   m_acceptsWhenFound = m_values->isSearching();
   if (m_acceptsWhenFound || m_values->shownState() == Qt::Unchecked) return;

@@ -59,7 +59,7 @@ CFindBar::CFindBar(CHpfTableView& view, QWidget* parent)
   } buttons[] = {{TEXT_PREVIOUS, &CFindBar::findPrevious}, {TEXT_NEXT, &CFindBar::findNext}};
   for (const auto& [text, run] : buttons) {
     auto* button = new QPushButton(QString::fromUtf8(text), this);
-    button->setStyleSheet(smallButtonStyle());
+    giveSmallButtonLook(button);
     connect(button, &QPushButton::clicked, this, run);
     layout->addWidget(button);
   }

@@ -204,7 +204,8 @@ std::vector<CHpfTableView::Private::CColumnPlace> CHpfTableView::Private::column
   for (int visual = 0; visual < header->count() && x <= right; ++visual) {
     const int id = header->logicalIndex(visual);
     const int width = header->sectionSize(id);  // 0 when hidden
-    if (width > 0 && x + width > left) columns.push_back({id, x, width, rows.column(id)});
+    if (width > 0 && x + width > left)
+      columns.push_back({id, x, width, rows.column(id), CCellControls::isControl(*rows.column(id))});
     x += width;
   }
   return columns;

@@ -32,6 +32,9 @@ class CHpfTableView : public QAbstractScrollArea {
   void columnAdded(int columnId);
   /// Title, delegate or alignment is another.
   void columnChanged(int columnId);
+  /// Several changes follow at once: the record at the top of the screen now is the one that keeps its place.
+  void changesBegin();
+  void changesEnd();
   void rowsAboutToChange(const CRowsChange& change);
   void rowsChanged(const CRowsChange& change);
   /// Sort marks, filter marks and sums follow the rows' present ones.

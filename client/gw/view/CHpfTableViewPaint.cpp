@@ -96,15 +96,15 @@ void CHpfTableView::Private::paintGrid(QPainter& painter, const std::vector<CCol
 void CHpfTableView::Private::paintCells(QPainter& painter, const std::vector<CColumnPlace>& columns) {
   const bool isEnabled = q->isEnabled();
   controlColors.setCurrentColorGroup(isEnabled ? QPalette::Active : QPalette::Disabled);
-  for (std::size_t c = 0; c < columns.size(); ++c) {
-    const CColumnPlace& place = columns[c];
-    const bool isControl = CCellControls::isControl(*place.column);
-    for (int row = markedFirst; row <= markedLast; ++row) {
-      if (marks[static_cast<std::size_t>(row - markedFirst) * columns.size() + c] == 0) continue;
-      CScreenLine& line = screen.line(row);
+  const std::uint8_t* marked = marks.data();
+  for (int row = markedFirst; row <= markedLast; ++row) {
+    CScreenLine& line = screen.line(row);
+    const int y = lineY(row);
+    for (const CColumnPlace& place : columns) {
+      if (*marked++ == 0) continue;
       const CScreenCell& cell = screen.cell(line, place.id);
-      const QRect rect(place.x, lineY(row), place.width, rowHeight);
-      if (isControl)
+      const QRect rect(place.x, y, place.width, rowHeight);
+      if (place.isControl)
         controls->paint(painter, rect, line.slot, place.id, controlColors);
       else
         texts.add(textRect(rect), place.column->alignment, cell.text,

@@ -27,6 +27,7 @@ struct CHpfTableView::Private : CUiResourceChangeHandler {
     int x;
     int width;
     const CTableColumn* column;
+    bool isControl;
   };
 
   Private(CHpfTableView* view, CShownRows& theRows);
@@ -62,6 +63,7 @@ struct CHpfTableView::Private : CUiResourceChangeHandler {
   /// Has rows painted again whose selection, current cell or shade is another.
   void updateLooks();
   void updateDirty(const std::vector<CScreenCells::CDirty>& dirty);
+  void noteTop();
   void takeRows(const CRowsChange& change);
   void paint(QPainter& painter, const QRegion& region);
   void markCells(const QRegion& region, const std::vector<CColumnPlace>& columns);
@@ -107,8 +109,10 @@ struct CHpfTableView::Private : CUiResourceChangeHandler {
   int rowHeight = 1;
   int currentColumn = -1;
 
-  int topSlot = -1;  ///< of the first row on screen, while rows change
-  int topOffset = 0;  ///< pixels of it that are above the viewport
+  int topSlot = -1;         ///< of the first row on screen, while rows change; -1 when it is gone
+  int topOffset = 0;        ///< pixels of it that are above the viewport
+  int topY = 0;             ///< scroll position at that time
+  bool isTopNoted = false;  ///< for several changes
   bool isPlacing = false;     ///< the scroll bars follow changed rows: no pixels move
   bool isMovedAside = false;  ///< meanwhile the columns had to move
   bool isLayingOut = false;

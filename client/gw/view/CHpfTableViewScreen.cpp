@@ -11,11 +11,23 @@
 
 namespace GW {
 
+void CHpfTableView::changesBegin() {
+  m_d->noteTop();
+  m_d->isTopNoted = true;
+}
+
+void CHpfTableView::changesEnd() { m_d->isTopNoted = false; }
+
 void CHpfTableView::rowsAboutToChange(const CRowsChange& change) {
-  if (change.kind == CRowsChange::Content || change.kind == CRowsChange::Append) return;
-  const int top = rowAt(0);
-  m_d->topSlot = m_d->rows.slotAt(top);
-  m_d->topOffset = m_d->scrollY() - top * m_d->rowHeight;
+  if (change.kind == CRowsChange::Content || change.kind == CRowsChange::Append || m_d->isTopNoted) return;
+  m_d->noteTop();
+}
+
+void CHpfTableView::Private::noteTop() {
+  const int top = q->rowAt(0);
+  topSlot = rows.slotAt(top);
+  topY = scrollY();
+  topOffset = topY - top * rowHeight;
 }
 
 void CHpfTableView::rowsChanged(const CRowsChange& change) {
@@ -35,10 +47,11 @@ void CHpfTableView::Private::takeRows(const CRowsChange& change) {
   if (change.kind != CRowsChange::Content) {
     isPlacing = true;
     updateScrollBars();
-    if (change.kind != CRowsChange::Append) {
-      if (change.newSlots != nullptr && topSlot >= 0) topSlot = (*change.newSlots)[static_cast<std::size_t>(topSlot)];
+    if (change.newSlots != nullptr && topSlot >= 0) topSlot = (*change.newSlots)[static_cast<std::size_t>(topSlot)];
+    // Among several changes one may have left too few rows for the place, and rows added below give it room again.
+    if (change.kind != CRowsChange::Append || isTopNoted) {
       const int top = rows.rowOf(topSlot);
-      if (top >= 0) q->verticalScrollBar()->setValue(top * rowHeight + topOffset);
+      q->verticalScrollBar()->setValue(top >= 0 ? top * rowHeight + topOffset : topY);
     }
     isPlacing = false;
   }

@@ -51,9 +51,7 @@ struct CPagingBar::Private {
   CSmallNoNormalButton* button(int id) const {
     return id > 0 && id < static_cast<int>(buttons.size()) ? buttons[static_cast<std::size_t>(id)] : nullptr;
   }
-  void showLast(int pageSize) {
-    buttons[PagingLast]->setEnabled(isLastEnabled && total >= 0 && pageSize > 0);
-  }
+  void showLast(int pageSize) { buttons[PagingLast]->setEnabled(isLastEnabled && total >= 0 && pageSize > 0); }
 };
 
 CPagingBar::CPagingBar(QWidget* parent) : CAutoExpandToolBar(parent), m_d(std::make_unique<Private>()) {
