@@ -72,6 +72,7 @@ void CBaseHighPerformanceTable::Private::rowsChanged(const CRowsChange& change) 
   view->rowsChanged(change);
   findBar->rowsChanged(change);
   if (filterMenu) filterMenu->rowsChanged(change);
+  updateTableAccessibility(*view, change);
 }
 
 std::size_t CBaseHighPerformanceTable::Private::rowsPerTurn() const {

@@ -229,6 +229,7 @@ void CBaseHighPerformanceTable::setColumnDelegate(int columnId, CBaseTableColumn
   CTableColumn* column = m_d->rows.column(columnId);
   if (column == nullptr) return;
   m_d->view->controls().cancel();
+  if (m_d->filterMenu && m_d->filterMenu->columnId() == columnId) m_d->filterMenu->close();
   column->delegate.swap(owned);
   m_d->rows.columnChanged(columnId);
   m_d->face.columnChanged(columnId);

@@ -12,7 +12,9 @@
 #include <QScrollBar>
 #include <QtTest/QTest>
 
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// A view of rows that are filled by hand; notes what its viewport paints.

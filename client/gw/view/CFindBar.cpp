@@ -171,9 +171,9 @@ void CFindBar::hideEvent(QHideEvent* event) {
   QFrame::hideEvent(event);
 }
 
+/// Of the view's events. The last of them come while the view is being destroyed: it is not touched here.
 bool CFindBar::eventFilter(QObject* watched, QEvent* event) {
-  if (watched == m_view && event->type() == QEvent::KeyPress && !isHidden() &&
-      static_cast<QKeyEvent*>(event)->key() == Qt::Key_F3) {
+  if (event->type() == QEvent::KeyPress && !isHidden() && static_cast<QKeyEvent*>(event)->key() == Qt::Key_F3) {
     keyPressEvent(static_cast<QKeyEvent*>(event));
     return true;
   }

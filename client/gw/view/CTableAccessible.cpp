@@ -58,9 +58,9 @@ CTableAccessible::CTableAccessible(CHpfTableView& view) : QAccessibleWidget(&vie
     QAccessibleEvent event(current, QAccessible::Focus);
     announce(&event);
   });
-  const auto announce = [this] { announceReset(); };
-  QObject::connect(view.header(), &QHeaderView::sectionMoved, &m_context, announce);
-  QObject::connect(view.header(), &QHeaderView::sectionCountChanged, &m_context, announce);
+  const auto columnsChanged = [this] { announceReset(); };
+  QObject::connect(view.header(), &QHeaderView::sectionMoved, &m_context, columnsChanged);
+  QObject::connect(view.header(), &QHeaderView::sectionCountChanged, &m_context, columnsChanged);
 }
 
 CTableAccessible::~CTableAccessible() {

@@ -118,7 +118,7 @@ void CTableHeader::paintSection(QPainter* painter, const QRect& section, int col
   if (at.title.width() > 0) {
     painter->setFont(font());
     painter->setPen(text);
-    painter->drawText(at.title, Qt::AlignCenter | Qt::TextSingleLine,
+    painter->drawText(at.title, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
                       fontMetrics().elidedText(title(columnId), Qt::ElideRight, at.title.width()));
   }
   if (!at.sort.isNull()) {
