@@ -96,9 +96,9 @@ class HOST_API CBaseTableColumnIntSpinBoxDelegate : public CBaseTableColumnWidge
   int itemInt(const QString& key) const;
 };
 
-/// A column of texts that the user edits. When editing begins it reports EventLineEditBegin; when a text is committed it
-/// is stored and then reported by EventCellEdited, whose receiver may store another. Cells are sorted as numbers when
-/// they are whole numbers, before all others.
+/// A column of texts that the user edits. When editing begins it reports EventLineEditBegin; when a text is committed
+/// it is stored and then reported by EventCellEdited, whose receiver may store another. Cells are sorted as numbers
+/// when they are whole numbers, before all others.
 class HOST_API CBaseTableColumnLineeditDelegate : public CBaseTableColumnWidgetDelegate {
  public:
   CBaseTableColumnLineeditDelegate(int columnId, CBaseHighPerformanceTable* deliverer);

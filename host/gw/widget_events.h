@@ -7,7 +7,8 @@ namespace GW {
 /// good during the call. Nothing is reported when a program, not the user, changes a control, but for
 /// EventComboChanged.
 enum EWidgetEvent : int {
-  /// A button was clicked. p1: its id. Of a table's paging bar: p1: `EPagingButton`; the bar shows the new page already.
+  /// A button was clicked. p1: its id. Of a table's paging bar: p1: `EPagingButton`; the bar shows the new page
+  /// already.
   EventButtonClicked = 5,
   /// A clickable text was clicked. p1: its id.
   EventTextClicked = 9,

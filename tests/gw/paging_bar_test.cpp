@@ -4,10 +4,12 @@
 #include "gw/view/CPagingBar.h"
 
 #include <QComboBox>
-#include <QLabel>
 #include <QPushButton>
 
 #include <gtest/gtest.h>
+
+#include <map>
+#include <utility>
 
 namespace {
 
@@ -29,20 +31,16 @@ class COwner : public GW::CBaseWidget {
       if (button->text() == QString::fromUtf8(text)) button->click();
     }
   }
-  /// Texts of what the bar shows, disabled buttons in brackets.
+  /// What the bar shows from the left; disabled in brackets.
   QString shown() const {
-    QStringList texts;
-    for (int x = 0; x < bar->width(); ++x) {
-      const QWidget* child = bar->childAt(x, bar->height() / 2);
-      if (child == nullptr || child->x() != x) continue;
-      if (const auto* label = qobject_cast<const QLabel*>(child)) texts.push_back(label->text());
-      if (const auto* box = qobject_cast<const QComboBox*>(child))
-        texts.push_back(QStringLiteral("<%1>").arg(box->currentText()));
-      const auto* button = qobject_cast<const QPushButton*>(child);
-      if (button != nullptr)
-        texts.push_back(button->isEnabled() ? button->text() : QStringLiteral("(%1)").arg(button->text()));
+    std::map<int, QString> texts;
+    for (const QWidget* child : bar->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+      const QString text = child->property(qobject_cast<const QComboBox*>(child) ? "currentText" : "text").toString();
+      if (child->isVisible()) texts[child->x()] = child->isEnabled() ? text : QStringLiteral("(%1)").arg(text);
     }
-    return texts.join(QLatin1Char(' '));
+    QStringList all;
+    for (const auto& [x, text] : texts) all.push_back(text);
+    return all.join(QLatin1Char(' '));
   }
   QString takeTold() { return std::exchange(told, QString()).trimmed(); }
 
@@ -95,7 +93,7 @@ TEST(PagingBar, showsItsParts) {
       {0, 5, "", "首页 上一页 (下一页)"},
       {GW::PagingPartPages, -1, "", "首页 上一页 第 3 页 (下一页)"},
       {13, 1200, "500", "首页 上一页 第 3 页 (下一页) 末页 共 1200 条 每页 500 条"},
-      {13, -1, "100,500", "首页 上一页 第 3 页 (下一页) (末页) 共 -- 条 <每页 100 条>"},
+      {13, -1, "100,500", "首页 上一页 第 3 页 (下一页) (末页) 共 -- 条 每页 100 条"},
   };
   owner.bar->setPage(3);
   owner.bar->setButtonEnabled(GW::PagingNext, false);

@@ -4,6 +4,9 @@
 #include "CControlTable.h"
 #include "CViewTable.h"
 
+#include "gw/CUiResource.h"
+#include "gw/ui_resources.h"
+
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QScreen>
@@ -14,6 +17,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <random>
 #include <set>
 
@@ -291,10 +295,10 @@ TEST(TableView, copiesAndTellsWhatIsCut) {
   view.header()->moveSection(3, 0);
   for (const int columnId : {1, 4, 5}) view.header()->hideSection(columnId);
   view.selectRows(1, 2);
-  EXPECT_EQ(view.selectedText(false).toStdString(), "1\t000002\t贵州茅台\n2\t000003\tST 皇台\n");
+  EXPECT_EQ(view.selectedText(false).toStdString(), "1\t000002\t贵州茅台\n2\t000003\tST 皇台");
   QTest::keyClick(&view, Qt::Key_C, Qt::ControlModifier);
   EXPECT_EQ(QApplication::clipboard()->text().toStdString(),
-            "未还数量\t合约编号\t证券名称\n1\t000002\t贵州茅台\n2\t000003\tST 皇台\n");
+            "未还数量\t合约编号\t证券名称\n1\t000002\t贵州茅台\n2\t000003\tST 皇台");
   QSignalSpy find(&view, &CHpfTableView::sigFindRequested);
   QTest::keyClick(&view, Qt::Key_F, Qt::ControlModifier);
   EXPECT_EQ(find.count(), 1);
@@ -415,6 +419,63 @@ TEST(TableView, followsItsRecordsThroughChanges) {
       ASSERT_TRUE(isScreenRight(table)) << seed << " act " << act << " at step " << step;
     }
   }
+}
+
+TEST(TableView, staysInItsBoundsWhenRowsGo) {
+  CViewTable table(20);
+  CHpfTableView& view = *table.view;
+  QScrollBar& bar = *view.verticalScrollBar();
+  const int boundAfter = bar.maximum() - view.rowHeight();
+  bar.setValue(boundAfter + 3);  // the same rows on screen, a little higher
+  const int top = view.visibleRows().first;
+  table.settle();
+  table.drop([](int slot) { return slot < 19; });
+  EXPECT_EQ(view.visibleRows().first, top);
+  EXPECT_EQ(bar.value(), boundAfter);
+  EXPECT_TRUE(isScreenRight(table));
+  // Several changes at once: the place that the first one takes away comes back with the next.
+  view.changesBegin();
+  table.drop([](int) { return false; });
+  EXPECT_EQ(bar.maximum(), 0);
+  table.append(30);
+  view.changesEnd();
+  EXPECT_EQ(bar.value(), boundAfter);
+  EXPECT_TRUE(isScreenRight(table));
+}
+
+TEST(TableView, looksAsTheThemeAndTheFontSay) {
+  CViewTable table(30);
+  CHpfTableView& view = *table.view;
+  view.selectRows(2, 2);
+  view.rows().setSum(CTestRecord::ColumnVolume, true);
+  const int heightBefore = view.viewport()->height();
+  view.updateMarks();
+  EXPECT_EQ(view.viewport()->height(), heightBefore - view.rowHeight());
+  table.settle();
+  const QImage image = view.grab().toImage();
+  const QPoint origin = view.viewport()->pos();
+  const auto expectColor = [&](const QPoint& place, const char* key) {
+    EXPECT_EQ(image.pixelColor(place).name(), GW::CUiResource::getColor(QString::fromLatin1(key)).name()) << key;
+  };
+  const auto corner = [&](int row) { return origin + view.cellRect(row, 0).topLeft() + QPoint(1, 1); };
+  expectColor(corner(0), "clr_table_background");
+  expectColor(corner(1), "clr_table_alternate");
+  expectColor(corner(2), "clr_table_selected");
+  expectColor(origin + view.cellRect(0, 0).bottomRight(), "clr_table_grid");
+  expectColor(QPoint(1, 1), "clr_table_header");
+  expectColor(origin + QPoint(1, view.viewport()->height() + 3), "clr_table_sums");
+
+  GW::notifyUiResourceChanged();
+  EXPECT_EQ(table.settle(), view.viewport()->rect());
+  const int rowHeight = view.rowHeight();
+  QFont larger = view.font();
+  larger.setPointSize(larger.pointSize() * 2);
+  view.setFont(larger);
+  EXPECT_GT(view.rowHeight(), rowHeight * 3 / 2);
+  EXPECT_EQ(table.at(3, 0).y(), 3 * view.rowHeight() + view.cellRect(0, 0).center().y());
+  EXPECT_TRUE(isScreenRight(table));
+  view.setEnabled(false);
+  EXPECT_TRUE(isScreenRight(table));
 }
 
 TEST(TableView, wheelScrollsRowsOrSideways) {

@@ -61,8 +61,8 @@ class CItemColumn {
   void writeValue(int slot, qint64 value);
 
   std::vector<std::uint8_t> m_flags;
-  std::vector<QString> m_texts;   ///< may be shorter than the flags
-  std::vector<qint64> m_values;   ///< may be shorter than the flags
+  std::vector<QString> m_texts;  ///< may be shorter than the flags
+  std::vector<qint64> m_values;  ///< may be shorter than the flags
   int m_textCount = 0;
   int m_setCount = 0;
   int m_checkedCount = 0;

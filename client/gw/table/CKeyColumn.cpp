@@ -113,9 +113,8 @@ int CKeyColumn::compare(const CCell& a, const CCell& b) const {
   const rdservice::CFieldDes* field = m_column.field;
   switch (m_kind) {
     case Interned:
-      return field->get<rdservice::CInternedText>(*a.record)
-          .str()
-          .compare(field->get<rdservice::CInternedText>(*b.record).str());
+      return field->get<rdservice::CInternedText>(*a.record).str().compare(
+          field->get<rdservice::CInternedText>(*b.record).str());
     case Text: return field->get<std::string>(*a.record).compare(field->get<std::string>(*b.record));
     case Account: return accountIdOf(*field, *a.record).compare(accountIdOf(*field, *b.record));
     case NumberText:

@@ -13,7 +13,7 @@ namespace {
 constexpr std::size_t MIN_PLACES = 16;
 constexpr std::uint64_t MULTIPLIER = 0x9E3779B97F4A7C15U;  // odd, of the golden ratio
 
-bool isCrowded(std::size_t keys, std::size_t places) { return keys > places / 4 * 3; }
+bool isCrowded(std::size_t keys, std::size_t places) { return keys > places / 16 * 13; }
 
 std::uint64_t blockAt(const char* begin) {
   std::uint64_t block = 0;

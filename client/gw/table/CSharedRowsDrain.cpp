@@ -37,6 +37,7 @@ bool CSharedRows::take(std::size_t limit, CRowsDrain& drain) {
   } else if (hasDropped()) {
     return true;
   }
+  drain.total = slotCount();
   const std::size_t first = drain.slots.size();
   const std::size_t oldEnd = m_dirtyBegin + std::min(limit, m_dirtyEnd - m_dirtyBegin);
   for (; m_dirtyBegin < oldEnd; ++m_dirtyBegin) {

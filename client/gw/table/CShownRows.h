@@ -38,9 +38,9 @@ struct CRowsChange {
   EKind kind = Content;
   int firstAdded = 0;
   int added = 0;
-  std::vector<int> changedSlots;              ///< displayed before and after, with another record or other cells
-  const std::vector<int>* newSlots = nullptr; ///< by old slot: the new one, -1 for rows that are gone; lives as long
-                                              ///< as the notification
+  std::vector<int> changedSlots;               ///< displayed before and after, with another record or other cells
+  const std::vector<int>* newSlots = nullptr;  ///< by old slot: the new one, -1 for rows that are gone; lives as long
+                                               ///< as the notification
 };
 
 /// Told before and after every change of the displayed rows. Between the two nobody reads them.
@@ -119,8 +119,8 @@ class CShownRows {
   /// In the column's sort order; only values that some row has.
   std::vector<CValue> values(int columnId);
   QString valueText(int columnId, std::uint32_t code) const;
-  /// Until every "on" has had its "off", a code stays with its value, also when no row has it any more; otherwise it may
-  /// become another's.
+  /// Until every "on" has had its "off", a code stays with its value, also when no row has it any more; otherwise it
+  /// may become another's.
   void holdValues(int columnId, bool on);
   void setFilterByCodes(int columnId, const std::vector<std::uint32_t>& codes);
 

@@ -38,7 +38,8 @@ void CShownRows::clear() {
 
 void CShownRows::Private::drop(const std::vector<int>& newSlots) {
   const auto movedTo = [&newSlots](int slot) { return newSlots[at(slot)]; };
-  const int kept = static_cast<int>(newSlots.size()) - static_cast<int>(std::count(newSlots.begin(), newSlots.end(), -1));
+  const int kept =
+      static_cast<int>(newSlots.size()) - static_cast<int>(std::count(newSlots.begin(), newSlots.end(), -1));
   std::vector<rdservice::IDataPtr> garbage(at(kept));
   CRowsChange change;
   change.kind = CRowsChange::Reset;
@@ -95,6 +96,9 @@ void CShownRows::apply(CRowsDrain&& drain) {
 /// Values, with which filters work, are new afterwards, of the drain's new rows too; everything else is as before.
 std::vector<CShownRows::Private::CStep> CShownRows::Private::plan(const CRowsDrain& drain, std::size_t oldCount) {
   std::vector<CStep> steps;
+  for (const auto& column : columns) {
+    if (column->values) growFor(column->values->codes, std::max(oldCount, at(drain.total)));
+  }
   for (std::size_t i = 0; i < drain.slots.size(); ++i) {
     const int slot = drain.slots[i];
     const bool isOld = at(slot) < oldCount;
@@ -140,9 +144,8 @@ CRowsChange CShownRows::Private::kindOf(const std::vector<CStep>& steps, std::si
 
 void CShownRows::Private::changeRows(CRowsDrain& drain, const std::vector<CStep>& steps) {
   const bool isSorted = !sort.empty();
-  const auto moves = static_cast<std::size_t>(std::count_if(steps.begin(), steps.end(), [](const CStep& step) {
-    return step.isMoved || step.wasShown != step.isShown;
-  }));
+  const auto moves = static_cast<std::size_t>(std::count_if(
+      steps.begin(), steps.end(), [](const CStep& step) { return step.isMoved || step.wasShown != step.isShown; }));
   const bool isRebuilt = isMany(moves, records.size());
   // Entries leave with their old keys and come back with their new ones.
   for (const CStep& step : steps) {
@@ -166,13 +169,14 @@ void CShownRows::Private::changeRows(CRowsDrain& drain, const std::vector<CStep>
 }
 
 void CShownRows::Private::addRows(CRowsDrain& drain, std::size_t oldCount) {
-  const auto firstNew = std::find_if(drain.slots.begin(), drain.slots.end(),
-                                     [oldCount](int slot) { return at(slot) >= oldCount; });
+  const auto firstNew =
+      std::find_if(drain.slots.begin(), drain.slots.end(), [oldCount](int slot) { return at(slot) >= oldCount; });
   const std::size_t added = static_cast<std::size_t>(drain.slots.end() - firstNew);
   if (added == 0) return;
-  growFor(records, oldCount + added);
+  const std::size_t room = std::max(oldCount + added, at(drain.total));
+  growFor(records, room);
   for (const auto& column : columns) {
-    if (column->keys) growFor(column->keys->keys, oldCount + added);
+    if (column->keys) growFor(column->keys->keys, room);
   }
   std::vector<COrderEntry> entries;
   std::vector<COrderEntry> shown;

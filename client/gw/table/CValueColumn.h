@@ -49,9 +49,9 @@ class CValueColumn {
 
  private:
   struct CValue {
-    std::uint64_t raw = 0;        ///< of a field: a number in the order of its values, or the address of a pooled text
-    QString text;                 ///< of anything else
-    rdservice::IDataPtr sample;   ///< of a field: a record that shows it
+    std::uint64_t raw = 0;       ///< of a field: a number in the order of its values, or the address of a pooled text
+    QString text;                ///< of anything else
+    rdservice::IDataPtr sample;  ///< of a field: a record that shows it
     int cells = 0;
     bool isUsed = false;
     bool isAccepted = false;

@@ -93,12 +93,12 @@ QString CHpfTableView::selectedText(bool withTitles) const {
   const std::vector<int> columns = shownColumns();
   QString text;
   const auto addLine = [&](auto textOf) {
+    if (!text.isEmpty()) text += QLatin1Char('\n');
     for (std::size_t i = 0; i < columns.size(); ++i) {
       if (i > 0) text += QLatin1Char('\t');
       // A cell must stay one cell in one line wherever the text is pasted.
       for (const QChar one : textOf(columns[i])) text += one.category() == QChar::Other_Control ? QLatin1Char(' ') : one;
     }
-    text += QLatin1Char('\n');
   };
   if (withTitles) addLine([this](int id) { return m_d->rows.column(id)->title; });
   for (const int row : selectedRows()) {
