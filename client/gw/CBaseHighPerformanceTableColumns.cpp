@@ -55,9 +55,20 @@ void CBaseHighPerformanceTable::Private::onSortRequested(int columnId, bool exte
 
 void CBaseHighPerformanceTable::Private::openFilterMenu(int columnId, const QRect& section) {
   if (filterMenu) filterMenu->close();
-  filterMenu = new CFilterMenu(rows, columnId, view);
-  QObject::connect(filterMenu, &CFilterMenu::sigFilterChanged, view, &CHpfTableView::updateMarks);
-  filterMenu->popup(section);
+  const auto open = [this, columnId, section] {
+    filterMenu = new CFilterMenu(rows, columnId, view);
+    QObject::connect(filterMenu, &CFilterMenu::sigFilterChanged, view, &CHpfTableView::updateMarks);
+    filterMenu->popup(section);
+  };
+  // A column of many rows must not hold the program up.
+  constexpr int ROWS_PER_STEP = 256;
+  valueTask.start(
+      [this, columnId, open] {
+        if (!rows.prepareValues(columnId, ROWS_PER_STEP)) return true;
+        open();
+        return false;
+      },
+      nullptr);
 }
 
 int CBaseHighPerformanceTable::addPlainColumn(int number, const QString& title, Qt::Alignment alignment) {

@@ -6,6 +6,7 @@
 #include "gw/view/CFilterMenu.h"
 #include "gw/view/CFindBar.h"
 #include "gw/view/CHpfTableView.h"
+#include "gw/view/CSlicedTask.h"
 #include "gw/view/CTableFace.h"
 
 #include <QPointer>
@@ -41,6 +42,7 @@ struct CBaseHighPerformanceTable::Private : IRowsObserver {
   CHpfTableView* view;  ///< child of the table, deleted before the rows
   CFindBar* findBar;    ///< child of the table
   QPointer<CFilterMenu> filterMenu;
+  CSlicedTask valueTask{nullptr};  ///< finds the values for the next filter menu
   std::set<int> unchoosableColumns;
   int recordType = 0;
   bool isUpdating = false;

@@ -168,7 +168,7 @@ TEST(TableView, mouseSelects) {
   QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, table.at(45, 1));
   ASSERT_EQ(doubleClicked.count(), 1);
   EXPECT_EQ(doubleClicked[0][0].toInt(), 45);
-  QContextMenuEvent asked(QContextMenuEvent::Mouse, table.at(45, 1));
+  QContextMenuEvent asked(QContextMenuEvent::Mouse, table.at(45, 1), view.viewport()->mapToGlobal(table.at(45, 1)));
   QApplication::sendEvent(view.viewport(), &asked);
   ASSERT_EQ(menu.count(), 1);
   EXPECT_EQ(menu[0][0].toPoint(), table.at(45, 1));
@@ -304,7 +304,9 @@ TEST(TableView, copiesAndTellsWhatIsCut) {
   EXPECT_EQ(find.count(), 1);
 
   const auto tip = [](QWidget* widget, const QPoint& place) {
-    QToolTip::hideText();
+    for (QWidget* shown : QApplication::topLevelWidgets()) {
+      if (shown->inherits("QTipLabel")) shown->hide();  // it would stay for a while
+    }
     QHelpEvent help(QEvent::ToolTip, place, widget->mapToGlobal(place));
     QApplication::sendEvent(widget, &help);
     return QToolTip::isVisible() ? QToolTip::text() : QString();
@@ -317,6 +319,23 @@ TEST(TableView, copiesAndTellsWhatIsCut) {
   EXPECT_EQ(tip(view.viewport(), table.at(1, 2)), name);
   view.header()->resizeSection(2, 40);
   EXPECT_EQ(tip(view.header()->viewport(), title), view.rows().column(2)->title);
+  // The width that the header asks for has room for every mark.
+  view.header()->resizeSection(2, view.headerWidth(2));
+  view.rows().setSort({{0, Qt::AscendingOrder}, {2, Qt::AscendingOrder}});
+  view.rows().setFilter(2, QStringList{name});
+  view.updateMarks();
+  EXPECT_EQ(tip(view.header()->viewport(), title), QString());
+  view.header()->resizeSection(2, view.headerWidth(2) - 1);
+  EXPECT_NE(tip(view.header()->viewport(), title), QString());
+
+  view.rows().setSum(3, true);
+  view.updateMarks();
+  table.change({0}, 123456789);
+  view.header()->resizeSection(3, 60);
+  QWidget* sums = view.childAt(view.viewport()->geometry().bottomLeft() + QPoint(30, 8));
+  EXPECT_EQ(tip(sums, QPoint(30, 5)), view.rows().sumText(3));
+  view.header()->resizeSection(3, 200);
+  EXPECT_EQ(tip(sums, QPoint(30, 5)), QString());
 }
 
 TEST(TableView, paintsOnlyWhatHasChanged) {

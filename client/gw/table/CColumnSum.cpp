@@ -15,6 +15,7 @@ using rdservice::EFieldType;
 namespace {
 
 constexpr std::int64_t PARTS = 100000000;
+constexpr std::int64_t CARRY_AT = PARTS * 1000000000;  ///< carrying is a division, so that it is seldom done
 
 }  // namespace
 
@@ -52,8 +53,10 @@ void CColumnSum::changeBy(double amount, int sign) {
     return;
   }
   const auto units = static_cast<std::int64_t>(amount);
+  const double parts = (amount - static_cast<double>(units)) * double{PARTS};
   m_units += sign * units;
-  m_parts += sign * static_cast<std::int64_t>(std::llround((amount - static_cast<double>(units)) * double{PARTS}));
+  m_parts += sign * static_cast<std::int64_t>(parts < 0 ? parts - 0.5 : parts + 0.5);
+  if (m_parts < CARRY_AT && m_parts > -CARRY_AT) return;
   m_units += m_parts / PARTS;
   m_parts %= PARTS;
 }
@@ -64,10 +67,10 @@ QString CColumnSum::text(const CTableColumn& column) const {
     return QString::fromStdString(rdservice::groupedText(std::to_string(m_units)));
   constexpr std::int64_t CENTS = 100;
   constexpr std::int64_t PARTS_OF_CENT = PARTS / CENTS;
-  // Units and parts may have different signs.
   const std::int64_t half = PARTS_OF_CENT / 2;
-  std::int64_t units = m_units;
-  std::int64_t parts = m_parts;
+  std::int64_t units = m_units + m_parts / PARTS;
+  std::int64_t parts = m_parts % PARTS;
+  // Units and parts may have different signs.
   if (units > 0 && parts < 0) {
     --units;
     parts += PARTS;

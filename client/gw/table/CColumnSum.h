@@ -28,7 +28,7 @@ class CColumnSum {
   void changeBy(double amount, int sign);
 
   std::int64_t m_units = 0;
-  std::int64_t m_parts = 0;  ///< of 1e-8
+  std::int64_t m_parts = 0;  ///< of 1e-8, carried into the units when they become many
   int m_unsummable = 0;
 };
 

@@ -116,6 +116,9 @@ class CShownRows {
     int rows;            ///< how many rows that pass the filters of the other columns have it
     bool isAccepted;     ///< by the column's own filter
   };
+  /// The values of a column are found when they are first needed. For many rows that takes long: this does it for so
+  /// many more of them, and is true when nothing is left.
+  bool prepareValues(int columnId, int rows);
   /// In the column's sort order; only values that some row has.
   std::vector<CValue> values(int columnId);
   QString valueText(int columnId, std::uint32_t code) const;

@@ -60,6 +60,7 @@ void CShownRows::Private::drop(const std::vector<int>& newSlots) {
     for (const auto& column : columns) {
       if (column->keys) moveAll(column->keys->keys);
       if (column->items) column->items->renumber(newSlots, kept);
+      if (column->values && column->values->codes.size() < newSlots.size()) column->values.reset();
       if (!column->values) continue;
       for (std::size_t slot = 0; slot < newSlots.size(); ++slot) {
         if (newSlots[slot] < 0) column->values->release(column->values->codes[slot]);
@@ -106,8 +107,9 @@ std::vector<CShownRows::Private::CStep> CShownRows::Private::plan(const CRowsDra
     for (std::size_t id = 0; id < columns.size(); ++id) {
       if (!columns[id]->values) continue;
       CValueColumn& values = *columns[id]->values;
+      if (at(slot) > values.codes.size()) continue;  // its turn comes when the values are completed
       const std::uint32_t code = values.take(cell(static_cast<int>(id), drain, i), drain.records[i]);
-      if (isOld)
+      if (at(slot) < values.codes.size())
         values.release(std::exchange(values.codes[at(slot)], code));
       else
         values.codes.push_back(code);

@@ -2,6 +2,7 @@
 
 #include "gw/table/CShownRows.h"
 #include "gw/table/CShownRowsPrivate.h"
+#include "gw/table/vector_growth.h"
 
 #include <algorithm>
 #include <utility>
@@ -15,14 +16,21 @@ std::size_t at(int index) { return static_cast<std::size_t>(index); }
 }  // namespace
 
 CValueColumn& CShownRows::Private::valuesOf(int columnId) {
+  while (!prepareValues(columnId, records.size())) {
+  }
+  return *columns[at(columnId)]->values;
+}
+
+bool CShownRows::Private::prepareValues(int columnId, std::size_t rows) {
   CColumn& column = *columns[at(columnId)];
-  if (column.values) return *column.values;
-  column.values = std::make_unique<CValueColumn>(column.column);
+  if (!column.values) column.values = std::make_unique<CValueColumn>(column.column);
   std::vector<std::uint32_t>& codes = column.values->codes;
-  codes.reserve(records.size());
-  for (int slot = 0; at(slot) < records.size(); ++slot)
-    codes.push_back(column.values->take(cell(column, slot), records[at(slot)]));
-  return *column.values;
+  growFor(codes, records.size());
+  for (; rows > 0 && codes.size() < records.size(); --rows) {
+    const std::size_t slot = codes.size();
+    codes.push_back(column.values->take(cell(column, static_cast<int>(slot)), records[slot]));
+  }
+  return codes.size() == records.size();
 }
 
 bool CShownRows::Private::passes(int slot, int exceptColumn) const {
@@ -103,6 +111,10 @@ bool CShownRows::isFiltered() const { return m_d->isFiltered(); }
 std::optional<QStringList> CShownRows::filter(int columnId) const {
   if (!isFiltered(columnId)) return std::nullopt;
   return m_d->columns[at(columnId)]->values->accepted();
+}
+
+bool CShownRows::prepareValues(int columnId, int rows) {
+  return column(columnId) == nullptr || m_d->prepareValues(columnId, static_cast<std::size_t>(std::max(rows, 1)));
 }
 
 std::vector<CShownRows::CValue> CShownRows::values(int columnId) {

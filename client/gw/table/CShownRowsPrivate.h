@@ -18,7 +18,7 @@ struct CShownRows::Private : ITieBreaker {
     CTableColumn column;
     std::unique_ptr<CItemColumn> items;    ///< made when a cell is set
     std::unique_ptr<CKeyColumn> keys;      ///< made when first sorted by
-    std::unique_ptr<CValueColumn> values;  ///< made when first filtered by
+    std::unique_ptr<CValueColumn> values;  ///< made when first filtered by; of the first rows only until it is complete
     bool isSummed = false;
     CColumnSum allSum;    ///< of every row
     CColumnSum shownSum;  ///< of the rows that pass, while there is a filter
@@ -42,7 +42,9 @@ struct CShownRows::Private : ITieBreaker {
   bool isBefore(int slot, int other) const override;
   bool differs(int columnId, int slot, const CCell& changed) const;
   CKeyColumn& keysOf(int columnId);
+  /// Complete.
   CValueColumn& valuesOf(int columnId);
+  bool prepareValues(int columnId, std::size_t rows);
 
   // Filters and sums (CShownRowsFilter.cpp).
   bool isFiltered() const { return !filters.empty(); }

@@ -1,5 +1,6 @@
 #include "gw/table/CValueColumn.h"
 
+#include "gw/table/CBlockOrder.h"
 #include "gw/table/CTextOrder.h"
 #include "gw/table/cell_text.h"
 
@@ -72,13 +73,24 @@ std::uint32_t CValueColumn::find(const CCell& cell, const rdservice::IDataPtr& r
     m_byRaw.emplace(m_values[code].raw, code);
     return code;
   }
-  value.text = cellText(m_column, cell);
-  const auto known = m_byText.constFind(value.text);
-  if (known != m_byText.constEnd()) return *known;
-  const QString key = value.text;
-  const std::uint32_t code = add(std::move(value));
-  m_byText.insert(key, code);
-  return code;
+  std::string buffer;
+  const auto [entry, isNew] = m_byText.try_emplace(textOf(cell, buffer), 0);
+  if (!isNew) return entry->second;
+  value.text = &entry->first;
+  return entry->second = add(std::move(value));
+}
+
+/// Only where nothing has to be converted it is the record's own.
+const std::string& CValueColumn::textOf(const CCell& cell, std::string& buffer) const {
+  if (m_isText && !m_column.delegate && m_column.field->type == EFieldType::Text)
+    return m_column.field->get<std::string>(*cell.record);
+  return buffer = cellText(m_column, cell).toStdString();
+}
+
+const std::string& CValueColumn::orderText(const CValue& value) const {
+  static const std::string none;
+  if (!hasRaw()) return value.text == nullptr ? none : *value.text;
+  return value.sample ? m_column.field->get<rdservice::CInternedText>(*value.sample).str() : none;
 }
 
 std::uint32_t CValueColumn::add(CValue value) {
@@ -103,37 +115,50 @@ void CValueColumn::dropIfUnused(std::uint32_t code) {
   if (hasRaw())
     m_byRaw.erase(value.raw);
   else
-    m_byText.remove(value.text);
+    m_byText.erase(m_byText.find(*value.text));
   value = CValue();
   m_free.push_back(code);
 }
 
 QString CValueColumn::text(std::uint32_t code) const {
   const CValue& value = m_values[code];
-  if (!hasRaw()) return value.text;
+  if (!hasRaw()) return QString::fromStdString(orderText(value));
   return value.sample ? cellText(m_column, {value.sample.get(), nullptr, 0}) : QString();
 }
 
+/// Texts that share a key.
+struct CValueColumn::CTies : ITieBreaker {
+  explicit CTies(const CValueColumn& values) : all(values) {}
+  bool decides(std::uint64_t key) const override { return CTextOrder::isAmbiguous(key); }
+  bool isBefore(int code, int other) const override {
+    const int order = textOf(code).compare(textOf(other));
+    return order != 0 ? order < 0 : code < other;
+  }
+  const std::string& textOf(int code) const { return all.orderText(all.m_values[static_cast<std::size_t>(code)]); }
+
+  const CValueColumn& all;
+};
+
 std::vector<std::uint32_t> CValueColumn::ordered() const {
-  std::vector<std::pair<std::uint64_t, std::uint32_t>> used;
   const bool isNumber = hasRaw() && m_column.field->type != EFieldType::Interned;
+  std::vector<COrderEntry> used;
   CTextOrder texts;
   const auto gather = [&] {
     used.clear();
-    for (std::uint32_t code = 0; code < m_values.size(); ++code) {
-      if (m_values[code].cells == 0) continue;
-      used.emplace_back(isNumber ? m_values[code].raw : texts.key(text(code).toStdString()), code);
+    for (std::size_t code = 0; code < m_values.size(); ++code) {
+      const CValue& value = m_values[code];
+      if (value.cells > 0) used.push_back({isNumber ? value.raw : texts.key(orderText(value)), static_cast<int>(code)});
     }
   };
   gather();
   if (texts.renumberIfNeeded()) gather();
-  std::sort(used.begin(), used.end(), [this](const auto& a, const auto& b) {
-    if (a.first != b.first) return a.first < b.first;
-    return CTextOrder::isAmbiguous(a.first) ? text(a.second) < text(b.second) : a.second < b.second;
-  });
+  const CTies ties(*this);
+  CBlockOrder order;
+  if (!isNumber) order.setTies(&ties);
+  order.sort(used);
   std::vector<std::uint32_t> inOrder;
   inOrder.reserve(used.size());
-  for (const auto& [key, code] : used) inOrder.push_back(code);
+  for (const COrderEntry& entry : used) inOrder.push_back(static_cast<std::uint32_t>(entry.slot));
   return inOrder;
 }
 

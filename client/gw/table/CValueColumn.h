@@ -3,12 +3,11 @@
 #include "gw/CTableColumn.h"
 #include "gw/table/CCell.h"
 
-#include <QHash>
 #include <QSet>
 #include <QStringList>
 
 #include <cstdint>
-#include <optional>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -49,16 +48,20 @@ class CValueColumn {
 
  private:
   struct CValue {
-    std::uint64_t raw = 0;       ///< of a field: a number in the order of its values, or the address of a pooled text
-    QString text;                ///< of anything else
-    rdservice::IDataPtr sample;  ///< of a field: a record that shows it
+    std::uint64_t raw = 0;  ///< of a field: a number in the order of its values, or the address of a pooled text
+    const std::string* text = nullptr;  ///< of anything else, in the index
+    rdservice::IDataPtr sample;         ///< of a field: a record that shows it
     int cells = 0;
     bool isUsed = false;
     bool isAccepted = false;
   };
 
+  struct CTies;
+
   bool hasRaw() const { return m_column.field != nullptr && m_column.delegate == nullptr && !m_isText; }
   std::uint64_t rawOf(const rdservice::IData& record) const;
+  const std::string& textOf(const CCell& cell, std::string& buffer) const;
+  const std::string& orderText(const CValue& value) const;
   std::uint32_t add(CValue value);
   std::uint32_t find(const CCell& cell, const rdservice::IDataPtr& record);
   void dropIfUnused(std::uint32_t code);
@@ -68,7 +71,7 @@ class CValueColumn {
   std::vector<CValue> m_values;
   std::vector<std::uint32_t> m_free;
   std::unordered_map<std::uint64_t, std::uint32_t> m_byRaw;
-  QHash<QString, std::uint32_t> m_byText;
+  std::unordered_map<std::string, std::uint32_t> m_byText;
   bool m_isFiltering = false;
   int m_holders = 0;
   QSet<QString> m_acceptedTexts;  ///< those asked for by text, also of values that no cell has yet

@@ -149,7 +149,7 @@ void CHpfTableView::wheelEvent(QWheelEvent* event) {
 }
 
 void CHpfTableView::contextMenuEvent(QContextMenuEvent* event) {
-  QPoint place = event->pos();
+  QPoint place = viewport()->mapFromGlobal(event->globalPos());  // also when it comes from the sums
   if (event->reason() == QContextMenuEvent::Keyboard) {
     const QRect cell = cellRect(currentRow(), currentColumn());
     place = cell.intersects(viewport()->rect()) ? cell.center() : viewport()->rect().center();

@@ -5,8 +5,10 @@
 #include "gw/view/pixel_lines.h"
 
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QToolTip>
 
 namespace GW {
 
@@ -45,6 +47,16 @@ void CStatisticsRow::refresh() {
     m_shown[columnId] = text;
     if (!m_header.isSectionHidden(columnId)) update(cellRect(columnId));
   }
+}
+
+bool CStatisticsRow::event(QEvent* event) {
+  if (event->type() != QEvent::ToolTip) return QWidget::event(event);
+  const auto* help = static_cast<QHelpEvent*>(event);
+  const int columnId = m_header.logicalIndexAt(help->x());
+  const QString text = columnId >= 0 && columnId < m_shown.size() ? m_shown[columnId] : QString();
+  const bool isCut = !text.isEmpty() && m_texts.width(text) > textRect(cellRect(columnId)).width();
+  QToolTip::showText(help->globalPos(), isCut ? text : QString(), this);
+  return true;
 }
 
 void CStatisticsRow::paintEvent(QPaintEvent* event) {

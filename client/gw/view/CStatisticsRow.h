@@ -24,6 +24,7 @@ class CStatisticsRow : public QWidget {
   void refresh();
 
  protected:
+  bool event(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
 
  private:

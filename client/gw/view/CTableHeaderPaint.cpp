@@ -52,7 +52,7 @@ CTableHeader::CParts CTableHeader::parts(const QRect& section, int columnId) con
   const int mark = markSize();
   const auto middle = [&section](int height) { return section.y() + (section.height() - height) / 2; };
   int left = section.left() + SECTION_MARGIN;
-  int right = section.right() - SECTION_MARGIN;  // the first pixel that is taken
+  int right = section.x() + section.width() - SECTION_MARGIN;  // the first pixel that is taken
 
   if (shown.hasCheckBox) {
     const QRect box = CControlPainter::boxRect(section, fontMetrics());
