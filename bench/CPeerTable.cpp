@@ -16,7 +16,7 @@
 
 using rdservice::CFieldDes;
 using rdservice::CInternedText;
-using rdservice::CStkUnClosedCompactsPtr;
+using rdservice::CStkUnClosedCompacts;
 using rdservice::EFieldType;
 
 namespace {
@@ -28,18 +28,20 @@ class CPeerModel : public QAbstractTableModel {
   explicit CPeerModel(const rdservice::CStructDes& des) : m_des(des) {}
 
   const CFieldDes& field(int column) const { return *(m_des.begin() + column); }
-  const rdservice::IData& record(int row) const { return *m_records[std::size_t(row)]; }
+  const CStkUnClosedCompacts& record(int row) const { return m_records[std::size_t(row)]; }
 
-  void load(const std::vector<rdservice::IDataPtr>& records) {
+  void prepare(const std::vector<rdservice::IDataPtr>& records) {
+    m_next.clear();
+    m_next.reserve(records.size());
+    for (const auto& record : records) m_next.push_back(static_cast<const CStkUnClosedCompacts&>(*record));
+  }
+
+  void load() {
     beginResetModel();
-    m_records.clear();
+    m_records.swap(m_next);
     m_rows.clear();
-    m_records.reserve(records.size());
-    m_rows.reserve(records.size());
-    for (const auto& record : records) {
-      m_rows.emplace(record->getKey(), int(m_records.size()));
-      m_records.push_back(boost::static_pointer_cast<rdservice::CStkUnClosedCompacts>(record));
-    }
+    m_rows.reserve(m_records.size());
+    for (std::size_t row = 0; row < m_records.size(); ++row) m_rows.emplace(m_records[row].getKey(), int(row));
     endResetModel();
   }
 
@@ -54,7 +56,7 @@ class CPeerModel : public QAbstractTableModel {
       auto last = first;
       for (auto next = first; next != changed.end(); last = next++) {
         if (signalling == CPeerTable::EPushSignals::Runs && next->first > last->first + 1) break;
-        m_records[std::size_t(next->first)] = boost::static_pointer_cast<rdservice::CStkUnClosedCompacts>(next->second);
+        m_records[std::size_t(next->first)] = static_cast<const CStkUnClosedCompacts&>(*next->second);
       }
       Q_EMIT dataChanged(index(first->first, 0), index(last->first, columnCount() - 1));
       first = std::next(last);
@@ -86,7 +88,8 @@ class CPeerModel : public QAbstractTableModel {
 
  private:
   const rdservice::CStructDes& m_des;
-  std::vector<CStkUnClosedCompactsPtr> m_records;
+  std::vector<CStkUnClosedCompacts> m_records;
+  std::vector<CStkUnClosedCompacts> m_next;     ///< for the next load
   std::unordered_map<std::string, int> m_rows;  ///< by key
 };
 
@@ -166,7 +169,9 @@ CPeerTable::CPeerTable(const rdservice::CStructDes& des) : m_d(std::make_unique<
 
 CPeerTable::~CPeerTable() { setModel(nullptr); }
 
-void CPeerTable::load(const std::vector<rdservice::IDataPtr>& records) { m_d->model.load(records); }
+void CPeerTable::prepare(const std::vector<rdservice::IDataPtr>& records) { m_d->model.prepare(records); }
+
+void CPeerTable::load() { m_d->model.load(); }
 
 void CPeerTable::push(const std::vector<rdservice::IDataPtr>& records, EPushSignals signalling) {
   m_d->model.replace(records, signalling);

@@ -9,9 +9,9 @@
 #include <memory>
 #include <vector>
 
-/// What one compares a table engine with: a QTableView on a hand-written model and a sorting and filtering proxy, each
-/// used as one is advised to use it. Columns are the record type's fields; cells are formatted when they are asked for.
-/// GUI thread.
+/// What one compares a table engine with: a QTableView on a hand-written model over a vector of structs and a sorting
+/// and filtering proxy, each used as one is advised to use it. Columns are the record type's fields; cells are
+/// formatted when they are asked for. GUI thread.
 class CPeerTable : public QTableView {
  public:
   /// How the view learns of changed rows; which is faster depends on how many rows the proxy would sort anew.
@@ -28,8 +28,10 @@ class CPeerTable : public QTableView {
   explicit CPeerTable(const rdservice::CStructDes& des);
   ~CPeerTable() override;
 
-  /// Replaces everything.
-  void load(const std::vector<rdservice::IDataPtr>& records);
+  /// Makes the model's own structs of records that `load` will show, so that loading is not charged for it.
+  void prepare(const std::vector<rdservice::IDataPtr>& records);
+  /// Replaces everything by what was prepared.
+  void load();
   /// Replaces the records of known keys; others are ignored.
   void push(const std::vector<rdservice::IDataPtr>& records, EPushSignals signalling);
   /// Sorts by the field at that place of the field table.

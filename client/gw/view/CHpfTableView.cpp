@@ -144,7 +144,9 @@ void CHpfTableView::Private::columnResized(int columnId, int width) {
 void CHpfTableView::Private::columnsChanged(int columnId) {
   updateScrollBars();
   const int left = columnId < 0 ? 0 : std::max(0, header->sectionViewportPosition(columnId));
-  const auto updateFrom = [left](QWidget* widget) { widget->update(left, 0, widget->width() - left, widget->height()); };
+  const auto updateFrom = [left](QWidget* widget) {
+    widget->update(left, 0, widget->width() - left, widget->height());
+  };
   updateFrom(q->viewport());
   updateFrom(sums);
   sums->refresh();  // its title may stand elsewhere

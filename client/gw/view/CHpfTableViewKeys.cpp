@@ -17,7 +17,8 @@ namespace {
 
 /// The text that a key types; empty for keys that type none.
 QString typedText(const QKeyEvent& event) {
-  const Qt::KeyboardModifiers modifiers = event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+  const Qt::KeyboardModifiers modifiers =
+      event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
   const bool isCommand = modifiers != Qt::NoModifier && modifiers != (Qt::ControlModifier | Qt::AltModifier);  // AltGr
   const QString text = event.text();
   return isCommand || text.isEmpty() || !text.front().isPrint() ? QString() : text;

@@ -28,7 +28,8 @@ void CHpfTableView::Private::paint(QPainter& painter, const QRegion& region) {
   const int right = header->length() - header->offset();
   const int below = lineY(rows.rowCount());
   if (right <= area.right()) painter.fillRect(QRect(QPoint(right, area.top()), area.bottomRight()), colors.background);
-  if (below <= area.bottom()) painter.fillRect(QRect(QPoint(area.left(), below), area.bottomRight()), colors.background);
+  if (below <= area.bottom())
+    painter.fillRect(QRect(QPoint(area.left(), below), area.bottomRight()), colors.background);
   if (first < 0) return;
 
   markCells(region, columns);
@@ -51,7 +52,8 @@ void CHpfTableView::Private::markCells(const QRegion& region, const std::vector<
     const int last = std::min(rowAt(rect.bottom()), markedLast);
     for (std::size_t c = 0; c < columns.size(); ++c) {
       if (columns[c].x > rect.right() || columns[c].x + columns[c].width <= rect.left()) continue;
-      for (int row = first; row <= last; ++row) marks[static_cast<std::size_t>(row - markedFirst) * columns.size() + c] = 1;
+      for (int row = first; row <= last; ++row)
+        marks[static_cast<std::size_t>(row - markedFirst) * columns.size() + c] = 1;
     }
   }
 }

@@ -109,10 +109,10 @@ struct CHpfTableView::Private : CUiResourceChangeHandler {
   int rowHeight = 1;
   int currentColumn = -1;
 
-  int topSlot = -1;         ///< of the first row on screen, while rows change; -1 when it is gone
-  int topOffset = 0;        ///< pixels of it that are above the viewport
-  int topY = 0;             ///< scroll position at that time
-  bool isTopNoted = false;  ///< for several changes
+  int topSlot = -1;           ///< of the first row on screen, while rows change; -1 when it is gone
+  int topOffset = 0;          ///< pixels of it that are above the viewport
+  int topY = 0;               ///< scroll position at that time
+  bool isTopNoted = false;    ///< for several changes
   bool isPlacing = false;     ///< the scroll bars follow changed rows: no pixels move
   bool isMovedAside = false;  ///< meanwhile the columns had to move
   bool isLayingOut = false;

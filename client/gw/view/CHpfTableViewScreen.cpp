@@ -70,7 +70,8 @@ void CHpfTableView::Private::takeRows(const CRowsChange& change) {
 
 void CHpfTableView::Private::updateDirty(const std::vector<CScreenCells::CDirty>& dirty) {
   if (dirty.empty()) return;
-  const std::size_t cells = static_cast<std::size_t>(screen.lastRow() - screen.firstRow() + 1) * columnsOnScreen().size();
+  const std::size_t cells =
+      static_cast<std::size_t>(screen.lastRow() - screen.firstRow() + 1) * columnsOnScreen().size();
   if (dirty.size() * 2 > cells) {
     q->viewport()->update();
     return;

@@ -71,17 +71,15 @@ bool CHpfTableView::Private::selectionDone() {
 std::pair<int, int> CHpfTableView::nextCell(int row, int columnId, bool backwards,
                                             bool (*isWanted)(const CTableColumn&)) const {
   std::vector<int> wanted = shownColumns();
-  wanted.erase(std::remove_if(wanted.begin(), wanted.end(),
-                              [&](int id) { return !isWanted(*m_d->rows.column(id)); }),
+  wanted.erase(std::remove_if(wanted.begin(), wanted.end(), [&](int id) { return !isWanted(*m_d->rows.column(id)); }),
                wanted.end());
   if (wanted.empty()) return {-1, -1};
   const auto position = [this](int id) { return m_d->header->visualIndex(id); };
   // In the row itself it is the first one beyond the cell.
   const int from = m_d->rows.column(columnId) == nullptr ? (backwards ? m_d->header->count() : -1) : position(columnId);
   if (backwards) std::reverse(wanted.begin(), wanted.end());
-  const auto beyond = std::find_if(wanted.begin(), wanted.end(), [&](int id) {
-    return backwards ? position(id) < from : position(id) > from;
-  });
+  const auto beyond = std::find_if(wanted.begin(), wanted.end(),
+                                   [&](int id) { return backwards ? position(id) < from : position(id) > from; });
   const bool isInRow = row >= 0 && row < m_d->rows.rowCount() && beyond != wanted.end();
   if (isInRow) return {row, *beyond};
   const int next = backwards ? row - 1 : row + 1;
@@ -97,7 +95,8 @@ QString CHpfTableView::selectedText(bool withTitles) const {
     for (std::size_t i = 0; i < columns.size(); ++i) {
       if (i > 0) text += QLatin1Char('\t');
       // A cell must stay one cell in one line wherever the text is pasted.
-      for (const QChar one : textOf(columns[i])) text += one.category() == QChar::Other_Control ? QLatin1Char(' ') : one;
+      for (const QChar one : textOf(columns[i]))
+        text += one.category() == QChar::Other_Control ? QLatin1Char(' ') : one;
     }
   };
   if (withTitles) addLine([this](int id) { return m_d->rows.column(id)->title; });

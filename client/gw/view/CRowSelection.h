@@ -46,9 +46,9 @@ class CRowSelection {
 
   /// Begins a range at a row: only this one is selected; with `toggles` it changes its state and the others stay.
   void begin(int row, bool toggles);
-  /// The range goes from the anchor to this row, which may be above it, and no longer where it went before. Rows outside
-  /// of it are as they were when it began; with `keepsOthers` false none of them is selected. Without an anchor it
-  /// begins here.
+  /// The range goes from the anchor to this row, which may be above it, and no longer where it went before. Rows
+  /// outside of it are as they were when it began; with `keepsOthers` false none of them is selected. Without an anchor
+  /// it begins here.
   void extend(int row, bool keepsOthers);
 
   /// Slots; -1 for none.
@@ -68,10 +68,10 @@ class CRowSelection {
 
   const CShownRows& m_rows;
   CSlotSet m_selected;
-  CSlotSet m_base;          ///< what was selected when the range began
+  CSlotSet m_base;  ///< what was selected when the range began
   bool m_keepsOthers = false;
-  bool m_selects = true;    ///< what the range does with its rows
-  int m_rangeEnd = -1;      ///< displayed row; -1 when the rows have moved since, or the selection was changed otherwise
+  bool m_selects = true;  ///< what the range does with its rows
+  int m_rangeEnd = -1;    ///< displayed row; -1 when the rows have moved since, or the selection was changed otherwise
   int m_anchor = -1;
   int m_current = -1;
   std::uint64_t m_revision = 0;

@@ -116,8 +116,8 @@ std::vector<CScreenCells::CDirty> CScreenCells::follow(int firstRow, int lastRow
     }
     line.slot = slot;
     if (isSame(slot)) {
-      const auto moved = std::find_if(m_spare.begin(), m_spare.end(),
-                                      [slot](const CScreenLine& one) { return one.slot == slot; });
+      const auto moved =
+          std::find_if(m_spare.begin(), m_spare.end(), [slot](const CScreenLine& one) { return one.slot == slot; });
       if (moved != m_spare.end()) line.cells = moved->cells;
     }
     if (i >= m_spare.size()) {
@@ -126,8 +126,7 @@ std::vector<CScreenCells::CDirty> CScreenCells::follow(int firstRow, int lastRow
     }
     compare(line, m_spare[i], row, columns, dirty);
   }
-  for (std::size_t i = m_lines.size(); i < m_spare.size(); ++i)
-    dirty.push_back({m_firstRow + static_cast<int>(i), -1});
+  for (std::size_t i = m_lines.size(); i < m_spare.size(); ++i) dirty.push_back({m_firstRow + static_cast<int>(i), -1});
   return dirty;
 }
 

@@ -7,7 +7,7 @@ namespace GW {
 namespace {
 
 struct CColorKey {
-  QColor CTableColors::* color;
+  QColor CTableColors::*color;
   const char* key;
 };
 

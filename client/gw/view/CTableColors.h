@@ -12,14 +12,14 @@ struct CTableColors {
   QColor text;
   QColor disabledText;
   QColor selected;
-  QColor current;      ///< frame of the current cell
-  QColor currentRow;   ///< frame of the current row
+  QColor current;     ///< frame of the current cell
+  QColor currentRow;  ///< frame of the current row
   QColor header;
   QColor headerHover;
   QColor headerLine;
   QColor headerText;
-  QColor mark;         ///< sort marks, and filter marks of filtered columns
-  QColor idleMark;     ///< filter marks of columns without a filter
+  QColor mark;      ///< sort marks, and filter marks of filtered columns
+  QColor idleMark;  ///< filter marks of columns without a filter
   QColor sums;
   QColor sumsText;
 

@@ -122,7 +122,9 @@ CTableHeader::EPart CTableHeader::partAt(const QPoint& position, int* columnId) 
   *columnId = logicalIndexAt(position);
   if (*columnId < 0) return EPart::None;
   const CParts at = parts(sectionRect(*columnId), *columnId);
-  const auto isHit = [&](const QRect& part) { return !part.isNull() && part.adjusted(-2, -4, 2, 4).contains(position); };
+  const auto isHit = [&](const QRect& part) {
+    return !part.isNull() && part.adjusted(-2, -4, 2, 4).contains(position);
+  };
   if (isHit(at.checkBox)) return EPart::CheckBox;
   return isHit(at.filter) ? EPart::Filter : EPart::Title;
 }

@@ -16,6 +16,7 @@ namespace {
 
 constexpr int SECTION_MARGIN = 6;  ///< pixels; the outer four of them resize the section
 constexpr int MARK_GAP = 3;
+constexpr int BOX_GAP = 2;         ///< that a box keeps from the edges of its cell
 constexpr int TITLE_MARGIN = 4;    ///< above and below
 constexpr qreal RANK_SCALE = 0.7;  ///< of a rank's font to the title's
 
@@ -113,7 +114,8 @@ void CTableHeader::paintSection(QPainter* painter, const QRect& section, int col
   drawLineRight(*painter, section.adjusted(0, 3, 0, -4), m_colors.headerLine);
 
   if (!at.checkBox.isNull())
-    m_boxes->paintBox(*painter, at.checkBox, ECellControl::CheckBox, shown.isChecked, isEnabled());
+    m_boxes->paintBox(*painter, at.checkBox.adjusted(-BOX_GAP, -BOX_GAP, BOX_GAP, BOX_GAP), ECellControl::CheckBox,
+                      shown.isChecked, isEnabled());
   const QColor text = isEnabled() ? m_colors.headerText : m_colors.disabledText;
   if (at.title.width() > 0) {
     painter->setFont(font());

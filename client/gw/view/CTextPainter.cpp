@@ -6,6 +6,7 @@
 #include <QTextLayout>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace GW {
@@ -133,7 +134,7 @@ void CTextPainter::add(const QRect& place, Qt::Alignment alignment, const QStrin
     x += place.width() - m_lineWidth;
   else if ((alignment & Qt::AlignHCenter) != 0)
     x += static_cast<int>((place.width() - m_lineWidth) / 2);
-  const qreal y = place.y() + static_cast<int>((place.height() - m_height) / 2 + m_ascent + 0.5);
+  const qreal y = place.y() + std::round((place.height() - m_height) / 2 + m_ascent);
   CBatch* to = nullptr;
   for (const CGlyph* one : m_line) {
     if (one->kind == CGlyph::Simple) {
@@ -170,9 +171,9 @@ void CTextPainter::draw(QPainter& painter) {
   const QFontMetricsF metrics(m_font);
   for (const CShapedText& one : m_shaped) {
     painter.setPen(QColor::fromRgba(one.color));
-    painter.drawText(one.place, static_cast<int>((one.alignment & Qt::AlignHorizontal_Mask) | Qt::AlignVCenter) |
-                                    Qt::TextSingleLine,
-                     metrics.elidedText(one.text, Qt::ElideRight, one.place.width()));
+    painter.drawText(
+        one.place, static_cast<int>((one.alignment & Qt::AlignHorizontal_Mask) | Qt::AlignVCenter) | Qt::TextSingleLine,
+        metrics.elidedText(one.text, Qt::ElideRight, one.place.width()));
   }
   m_shaped.clear();
 }
