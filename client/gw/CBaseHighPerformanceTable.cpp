@@ -1,6 +1,7 @@
 #include "gw/CBaseHighPerformanceTable.h"
 
 #include "gw/CBaseHighPerformanceTablePrivate.h"
+#include "gw/table/record_prefetch.h"
 #include "gw/view/CCellControls.h"
 #include "gw/view/CTableAccessible.h"
 #include "gw/widget_events.h"
@@ -21,7 +22,7 @@ using std::chrono::steady_clock;
 
 // Taking rows over is given five of a turn's 8 ms; the view's share takes the rest.
 constexpr double TAKING_NS = 5e6;
-constexpr int NEXT_TURN_MS = 1;
+constexpr int BUSY_WAIT_MS = 1;
 constexpr std::size_t ROWS_PER_STEP = 2048;
 constexpr std::size_t ROWS_PER_TURN = 25600;
 /// Fewer tell little about what a row takes.
@@ -82,7 +83,8 @@ std::size_t CBaseHighPerformanceTable::Private::rowsPerTurn() const {
 bool CBaseHighPerformanceTable::Private::takeTurn() {
   std::size_t left = rowsPerTurn();
   bool isMore = true;
-  while (isMore && left > 0) {
+  isWriterBusy = false;
+  while (isMore && left > 0 && !isWriterBusy) {
     const auto begin = steady_clock::now();
     CRowsDrain drain;
     // Only dropped rows part what is taken at once.
@@ -92,14 +94,13 @@ bool CBaseHighPerformanceTable::Private::takeTurn() {
       if (drain.slots.size() == taken) break;
       taken = drain.slots.size();
     } while (isMore && taken < left && !drain.isBusy);
-    const bool isBusy = drain.isBusy;
+    isWriterBusy = drain.isBusy;
     if (!drain.isEmpty()) rows.apply(std::move(drain));
     left -= taken;
     if (taken >= MEASURED_FROM) {
       const std::chrono::duration<double, std::nano> spent = steady_clock::now() - begin;
       nsPerRow = (nsPerRow + spent.count() / static_cast<double>(taken)) / 2;
     }
-    if (isBusy) break;
   }
   return !isMore;
 }
@@ -121,7 +122,10 @@ void CBaseHighPerformanceTable::updateData(const rdservice::IDataPtr& record, bo
 void CBaseHighPerformanceTable::updateDatas(const std::vector<rdservice::IDataPtr>& records, bool refreshNow) {
   m_d->shared->change([&](CChangeSet& changes) {
     changes.reserve(changes.records.size() + records.size());
-    for (const auto& record : records) changes.add(record);
+    for (std::size_t i = 0; i < records.size(); ++i) {
+      prefetchRecord(records, i);
+      changes.add(records[i]);
+    }
     changes.refresh = changes.refresh || refreshNow;
   });
 }
@@ -172,10 +176,10 @@ void CBaseHighPerformanceTable::updateTable() {
   const bool isDone = m_d->takeTurn();
   m_d->view->changesEnd();
   m_d->isUpdating = false;
-  // The next turn also waits for a writer that holds the rows; a millisecond keeps the loop from spinning meanwhile.
   if (isDone || m_d->isGoingOn) return;
   m_d->isGoingOn = true;
-  QTimer::singleShot(NEXT_TURN_MS, this, [this] {
+  // While a writer holds the rows, the event loop must not spin.
+  QTimer::singleShot(m_d->isWriterBusy ? BUSY_WAIT_MS : 0, this, [this] {
     m_d->isGoingOn = false;
     updateTable();
   });

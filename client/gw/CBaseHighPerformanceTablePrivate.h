@@ -46,8 +46,9 @@ struct CBaseHighPerformanceTable::Private : IRowsObserver {
   std::set<int> unchoosableColumns;
   int recordType = 0;
   bool isUpdating = false;
-  bool isGoingOn = false;  ///< the next turn of updateTable is on its way
-  double nsPerRow = 300;   ///< measured while rows are taken
+  bool isWriterBusy = false;  ///< the last turn ended because a writer held the rows
+  bool isGoingOn = false;     ///< the next turn of updateTable is on its way
+  double nsPerRow = 300;      ///< measured while rows are taken
 };
 
 }  // namespace GW

@@ -47,6 +47,7 @@ void CColumnSum::change(const CTableColumn& column, const CCell& cell, int sign)
 }
 
 void CColumnSum::changeBy(double amount, int sign) {
+  if (amount == 0) return;  // most are
   constexpr double LIMIT = 1e15;
   if (!(std::fabs(amount) < LIMIT)) {
     m_unsummable += sign;

@@ -3,6 +3,7 @@
 #include "gw/table/CShownRows.h"
 #include "gw/table/CShownRowsPrivate.h"
 #include "gw/table/item_columns.h"
+#include "gw/table/record_prefetch.h"
 #include "gw/table/vector_growth.h"
 #include "gw/table_release.h"
 
@@ -184,7 +185,9 @@ void CShownRows::Private::addRows(CRowsDrain& drain, std::size_t oldCount) {
   std::vector<COrderEntry> shown;
   for (auto it = firstNew; it != drain.slots.end(); ++it) {
     const int slot = *it;
-    takeRow(drain, static_cast<std::size_t>(it - drain.slots.begin()), slot);
+    const auto index = static_cast<std::size_t>(it - drain.slots.begin());
+    prefetchRecord(drain.records, index);
+    takeRow(drain, index, slot);
     const bool isShown = passes(slot);
     sumRow(slot, isShown, true);
     if (!sort.empty()) entries.push_back(entry(slot));
