@@ -12,7 +12,9 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <cassert>
 #include <chrono>
+#include <utility>
 
 namespace GW {
 
@@ -57,6 +59,7 @@ CBaseHighPerformanceTable::Private::Private(CBaseHighPerformanceTable* table)
 }
 
 CBaseHighPerformanceTable::Private::~Private() {
+  assert(!isUpdating && "no slot of the model's signals destroys the table");
   shared->close();
   rows.setObserver(nullptr);
   delete findBar;
@@ -69,11 +72,11 @@ void CBaseHighPerformanceTable::Private::rowsAboutToChange(const CRowsChange& ch
 }
 
 void CBaseHighPerformanceTable::Private::rowsChanged(const CRowsChange& change) {
-  face.rowsChanged(change);
   view->rowsChanged(change);
   findBar->rowsChanged(change);
   if (filterMenu) filterMenu->rowsChanged(change);
   updateTableAccessibility(*view, change);
+  face.rowsChanged(change);  // last: a slot of its signals may change the rows again
 }
 
 std::size_t CBaseHighPerformanceTable::Private::rowsPerTurn() const {
@@ -170,13 +173,17 @@ void CBaseHighPerformanceTable::clear() {
 
 void CBaseHighPerformanceTable::updateTable() {
   utils::assertGui();
-  if (m_d->isUpdating) return;  // a slot of one of the model's signals
+  if (m_d->isUpdating) {  // a slot of one of the model's signals, perhaps with an event loop of its own
+    m_d->isAskedAgain = true;
+    return;
+  }
   m_d->isUpdating = true;
   m_d->view->changesBegin();
   const bool isDone = m_d->takeTurn();
   m_d->view->changesEnd();
   m_d->isUpdating = false;
-  if (isDone || m_d->isGoingOn) return;
+  const bool isAskedAgain = std::exchange(m_d->isAskedAgain, false);
+  if ((isDone && !isAskedAgain) || m_d->isGoingOn) return;
   m_d->isGoingOn = true;
   // While a writer holds the rows, the event loop must not spin.
   QTimer::singleShot(m_d->isWriterBusy ? BUSY_WAIT_MS : 0, this, [this] {

@@ -40,9 +40,9 @@ void CBaseHighPerformanceTable::Private::onSortRequested(int columnId, bool exte
   const bool isKnown = it != sort.end();
   const bool wasAscending = isKnown && it->order == Qt::AscendingOrder;
   if (!extend)
-    sort = isKnown && !wasAscending ? std::vector<CSortColumn>()
-                                    : std::vector<CSortColumn>{
-                                          {columnId, wasAscending ? Qt::DescendingOrder : Qt::AscendingOrder}};
+    sort = isKnown && !wasAscending
+               ? std::vector<CSortColumn>()
+               : std::vector<CSortColumn>{{columnId, wasAscending ? Qt::DescendingOrder : Qt::AscendingOrder}};
   else if (!isKnown)
     sort.push_back({columnId, Qt::AscendingOrder});
   else if (wasAscending)
@@ -237,12 +237,15 @@ void CBaseHighPerformanceTable::setColumnDelegate(int columnId, CBaseTableColumn
   utils::assertGui();
   assert((delegate == nullptr || delegate->columnId() == columnId) && "the delegate keeps the state of its own column");
   std::unique_ptr<CBaseTableColumnWidgetDelegate> owned(delegate);
-  CTableColumn* column = m_d->rows.column(columnId);
+  const CTableColumn* column = m_d->rows.column(columnId);
   if (column == nullptr) return;
+  if (column->delegate.get() == delegate) {
+    static_cast<void>(owned.release());
+    return;
+  }
   m_d->view->controls().cancel();
   if (m_d->filterMenu && m_d->filterMenu->columnId() == columnId) m_d->filterMenu->close();
-  column->delegate.swap(owned);
-  m_d->rows.columnChanged(columnId);
+  m_d->rows.setDelegate(columnId, std::move(owned));
   m_d->face.columnChanged(columnId);
   m_d->view->columnChanged(columnId);
 }
@@ -255,13 +258,7 @@ CBaseTableColumnWidgetDelegate* CBaseHighPerformanceTable::columnDelegate(int co
 
 void CBaseHighPerformanceTable::adjustVisibleRowsColumnWidth() {
   utils::assertGui();
-  const auto [first, last] = m_d->view->visibleRows();
-  for (int id = 0; id < columnCount(); ++id) {
-    int width = m_d->view->headerWidth(id);
-    for (int row = first; row >= 0 && row <= last; ++row)
-      width = std::max(width, m_d->view->textWidth(cellText(row, id)));
-    setColumnWidth(id, width);
-  }
+  for (int id = 0; id < columnCount(); ++id) setColumnWidth(id, m_d->view->fittingWidth(id));
 }
 
 }  // namespace GW

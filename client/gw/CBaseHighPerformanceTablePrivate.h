@@ -46,9 +46,10 @@ struct CBaseHighPerformanceTable::Private : IRowsObserver {
   std::set<int> unchoosableColumns;
   int recordType = 0;
   bool isUpdating = false;
+  bool isAskedAgain = false;  ///< meanwhile, so that what came since is not forgotten
   bool isWriterBusy = false;  ///< the last turn ended because a writer held the rows
   bool isGoingOn = false;     ///< the next turn of updateTable is on its way
-  double nsPerRow = 300;      ///< measured while rows are taken
+  double nsPerRow = 195;      ///< measured while rows are taken
 };
 
 }  // namespace GW

@@ -13,7 +13,7 @@ struct CTableBatch::Private {
       : rows(std::move(tableRows)), accepts(std::move(test)), rule(rowRule), gatherer(rows.get()) {}
 
   std::shared_ptr<CSharedRows> rows;  ///< outlives the table, so that a late commit is refused instead of crashing
-  const CScopeTest accepts;            ///< null: any scope
+  const CScopeTest accepts;           ///< null: any scope
   const ERowRule rule;
   CChangeGatherer gatherer;
 };

@@ -28,7 +28,7 @@ QString sampleTextOf(const CTableColumn& column) {
     case EFieldFormat::Enum: return QString::fromUtf8("四字宽度");
     case EFieldFormat::Date: return QStringLiteral("0000-00-00");
     case EFieldFormat::Volume: return QStringLiteral("000,000,000");
-    case EFieldFormat::Amount: return QStringLiteral("000,000,000.00");
+    case EFieldFormat::Amount: return QStringLiteral("0,000,000,000.00");
     case EFieldFormat::Plain: break;
   }
   switch (column.field->type) {

@@ -68,6 +68,7 @@ constexpr CColorRow COLORS[] = {
 };
 
 EUiTheme theme = EUiTheme::Light;
+bool isThemeApplied = false;  ///< to the application's palette
 
 struct CPaletteRow {
   QPalette::ColorRole role;
@@ -153,8 +154,9 @@ void notifyUiResourceChanged() {
 
 void setUiTheme(EUiTheme wanted) {
   utils::assertGui();
-  if (wanted == theme) return;
+  if (wanted == theme && isThemeApplied) return;
   theme = wanted;
+  isThemeApplied = true;
   QPalette palette(CUiResource::getColor(QStringLiteral("clr_btn_bottom")),
                    CUiResource::getColor(QStringLiteral("clr_window")));
   for (const CPaletteRow& row : PALETTE)

@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QMenu>
+#include <QPointer>
 
 #include <set>
 
@@ -47,6 +48,9 @@ struct CHpfDataTable::Private {
   void fitColumns(const CPlace&) { q->adjustVisibleRowsColumnWidth(); }
   void find(const CPlace&) { Q_EMIT view->sigFindRequested(); }
   void clearFilters(const CPlace&);
+  bool isAlways(const CPlace&) const { return true; }
+  bool hasCell(const CPlace& place) const { return place.isCell; }
+  bool hasFilter(const CPlace&) const;
   void addColumnChooser(QMenu& menu);
   void addStatisticsSwitch(QMenu& menu);
   void showStatistics(bool shown);
@@ -66,33 +70,41 @@ void CHpfDataTable::Private::showMenu(const QPoint& position) {
     EMenuFlag flag;
     const char* text;
     void (Private::*run)(const CPlace&);
-    bool needsCell;
+    bool (Private::*isPossible)(const CPlace&) const;
   };
   static constexpr CEntry ENTRIES[] = {
-      {MenuCopyCell, "复制单元格", &Private::copyCell, true},
-      {MenuCopyRows, "复制选中行", &Private::copyRows, true},
-      {MenuFind, "查找…", &Private::find, false},
-      {MenuClearFilters, "清除筛选", &Private::clearFilters, false},
-      {MenuFitColumns, "调整列宽", &Private::fitColumns, false},
+      {MenuCopyCell, "复制单元格", &Private::copyCell, &Private::hasCell},
+      {MenuCopyRows, "复制选中行", &Private::copyRows, &Private::hasCell},
+      {MenuFind, "查找…", &Private::find, &Private::isAlways},
+      {MenuClearFilters, "清除筛选", &Private::clearFilters, &Private::hasFilter},
+      {MenuFitColumns, "调整列宽", &Private::fitColumns, &Private::isAlways},
   };
   const int row = view->rowAt(position.y());
   const int columnId = view->columnAt(position.x());
   const CPlace place{row >= 0 && columnId >= 0, q->cellText(row, columnId)};
-  QMenu menu(q);
+  const QPointer<QMenu> opened = new QMenu(q);  // the table, and with it the menu, may go while it is open
+  QMenu& menu = *opened;
   for (const CEntry& entry : ENTRIES) {
     if ((menuFlags & entry.flag) == 0) continue;
     QAction* action = menu.addAction(QString::fromUtf8(entry.text));
-    action->setEnabled(place.isCell || !entry.needsCell);
+    action->setEnabled((this->*entry.isPossible)(place));
     QObject::connect(action, &QAction::triggered, q, [this, run = entry.run, place] { (this->*run)(place); });
   }
   if ((menuFlags & MenuStatistics) != 0) addStatisticsSwitch(menu);
   if ((menuFlags & MenuChooseColumns) != 0) addColumnChooser(menu);
   menu.addActions(q->menuActions());
   if (!menu.isEmpty()) menu.exec(view->viewport()->mapToGlobal(position));
+  delete opened.data();
 }
 
 void CHpfDataTable::Private::clearFilters(const CPlace&) {
   for (int id = 0; id < q->columnCount(); ++id) q->onFilterTrigger(id, GW::FilterNone, {});
+}
+
+bool CHpfDataTable::Private::hasFilter(const CPlace&) const {
+  int id = q->columnCount() - 1;
+  while (id >= 0 && !q->isFiltered(id)) --id;
+  return id >= 0;
 }
 
 void CHpfDataTable::Private::addColumnChooser(QMenu& menu) {

@@ -13,14 +13,11 @@ constexpr const char* NAMES[] = {"浦发银行", "安徽建工", "重庆啤酒",
 constexpr double AMOUNTS[] = {0.0, -0.0, 1.5, -1234.56, 9.1, 10.01, 1e9};
 /// Numbers, codes that begin alike, words.
 constexpr const char* TEXTS[] = {"", "7", "12", "600", "-3", "contract-01", "contract-1", "contract", "备注", "安全"};
-constexpr std::int64_t VOLUMES[] = {
-    0, 9, 10, 100, -100, 900000000000000, -900000000000000};
+constexpr std::int64_t VOLUMES[] = {0, 9, 10, 100, -100, 900000000000000, -900000000000000};
 
 }  // namespace
 
-std::string CPlanMaker::keyOf(int number) {
-  return (number % 2 == 0 ? "k" : "compact-") + std::to_string(number);
-}
+std::string CPlanMaker::keyOf(int number) { return (number % 2 == 0 ? "k" : "compact-") + std::to_string(number); }
 
 CTestRecordPtr CPlanMaker::record() {
   auto record = boost::make_shared<CTestRecord>();

@@ -3,6 +3,8 @@
 #include "CControlTable.h"
 
 #include "gw/CTableBatch.h"
+#include "gw/CUiResource.h"
+#include "gw/ui_resources.h"
 
 #include <QHeaderView>
 #include <QPointer>
@@ -365,4 +367,23 @@ TEST(CellControls, losingTheFocusCommits) {
   EXPECT_TRUE(table.controls().isEditing()) << "a click into the rows is the view's to handle first";
   QCoreApplication::processEvents();
   EXPECT_EQ(table.takeEvents(), (CTexts{"45 line 0 k01", "229 line 0 5 of k01"}));
+}
+
+TEST(CellControls, anOpenEditorFollowsTheTheme) {
+  CControlTable table(2);
+  const GW::CBaseTableColumnWidgetDelegate* const columns[] = {table.spin, table.line};
+  for (const auto* column : columns) {
+    for (const GW::EUiTheme theme : {GW::EUiTheme::Light, GW::EUiTheme::Dark, GW::EUiTheme::Light}) {
+      GW::setUiTheme(theme);
+      if (!table.controls().isEditing()) table.click(k(0), column);
+      const QWidget* const editor = QApplication::focusWidget();
+      ASSERT_TRUE(table.view()->viewport()->isAncestorOf(editor));
+      EXPECT_EQ(editor->palette().color(QPalette::Base),
+                GW::CUiResource::getColor(QStringLiteral("clr_table_control_background")));
+      EXPECT_EQ(editor->palette().color(QPalette::Text), GW::CUiResource::getColor(QStringLiteral("clr_table_text")));
+      EXPECT_EQ(editor->palette().color(QPalette::Highlight),
+                GW::CUiResource::getColor(QStringLiteral("clr_highlight")));
+    }
+    table.controls().cancel();
+  }
 }

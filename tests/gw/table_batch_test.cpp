@@ -121,6 +121,40 @@ TEST(TableBatch, wakesTheGuiThreadWheneverAskedTo) {
   }
 }
 
+// Onlookers are told last, when everything else has taken the change over.
+TEST(TableBatch, aSlotOfItsSignalsMayChangeTheTable) {
+  CTestTable table;
+  const auto dropAllBut = [&table](const char* key) {
+    GW::CTableBatch batch(table);
+    batch.dropAbsent([](const rdservice::IData&) { return true; });
+    table.updateData(makeRecord(key), true);
+    return batch.commit();
+  };
+  table.updateDatas({makeRecord("a"), makeRecord("b"), makeRecord("c")}, false);
+  table.updateTable();
+  table.selectRow(2);
+  ASSERT_TRUE(dropAllBut("d"));
+  QMetaObject::Connection slot = QObject::connect(table.getModel(), &QAbstractItemModel::modelReset, [&] {
+    QObject::disconnect(slot);
+    table.clear();
+  });
+  table.updateTable();  // the row that comes with the drop belongs to what the slot has thrown away
+  EXPECT_EQ(table.rowCount(), 0);
+  EXPECT_TRUE(table.selectedRows().empty());
+
+  slot = QObject::connect(table.getModel(), &QAbstractItemModel::rowsInserted, [&] {
+    QObject::disconnect(slot);
+    table.updateData(makeRecord("f"), true);
+    QCoreApplication::processEvents();  // takes the wake
+    EXPECT_EQ(table.rowCount(), 1);
+  });
+  for (const char* key : {"e", "g"}) {
+    table.updateData(makeRecord(key), true);
+    for (int turn = 0; turn < 10 && !table.isUpToDate(); ++turn) QCoreApplication::processEvents();
+  }
+  EXPECT_EQ(table.rowCount(), 3);
+}
+
 // Many rows take many turns; every turn is a few signals, and sorted rows arrive sorted.
 TEST(TableBatch, largeBatchIsShownInTurns) {
   CTestTable table;

@@ -1,4 +1,4 @@
-// Columns: saved layouts, widths, sorting by the header.
+// Columns: saved layouts, widths, sorting by the header, delegates, numbers.
 
 #include "CTestTable.h"
 
@@ -6,6 +6,10 @@
 #include <QtTest/QTest>
 
 #include <gtest/gtest.h>
+
+#include <limits>
+#include <map>
+#include <vector>
 
 namespace {
 
@@ -98,4 +102,60 @@ TEST(TableColumns, headerClicksCycle) {
     for (int row = 0; row < table.rowCount(); ++row) ids += testRecord(table.getData(row)).id;
     EXPECT_EQ(ids, expected);
   }
+}
+
+TEST(TableColumns, numbersAtTheEdgesAreFilteredAndSummedAsShown) {
+  constexpr double INFINITE = std::numeric_limits<double>::infinity();
+  const std::vector<double> amounts{0.125, 0.13,     1.115, 1.005,     -0.004,   0.005, -0.125,
+                                    4e12,  INFINITE, 9e14,  -INFINITE, INFINITE, 2e13,  0};
+  CTestTable table;
+  std::map<QString, int> expected;
+  for (const double amount : amounts) {
+    auto record = boost::make_shared<CTestRecord>();
+    record->id = std::to_string(table.getAllDatas().size());
+    record->amount = amount;
+    record->volume = std::numeric_limits<std::int64_t>::max();
+    table.updateData(record, false);
+  }
+  table.updateTable();
+  for (int row = 0; row < table.rowCount(); ++row) ++expected[table.cellText(row, CTestRecord::ColumnAmount)];
+  std::map<QString, int> listed;
+  GW::CShownRows& rows = table.view()->rows();
+  for (const GW::CShownRows::CValue& value : rows.values(CTestRecord::ColumnAmount))
+    listed[rows.valueText(CTestRecord::ColumnAmount, value.code)] += value.rows;
+  EXPECT_EQ(listed, expected);
+  for (const auto& [text, count] : expected) {
+    table.onFilterTrigger(CTestRecord::ColumnAmount, GW::FilterValues, {text});
+    EXPECT_EQ(table.rowCount(), count) << text.toStdString();
+  }
+  table.onFilterTrigger(CTestRecord::ColumnAmount, GW::FilterNone, {});
+  EXPECT_EQ(table.columnSumText(CTestRecord::ColumnVolume), QStringLiteral("129,127,208,515,966,861,298"));
+  EXPECT_EQ(table.columnSumText(CTestRecord::ColumnAmount), QStringLiteral("-"));
+}
+
+TEST(TableColumns, anotherDelegateKeepsTheFilterAndEndsTheSum) {
+  constexpr int GROUP = CTestRecord::ColumnGroup;
+  CTestTable table;
+  for (const char group : {'x', 'y'}) {
+    auto record = boost::make_shared<CTestRecord>();
+    record->id = std::string(1, group);
+    record->group = group;
+    table.updateData(record, false);
+  }
+  table.updateTable();
+  GW::CShownRows& rows = table.view()->rows();
+  rows.setFilterByCodes(GROUP, {rows.values(GROUP).front().code});
+  auto* const delegate = new GW::CBaseTableColumnSimpleTextDelegate(GROUP, &table);
+  table.setColumnDelegate(GROUP, delegate);
+  table.setColumnDelegate(GROUP, delegate);
+  EXPECT_EQ(rows.filter(GROUP), QStringList{QStringLiteral("x")});
+  delegate->setItemText(QStringLiteral("y"), QStringLiteral("x"));
+  table.updateTable();
+  ASSERT_EQ(table.rowCount(), 1);
+  EXPECT_EQ(testRecord(table.getData(0)).id, "y");
+
+  EXPECT_EQ(table.columnSumText(CTestTable::ColumnExtra), QStringLiteral("0"));
+  table.setColumnDelegate(CTestTable::ColumnExtra,
+                          new GW::CBaseTableColumnSimpleTextDelegate(CTestTable::ColumnExtra, &table));
+  EXPECT_EQ(table.columnSumText(CTestTable::ColumnExtra), QString());
 }

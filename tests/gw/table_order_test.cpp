@@ -2,6 +2,7 @@
 
 #include "CTestTable.h"
 
+#include "gw/IBaseHpfTableModel.h"
 #include "gw/table/CBlockOrder.h"
 
 #include <QCollator>
@@ -96,4 +97,28 @@ TEST(TableOrder, namesFindTheirPlaceHoweverTheyCome) {
     ASSERT_EQ(table.cellText(row, CTestRecord::ColumnName), names[row / 2]) << row;
     ASSERT_EQ(testRecord(table.getData(row)).id.substr(22), std::to_string(1000 + row + (row % 2 == 0 ? 1 : -1)));
   }
+}
+
+// A name for which there is no rank left has that of the one below until all are ranked anew.
+TEST(TableOrder, aRowThatTakesANameWithoutRoomMoves) {
+  constexpr int FULL = 63;  // names, each above the one before
+  const QCollator collator(QLocale(QLocale::Chinese, QLocale::China));
+  QStringList names;
+  for (ushort c = 0x4e00; c < 0x4e00 + FULL + 1; ++c) names << QString(QChar(c));
+  std::sort(names.begin(), names.end(), collator);
+  CTestTable table;
+  table.setSortColumn(CTestRecord::ColumnName, Qt::AscendingOrder);
+  const auto put = [&table](int id, const QString& name) {
+    auto record = boost::make_shared<CTestRecord>();
+    record->id = std::to_string(id);
+    record->name = name.toStdString();
+    table.updateData(record, false);
+    table.updateTable();
+  };
+  for (int i = 0; i < FULL; ++i) put(i, names[i]);
+  put(FULL, names[FULL - 1]);
+  const QPersistentModelIndex moved = table.getModel()->index(FULL - 1, 0);
+  put(FULL - 1, names[FULL]);
+  EXPECT_EQ(moved.row(), FULL);
+  EXPECT_EQ(table.cellText(FULL, CTestRecord::ColumnName), names[FULL]);
 }

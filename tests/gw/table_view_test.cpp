@@ -279,7 +279,13 @@ TEST(TableView, headerTellsTitlesMarksAndBoxesApart) {
     EXPECT_EQ(header.sectionSize(columnId), std::max(view.headerWidth(columnId), text)) << columnId;
     EXPECT_EQ(view.rows().column(columnId)->width, header.sectionSize(columnId));
   }
+  const int widthBefore = view.fittingWidth(3);
   header.hideSection(3);
+  EXPECT_EQ(view.fittingWidth(3), widthBefore) << "a hidden column will be shown with its whole title";
+  view.rows().column(3)->title.clear();
+  table.change({0, 1, 2, 3, 4, 5}, 2000000000);
+  view.rows().setSum(3, true);
+  EXPECT_EQ(view.fittingWidth(3), view.textWidth(QStringLiteral("12,000,000,000"))) << "the sum is wider than any cell";
   EXPECT_GT(view.rows().column(3)->width, 0);
   EXPECT_TRUE(view.cellRect(0, 3).isNull());
 }
@@ -501,6 +507,16 @@ TEST(TableView, looksAsTheThemeAndTheFontSay) {
   expectColor(origin + view.cellRect(0, 0).bottomRight(), "clr_table_grid");
   expectColor(QPoint(1, 1), "clr_table_header");
   expectColor(origin + QPoint(1, view.viewport()->height() + 3), "clr_table_sums");
+
+  // Without the focus, when a find bar has it, the current cell is still marked.
+  view.setCurrentCell(2, 1);
+  const auto frameColor = [&] {
+    return view.grab().toImage().pixelColor(origin + view.cellRect(2, 1).topLeft() + QPoint(0, 5)).name();
+  };
+  ASSERT_TRUE(view.hasFocus());
+  EXPECT_EQ(frameColor(), GW::CUiResource::getColor(QStringLiteral("clr_table_current")).name());
+  view.clearFocus();
+  EXPECT_EQ(frameColor(), GW::CUiResource::getColor(QStringLiteral("clr_table_current_row")).name());
 
   GW::notifyUiResourceChanged();
   EXPECT_EQ(table.settle(), view.viewport()->rect());

@@ -34,13 +34,13 @@ bool CColumnSum::isSummable(const CTableColumn& column) {
 
 void CColumnSum::change(const CTableColumn& column, const CCell& cell, int sign) {
   if (column.field == nullptr) {
-    m_units += sign * cell.value();
+    m_units += CUnits{sign} * cell.value();
     return;
   }
   const rdservice::IData& record = *cell.record;
   switch (column.field->type) {
     case EFieldType::Int32: m_units += sign * std::int64_t{column.field->get<std::int32_t>(record)}; break;
-    case EFieldType::Int64: m_units += sign * column.field->get<std::int64_t>(record); break;
+    case EFieldType::Int64: m_units += CUnits{sign} * column.field->get<std::int64_t>(record); break;
     case EFieldType::Double: changeBy(column.field->get<double>(record), sign); break;
     default: break;
   }
@@ -65,11 +65,11 @@ void CColumnSum::changeBy(double amount, int sign) {
 QString CColumnSum::text(const CTableColumn& column) const {
   if (m_unsummable > 0) return QStringLiteral("-");
   if (column.field == nullptr || column.field->type != EFieldType::Double)
-    return QString::fromStdString(rdservice::groupedText(std::to_string(m_units)));
+    return QString::fromStdString(rdservice::groupedText(fmt::to_string(m_units)));
   constexpr std::int64_t CENTS = 100;
   constexpr std::int64_t PARTS_OF_CENT = PARTS / CENTS;
   const std::int64_t half = PARTS_OF_CENT / 2;
-  std::int64_t units = m_units + m_parts / PARTS;
+  CUnits units = m_units + m_parts / PARTS;
   std::int64_t parts = m_parts % PARTS;
   // Units and parts may have different signs.
   if (units > 0 && parts < 0) {

@@ -24,10 +24,13 @@ class CColumnSum {
   QString text(const CTableColumn& column) const;
 
  private:
+  /// A million numbers of 64 bits do not fit into 64 bits.
+  __extension__ using CUnits = __int128;
+
   void change(const CTableColumn& column, const CCell& cell, int sign);
   void changeBy(double amount, int sign);
 
-  std::int64_t m_units = 0;
+  CUnits m_units = 0;
   std::int64_t m_parts = 0;  ///< of 1e-8, carried into the units when they become many
   int m_unsummable = 0;
 };

@@ -22,6 +22,8 @@ class CKeyColumn {
   bool decides(std::uint64_t key) const;
   /// Of two cells with that same key: negative, zero or positive.
   int compare(const CCell& a, const CCell& b) const;
+  /// Whether `isVoid` will be true.
+  bool isFull() const { return m_texts.isFull(); }
   /// True when every key must be made anew.
   bool isVoid() { return m_texts.renumberIfNeeded(); }
 

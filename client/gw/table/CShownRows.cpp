@@ -125,7 +125,13 @@ CShownRows::CShownRows() : m_d(std::make_unique<Private>()) {
 
 CShownRows::~CShownRows() {
   const std::size_t count = m_d->records.size();
-  releaseRecords(std::move(m_d->records), count);
+  Private::CGarbage garbage;
+  garbage.records = std::move(m_d->records);
+  for (const auto& column : m_d->columns) {
+    garbage.values.push_back(std::move(column->values));
+    garbage.items.push_back(std::move(column->items));
+  }
+  releaseRecords(std::move(garbage), count);
 }
 
 void CShownRows::setObserver(IRowsObserver* observer) { m_d->observer = observer; }
@@ -146,7 +152,7 @@ const CTableColumn* CShownRows::column(int columnId) const {
   return columnId >= 0 && columnId < columnCount() ? &m_d->columns[at(columnId)]->column : nullptr;
 }
 
-void CShownRows::columnChanged(int columnId) {
+void CShownRows::setDelegate(int columnId, std::unique_ptr<CBaseTableColumnWidgetDelegate> delegate) {
   Private::CColumn& column = *m_d->columns[at(columnId)];
   const bool isSorted = std::any_of(m_d->sort.begin(), m_d->sort.end(),
                                     [columnId](const CSortColumn& by) { return by.column == columnId; });
@@ -154,6 +160,8 @@ void CShownRows::columnChanged(int columnId) {
   CRowsChange change;
   change.kind = CRowsChange::Reset;
   m_d->tell(change, [&] {
+    column.column.delegate.swap(delegate);
+    column.isSummed = column.isSummed && CColumnSum::isSummable(column.column);
     column.keys.reset();
     column.values.reset();
     if (texts) m_d->valuesOf(columnId).accept(*texts);

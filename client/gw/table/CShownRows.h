@@ -72,8 +72,8 @@ class CShownRows {
   /// Null for an unknown id. Pointers stay good when columns are added.
   CTableColumn* column(int columnId);
   const CTableColumn* column(int columnId) const;
-  /// The column's keys and values are made anew, as after another delegate.
-  void columnChanged(int columnId);
+  /// Null for none. The column's keys and values are made anew; its filter keeps its texts.
+  void setDelegate(int columnId, std::unique_ptr<CBaseTableColumnWidgetDelegate> delegate);
 
   // --- rows ---
 

@@ -8,6 +8,7 @@
 #include "gw/table_release.h"
 
 #include <algorithm>
+#include <cassert>
 #include <type_traits>
 #include <utility>
 
@@ -26,22 +27,30 @@ bool isMany(std::size_t changes, std::size_t rows) {
 
 }  // namespace
 
-void CShownRows::Private::tell(const CRowsChange& change, const std::function<void()>& act) const {
+void CShownRows::Private::tell(const CRowsChange& change, const std::function<void()>& act) {
+  assert(!isChanging && "a change begins when the one before it is done");
+  isChanging = true;
   if (observer != nullptr) observer->rowsAboutToChange(change);
   act();
+  isChanging = false;
   if (observer != nullptr) observer->rowsChanged(change);
 }
 
 void CShownRows::clear() {
-  if (slotCount() == 0) return;
-  m_d->drop(std::vector<int>(m_d->records.size(), -1));
+  ++m_d->clears;
+  m_d->dropAll();
+}
+
+void CShownRows::Private::dropAll() {
+  if (!records.empty()) drop(std::vector<int>(records.size(), -1));
 }
 
 void CShownRows::Private::drop(const std::vector<int>& newSlots) {
   const auto movedTo = [&newSlots](int slot) { return newSlots[at(slot)]; };
   const int kept =
       static_cast<int>(newSlots.size()) - static_cast<int>(std::count(newSlots.begin(), newSlots.end(), -1));
-  std::vector<rdservice::IDataPtr> garbage(at(kept));
+  CGarbage garbage;
+  garbage.records.resize(at(kept));
   CRowsChange change;
   change.kind = CRowsChange::Reset;
   change.newSlots = &newSlots;
@@ -60,8 +69,10 @@ void CShownRows::Private::drop(const std::vector<int>& newSlots) {
     };
     for (const auto& column : columns) {
       if (column->keys) moveAll(column->keys->keys);
-      if (column->items) column->items->renumber(newSlots, kept);
-      if (column->values && column->values->codes.size() < newSlots.size()) column->values.reset();
+      if (column->items && kept > 0) column->items->renumber(newSlots, kept);
+      if (kept == 0) garbage.items.push_back(std::move(column->items));
+      const bool isComplete = column->values && column->values->codes.size() == newSlots.size();
+      if (!isComplete || (kept == 0 && column->values->isPlain())) garbage.values.push_back(std::move(column->values));
       if (!column->values) continue;
       for (std::size_t slot = 0; slot < newSlots.size(); ++slot) {
         if (newSlots[slot] < 0) column->values->release(column->values->codes[slot]);
@@ -69,21 +80,23 @@ void CShownRows::Private::drop(const std::vector<int>& newSlots) {
       moveAll(column->values->codes);
     }
     for (std::size_t slot = 0; slot < newSlots.size(); ++slot) {
-      if (newSlots[slot] >= 0) garbage[at(newSlots[slot])] = std::move(records[slot]);
+      if (newSlots[slot] >= 0) garbage.records[at(newSlots[slot])] = std::move(records[slot]);
     }
-    records.swap(garbage);
+    records.swap(garbage.records);
     order.assign(entries);
     rebuildShownOrder();
     sumAll();
   });
-  const std::size_t count = garbage.size();
+  const std::size_t count = garbage.records.size();
   releaseRecords(std::move(garbage), count);
 }
 
 void CShownRows::apply(CRowsDrain&& drain) {
-  if (drain.cleared) clear();
+  const unsigned clears = m_d->clears;
+  if (drain.cleared) m_d->dropAll();
   if (drain.replaced) m_d->drop(drain.newSlots);
-  if (drain.slots.empty()) return;
+  // Whoever was told of the drop may have emptied the table; the drain is then of rows that are gone.
+  if (drain.slots.empty() || m_d->clears != clears) return;
   const std::size_t oldCount = m_d->records.size();
   const std::vector<Private::CStep> steps = m_d->plan(drain, oldCount);
   m_d->tell(m_d->kindOf(steps, drain.slots.size() - steps.size()), [&] {
@@ -129,6 +142,9 @@ CRowsChange CShownRows::Private::kindOf(const std::vector<CStep>& steps, std::si
   CRowsChange change;
   bool isOtherSet = false;
   bool isOtherOrder = false;
+  // Texts for which there was no room have the keys of others, so that only the orders made anew tell where they go.
+  isOtherOrder = std::any_of(sort.begin(), sort.end(),
+                             [this](const CSortColumn& by) { return columns[at(by.column)]->keys->isFull(); });
   for (const CStep& step : steps) {
     isOtherSet = isOtherSet || step.wasShown != step.isShown;
     isOtherOrder = isOtherOrder || (step.isMoved && step.isShown);

@@ -82,6 +82,14 @@ void CShownRows::Private::sumRow(int slot, bool isShown, bool isAdded) {
   }
 }
 
+void CShownRows::Private::sumColumn(CColumn& column) {
+  column.allSum = column.shownSum = CColumnSum();
+  for (int slot = 0; column.isSummed && at(slot) < records.size(); ++slot) {
+    column.allSum.add(column.column, cell(column, slot));
+    if (isFiltered() && passes(slot)) column.shownSum.add(column.column, cell(column, slot));
+  }
+}
+
 void CShownRows::Private::sumAll() {
   for (const auto& column : columns) column->allSum = column->shownSum = CColumnSum();
   for (int slot = 0; at(slot) < records.size(); ++slot) sumRow(slot, passes(slot), true);
@@ -147,7 +155,7 @@ void CShownRows::setSum(int columnId, bool on) {
   Private::CColumn& held = *m_d->columns[at(columnId)];
   if (held.isSummed == on || (on && !CColumnSum::isSummable(held.column))) return;
   held.isSummed = on;
-  m_d->sumAll();
+  m_d->sumColumn(held);
 }
 
 bool CShownRows::hasSum(int columnId) const {

@@ -33,6 +33,13 @@ struct CShownRows::Private : ITieBreaker {
     bool isShown;
   };
 
+  /// What is freed elsewhere. Values hold on to records too.
+  struct CGarbage {
+    std::vector<rdservice::IDataPtr> records;
+    std::vector<std::unique_ptr<CValueColumn>> values;
+    std::vector<std::unique_ptr<CItemColumn>> items;
+  };
+
   // Cells and keys.
   CCell cell(const CColumn& column, int slot) const;
   CCell cell(int columnId, const CRowsDrain& drain, std::size_t index) const;
@@ -52,6 +59,7 @@ struct CShownRows::Private : ITieBreaker {
   void setFiltering(int columnId, const std::function<void(CValueColumn&)>& accept);
   int shownAdded(std::size_t oldCount, std::size_t added) const;
   void sumRow(int slot, bool isShown, bool isAdded);
+  void sumColumn(CColumn& column);
   void sumAll();
 
   // Orders.
@@ -62,8 +70,9 @@ struct CShownRows::Private : ITieBreaker {
   void rebuildShownOrder();
 
   // Changes.
-  void tell(const CRowsChange& change, const std::function<void()>& act) const;
+  void tell(const CRowsChange& change, const std::function<void()>& act);
   void drop(const std::vector<int>& newSlots);
+  void dropAll();
   std::vector<CStep> plan(const CRowsDrain& drain, std::size_t oldCount);
   CRowsChange kindOf(const std::vector<CStep>& steps, std::size_t added) const;
   void changeRows(CRowsDrain& drain, const std::vector<CStep>& steps);
@@ -72,6 +81,8 @@ struct CShownRows::Private : ITieBreaker {
   bool remakeVoidKeys();
 
   IRowsObserver* observer = nullptr;
+  bool isChanging = false;  ///< the observer has been told of a change that is not done yet
+  unsigned clears = 0;
   std::vector<std::unique_ptr<CColumn>> columns;
   std::vector<rdservice::IDataPtr> records;  ///< by slot
   std::vector<CSortColumn> sort;

@@ -26,6 +26,8 @@ class CTextOrder {
 
   static bool isAmbiguous(std::uint64_t key) { return key >> 63 == 0 && (key & 0xff) != 0; }
 
+  /// Whether no room was left for a text.
+  bool isFull() const { return m_isFull; }
   /// When no room was left for a text, every rank is made anew: true, and all keys made before are void.
   bool renumberIfNeeded();
 

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <limits>
 #include <utility>
 
 namespace GW {
@@ -18,12 +19,16 @@ using rdservice::EFieldType;
 
 namespace {
 
-/// Amounts are shown with two decimals, so that those which differ in others look alike.
+/// Amounts are shown with two decimals, so that those which differ in others look alike. Rounds as the text does: the
+/// number itself, not its product, and an exact half to the even cent.
 std::uint64_t amountRaw(double amount) {
   constexpr double CENTS = 100;
-  constexpr double LIMIT = 1e15;
-  if (std::isfinite(amount) && std::fabs(amount) < LIMIT) return sortable(std::int64_t{std::llround(amount * CENTS)});
-  return sortable(amount);
+  constexpr double LIMIT = 1e13;  // below, a half cent is a number too
+  if (!(std::fabs(amount) < LIMIT)) return sortable(amount);
+  const double below = std::floor(amount * CENTS);
+  const auto cents = static_cast<std::int64_t>(below);
+  const double beyondHalf = std::fma(amount, CENTS, -(below + 0.5));  // its sign is exact
+  return sortable(cents + (beyondHalf > 0 || (beyondHalf == 0 && cents % 2 != 0) ? 1 : 0));
 }
 
 }  // namespace
@@ -41,6 +46,7 @@ std::uint64_t CValueColumn::rawOf(const rdservice::IData& record) const {
     case EFieldType::Int64: return sortable(field.get<std::int64_t>(record));
     case EFieldType::Double: {
       const double value = field.get<double>(record);
+      if (!std::isfinite(value)) return sortable(std::numeric_limits<double>::infinity());  // all show alike
       return field.format == EFieldFormat::Amount ? amountRaw(value) : sortable(value);
     }
     case EFieldType::Interned:

@@ -40,6 +40,8 @@ class CValueColumn {
   /// The accepted texts.
   QStringList accepted() const;
 
+  /// Whether it holds nothing but what the cells say.
+  bool isPlain() const { return !m_isFiltering && m_holders == 0; }
   /// While somebody holds, values that no cell has any more keep their codes.
   void hold(bool on);
 

@@ -87,7 +87,7 @@ void CCellControls::paint(QPainter& painter, const QRect& cell, int slot, int co
   if (column == nullptr || !isControl(*column)) return;
   const CItemColumn* items = m_d->rows.items(columnId);
   if (items != nullptr && !items->isVisible(slot)) return;
-  const bool isEnabled = items == nullptr || items->isEnabled(slot);
+  const bool isEnabled = m_d->view.isEnabled() && (items == nullptr || items->isEnabled(slot));
   const ECellControl kind = CDelegateControl::of(*column->delegate).kind;
   if (isEditable(*column)) {
     const QString text = items == nullptr ? QString() : items->text(slot);

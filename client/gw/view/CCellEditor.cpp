@@ -2,8 +2,6 @@
 
 #include "gw/view/pixel_lines.h"
 
-#include "gw/CUiResource.h"
-
 #include <QGuiApplication>
 #include <QInputMethod>
 #include <QLineEdit>
@@ -79,7 +77,15 @@ std::optional<QString> CCellEditor::changedText() const {
   return isChanged ? std::optional(number) : std::nullopt;
 }
 
+void CCellEditor::onUiResourceChanged() {
+  if (m_widget) setLook();
+}
+
 void CCellEditor::setLook() {
+  // Before the palette: a style sheet that takes another's place brings the palette of the time before that back.
+  if (m_spin == nullptr)
+    m_line->setStyleSheet(QStringLiteral("QLineEdit { border: 1px solid %1; padding: 0px 3px; }")
+                              .arg(CUiResource::getColor(QString::fromLatin1(FRAME_COLOR)).name()));
   QPalette colors = m_widget->palette();
   const auto set = [&colors](QPalette::ColorRole role, const char* key) {
     colors.setColor(role, CUiResource::getColor(QString::fromLatin1(key)));
@@ -88,9 +94,6 @@ void CCellEditor::setLook() {
   set(QPalette::Text, "clr_table_text");
   m_widget->setPalette(colors);
   m_widget->setAutoFillBackground(true);
-  if (m_spin != nullptr) return;
-  m_line->setStyleSheet(QStringLiteral("QLineEdit { border: 1px solid %1; padding: 0px 3px; }")
-                            .arg(CUiResource::getColor(QString::fromLatin1(FRAME_COLOR)).name()));
 }
 
 }  // namespace GW

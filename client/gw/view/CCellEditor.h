@@ -1,5 +1,6 @@
 #pragma once
 
+#include "gw/CUiResource.h"
 #include "gw/delegates/CDelegateControl.h"
 
 #include <QPointer>
@@ -13,14 +14,14 @@ class QSpinBox;
 namespace GW {
 
 /// The widget in which a cell's text is typed: a spin box that stays in its range, or a line. GUI thread.
-class CCellEditor {
+class CCellEditor : public CUiResourceChangeHandler {
  public:
   /// `typed` takes the place of the text as if the user had typed it; when empty, the text is selected. The widget
   /// becomes a hidden child of `parent`.
   CCellEditor(const CDelegateControl& control, Qt::Alignment alignment, const QString& text, const QString& typed,
               QWidget* parent);
   /// Hides the widget at once and deletes it later, so that this can happen in the middle of its events.
-  ~CCellEditor();
+  ~CCellEditor() override;
   CCellEditor(const CCellEditor&) = delete;
   CCellEditor& operator=(const CCellEditor&) = delete;
 
@@ -29,6 +30,8 @@ class CCellEditor {
   /// What the cell's text shall be; none when the user has left it as it was. A line that was typed back to what it
   /// was counts as changed.
   std::optional<QString> changedText() const;
+
+  void onUiResourceChanged() override;
 
  private:
   void setLook();

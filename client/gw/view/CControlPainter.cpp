@@ -64,7 +64,10 @@ QRect CControlPainter::frameRect(const QRect& cell) {
 }
 
 void CControlPainter::paintBox(QPainter& painter, const QRect& cell, ECellControl kind, bool checked, bool enabled) {
-  const QRect box = boxRect(cell, painter.fontMetrics());
+  paintBoxAt(painter, boxRect(cell, painter.fontMetrics()), kind, checked, enabled);
+}
+
+void CControlPainter::paintBoxAt(QPainter& painter, const QRect& box, ECellControl kind, bool checked, bool enabled) {
   if (box.width() <= 0) return;
   const qreal ratio = painter.device()->devicePixelRatioF();
   if (box.width() != m_side || !qFuzzyCompare(ratio, m_ratio)) {

@@ -27,6 +27,8 @@ class CControlPainter : public CUiResourceChangeHandler {
   static QRect frameRect(const QRect& cell);
 
   void paintBox(QPainter& painter, const QRect& cell, ECellControl kind, bool checked, bool enabled);
+  /// `box` is a square.
+  void paintBoxAt(QPainter& painter, const QRect& box, ECellControl kind, bool checked, bool enabled);
   void paintField(QPainter& painter, const QRect& cell, const QString& text, Qt::Alignment alignment, bool enabled,
                   const QPalette& colors);
 

@@ -2,6 +2,7 @@
 
 #include "gw/view/CFilterValues.h"
 
+#include "gw/CUiResource.h"
 #include "gw/ui_resources.h"
 
 #include <QCheckBox>
@@ -39,6 +40,13 @@ constexpr int MIN_WIDTH = 220;
 constexpr int MARGIN = 8;
 constexpr int MAX_WIDTH = 420;
 
+/// Styles outline a box in a darker shade of the window's colour, which nobody sees in dark colours.
+void showOutlines(QPalette& colors) {
+  constexpr int DARKENING = 140;
+  colors.setColor(QPalette::Window,
+                  CUiResource::getColor(QStringLiteral("clr_table_control_border")).lighter(DARKENING));
+}
+
 /// The whole line of a value is its box.
 class CValueDelegate : public QStyledItemDelegate {
  public:
@@ -49,6 +57,10 @@ class CValueDelegate : public QStyledItemDelegate {
   }
 
  protected:
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    QStyledItemDelegate::initStyleOption(option, index);
+    showOutlines(option->palette);
+  }
   bool editorEvent(QEvent* event, QAbstractItemModel* model, const QStyleOptionViewItem& option,
                    const QModelIndex& index) override {
     switch (event->type()) {
@@ -116,9 +128,9 @@ void CFilterMenu::addWidgets() {
   setFocusProxy(m_text);
   m_text->setPlaceholderText(QString::fromUtf8(TEXT_SEARCH));
   m_text->setAccessibleName(QString::fromUtf8(TEXT_SEARCH));
-  m_text->setClearButtonEnabled(true);
   m_text->installEventFilter(this);
   m_all->setTristate(true);
+  setBoxColors();
   m_cancel->setAutoDefault(true);  // Enter on it cancels
   for (QPushButton* button : {m_ok, m_cancel}) giveSmallButtonLook(button);
 
@@ -210,6 +222,17 @@ void CFilterMenu::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_Escape: close(); break;
     default: QFrame::keyPressEvent(event);
   }
+}
+
+void CFilterMenu::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::PaletteChange) setBoxColors();
+  QFrame::changeEvent(event);
+}
+
+void CFilterMenu::setBoxColors() {
+  QPalette colors;
+  showOutlines(colors);
+  m_all->setPalette(colors);
 }
 
 bool CFilterMenu::eventFilter(QObject* watched, QEvent* event) {

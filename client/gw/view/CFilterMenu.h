@@ -41,10 +41,12 @@ class CFilterMenu : public QFrame {
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
+  void changeEvent(QEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void addWidgets();
+  void setBoxColors();
   void showState();
   void reload();
   void accept();

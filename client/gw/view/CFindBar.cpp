@@ -40,7 +40,6 @@ CFindBar::CFindBar(CHpfTableView& view, QWidget* parent)
   setVisible(false);
   setFocusProxy(m_text);
   m_text->setAccessibleName(QString::fromUtf8(TEXT_FIND));
-  m_text->setClearButtonEnabled(true);
   m_text->setMinimumWidth(fontMetrics().horizontalAdvance(QLatin1Char('0')) * 24);
   auto* close = new QToolButton(this);
   close->setText(QString(QChar(0x00d7)));

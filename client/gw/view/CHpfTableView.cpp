@@ -111,10 +111,18 @@ void CHpfTableView::updateMarks() {
   m_d->sums->refresh();
 }
 
-int CHpfTableView::headerWidth(int columnId) const { return m_d->header->sectionSizeHint(columnId); }
+int CHpfTableView::headerWidth(int columnId) const { return m_d->header->titleWidth(columnId); }
 
 int CHpfTableView::textWidth(const QString& text) const {
   return static_cast<int>(std::ceil(m_d->texts.width(text))) + 2 * CELL_PADDING + 1;
+}
+
+int CHpfTableView::fittingWidth(int columnId) const {
+  int width = std::max(headerWidth(columnId), textWidth(m_d->rows.sumText(columnId)));
+  const auto [first, last] = visibleRows();
+  for (int row = first; row >= 0 && row <= last; ++row)
+    width = std::max(width, textWidth(m_d->rows.text(m_d->rows.slotAt(row), columnId)));
+  return width;
 }
 
 void CHpfTableView::setColumnMovable(int columnId, bool movable) { m_d->header->setColumnMovable(columnId, movable); }
@@ -153,13 +161,7 @@ void CHpfTableView::Private::columnsChanged(int columnId) {
   if (controls) controls->place();
 }
 
-void CHpfTableView::Private::fitColumn(int columnId) {
-  int width = q->headerWidth(columnId);
-  const auto [first, last] = q->visibleRows();
-  for (int row = first; row >= 0 && row <= last; ++row)
-    width = std::max(width, q->textWidth(rows.text(rows.slotAt(row), columnId)));
-  header->resizeSection(columnId, width);
-}
+void CHpfTableView::Private::fitColumn(int columnId) { header->resizeSection(columnId, q->fittingWidth(columnId)); }
 
 // --- geometry ---
 

@@ -48,6 +48,8 @@ class CHpfTableView : public QAbstractScrollArea {
   int headerWidth(int columnId) const;
   /// The width for a cell text.
   int textWidth(const QString& text) const;
+  /// The width at which header, sum and the cells on screen are not cut; also for a hidden column.
+  int fittingWidth(int columnId) const;
   /// Whether the user may drag the column elsewhere; true unless set.
   void setColumnMovable(int columnId, bool movable);
   /// Column ids that are not hidden, from the left.

@@ -123,8 +123,9 @@ void CHpfTableView::Private::paintCurrent(QPainter& painter) {
   line.setWidth(std::min(line.width(), header->length() - header->offset()));
   drawLineBelow(painter, line, colors.currentRow);
   drawLineBelow(painter, line.translated(0, -rowHeight + 1), colors.currentRow);
-  if (q->hasFocus() && currentColumn >= 0 && !header->isSectionHidden(currentColumn))
-    drawLineAround(painter, q->cellRect(row, currentColumn), colors.current);
+  // Without the focus it is paler: what the find bar has found is this cell.
+  if (currentColumn >= 0 && !header->isSectionHidden(currentColumn))
+    drawLineAround(painter, q->cellRect(row, currentColumn), q->hasFocus() ? colors.current : colors.currentRow);
 }
 
 }  // namespace GW

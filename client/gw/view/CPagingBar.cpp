@@ -159,6 +159,8 @@ void CPagingBar::onUiResourceChanged() {
   for (QLabel* label : {m_d->pageLabel, m_d->totalLabel, m_d->sizeLabel}) {
     QPalette colors = label->palette();
     colors.setColor(QPalette::WindowText, CUiResource::getColor(QStringLiteral("clr_table_text")));
+    colors.setColor(QPalette::Disabled, QPalette::WindowText,
+                    CUiResource::getColor(QStringLiteral("clr_table_disabled_text")));
     label->setPalette(colors);
   }
   CAutoExpandToolBar::onUiResourceChanged();

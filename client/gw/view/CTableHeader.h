@@ -32,6 +32,9 @@ class CTableHeader : public QHeaderView {
   void setChecked(int columnId, bool checked);
   bool isChecked(int columnId) const;
 
+  /// The width for the whole title beside its marks; also for a hidden column, for which a size hint is 0.
+  int titleWidth(int columnId) const;
+
   QSize sizeHint() const override;
 
  Q_SIGNALS:

@@ -16,7 +16,6 @@ namespace {
 
 constexpr int SECTION_MARGIN = 6;  ///< pixels; the outer four of them resize the section
 constexpr int MARK_GAP = 3;
-constexpr int BOX_GAP = 2;         ///< that a box keeps from the edges of its cell
 constexpr int TITLE_MARGIN = 4;    ///< above and below
 constexpr qreal RANK_SCALE = 0.7;  ///< of a rank's font to the title's
 
@@ -58,7 +57,7 @@ CTableHeader::CParts CTableHeader::parts(const QRect& section, int columnId) con
   if (shown.hasCheckBox) {
     const QRect box = CControlPainter::boxRect(section, fontMetrics());
     at.checkBox = title(columnId).isEmpty() ? box : QRect(left, box.y(), box.width(), box.height());
-    if (!title(columnId).isEmpty()) left = at.checkBox.right() + 1 + MARK_GAP;
+    if (!title(columnId).isEmpty()) left = at.checkBox.right() + 1 + 2 * MARK_GAP;
   }
   const auto takeRight = [&](int width, int height) {
     if (right - width < left) return QRect();
@@ -91,6 +90,10 @@ QSize CTableHeader::sectionSizeFromContents(int columnId) const {
   return {width, sizeHint().height()};
 }
 
+int CTableHeader::titleWidth(int columnId) const {
+  return std::max(minimumSectionSize(), sectionSizeFromContents(columnId).width());
+}
+
 QSize CTableHeader::sizeHint() const { return {length(), fontMetrics().height() + 2 * TITLE_MARGIN + 1}; }
 
 void CTableHeader::paintEvent(QPaintEvent* event) {
@@ -114,8 +117,7 @@ void CTableHeader::paintSection(QPainter* painter, const QRect& section, int col
   drawLineRight(*painter, section.adjusted(0, 3, 0, -4), m_colors.headerLine);
 
   if (!at.checkBox.isNull())
-    m_boxes->paintBox(*painter, at.checkBox.adjusted(-BOX_GAP, -BOX_GAP, BOX_GAP, BOX_GAP), ECellControl::CheckBox,
-                      shown.isChecked, isEnabled());
+    m_boxes->paintBoxAt(*painter, at.checkBox, ECellControl::CheckBox, shown.isChecked, isEnabled());
   const QColor text = isEnabled() ? m_colors.headerText : m_colors.disabledText;
   if (at.title.width() > 0) {
     painter->setFont(font());
