@@ -1,6 +1,7 @@
 #include "book_kit.h"
 
 #include "counter/CBookGenerator.h"
+#include "rdservice/CStkClosedCompacts.h"
 #include "rdservice/rdservice_enums.h"
 
 #include <QDir>
@@ -38,12 +39,14 @@ TEST(CBookGenerator, theSampleBookIsSound) {
 
   CTestCounter client({database});
   std::map<std::size_t, int> accountsBySize;
+  std::multiset<std::size_t> closedSizes;
   const auto today = CTestBook::today().toJulianDay();
   for (const auto& account : client.ask(accountsRequest()).records) {
     client.ask(loginRequest(account->getKey()));
     const auto compacts = client.ask(compactsRequest(account->getKey())).records;
     ++accountsBySize[compacts.size()];
     std::set<int> priorities;
+    std::set<std::string> open;
     bool openedToday = compacts.empty();
     for (const auto& record : compacts) {
       const auto& c = static_cast<const rdservice::CStkUnClosedCompacts&>(*record);
@@ -55,10 +58,26 @@ TEST(CBookGenerator, theSampleBookIsSound) {
       EXPECT_EQ(c.expiryDate - c.fieldB, c.renewalFlag == '1' ? 360 : 180);
       EXPECT_LE(c.fieldB, today);
       EXPECT_TRUE(c.repayPriority == 0 || priorities.insert(c.repayPriority).second) << c.repayPriority;
+      open.insert(c.getKey());
       openedToday = openedToday || c.fieldB == today;
     }
     EXPECT_TRUE(openedToday) << account->getKey();
+
+    const auto closed = client.ask(dataRequest(account->getKey(), rdservice::RecordStkClosedCompacts)).records;
+    closedSizes.insert(closed.size());
+    auto lastClosed = std::int64_t{0};
+    for (const auto& record : closed) {
+      const auto& c = static_cast<const rdservice::CStkClosedCompacts&>(*record);
+      EXPECT_TRUE(open.count(c.getKey()) == 0) << c.getKey() << " is open and closed";
+      EXPECT_EQ(c.repaidAmount, c.compactAmount);
+      EXPECT_TRUE(c.interestAmount > 0 && c.interestAmount < c.compactAmount * 0.06) << c.getKey();
+      EXPECT_EQ(c.feeAmount > 0, c.compactType == rdservice::CompactTypeSecuritiesLending) << c.getKey();
+      EXPECT_TRUE(c.volume > 0 && c.volume % 100 == 0);
+      EXPECT_TRUE(c.fieldB < c.closeDate && lastClosed <= c.closeDate && c.closeDate <= today) << c.getKey();
+      lastClosed = c.closeDate;
+    }
   }
+  EXPECT_EQ(closedSizes, (std::multiset<std::size_t>{0, 0, 10, 16, 24, 60, 240}));
   EXPECT_EQ(accountsBySize, (std::map<std::size_t, int>{{0, 2}, {48, 1}, {64, 1}, {86, 1}, {320, 1}, {5000, 1}}));
 }
 

@@ -4,6 +4,7 @@
 #include "counter/record_kinds.h"
 #include "rdservice/CQueryCompactReqV2.h"
 #include "rdservice/CQueryDataReq.h"
+#include "rdservice/CStructDes.h"
 #include "rdservice/rdservice_enums.h"
 #include "rdservice/service_requests.h"
 
@@ -142,10 +143,10 @@ rdservice::IDataPtr loginRequest(const std::string& accountKey, bool login) {
 }
 
 rdservice::IDataPtr compactsRequest(const std::string& accountKey, int compactType, const std::string& position,
-                                    int count) {
+                                    int count, int dataType) {
   auto request = boost::make_shared<rdservice::CQueryCompactReqV2>();
   request->accountKey = accountKey;
-  request->dataType = rdservice::RecordStkUnClosedCompacts;
+  request->dataType = dataType;
   request->compactType = compactType;
   request->positionString = position;
   request->requestCount = count;
@@ -165,7 +166,8 @@ rdservice::IDataPtr dataRequest(const std::string& accountKey, int dataType) {
 std::string compactNumbers(const std::vector<rdservice::IDataPtr>& records) {
   std::string numbers;
   for (const auto& record : records)
-    numbers += (numbers.empty() ? "" : " ") + static_cast<const rdservice::CStkUnClosedCompacts&>(*record).fieldA;
+    numbers +=
+        (numbers.empty() ? "" : " ") + record->getStructDes().fieldByName("compact_no")->get<std::string>(*record);
   return numbers;
 }
 

@@ -3,6 +3,7 @@
 #include "counter/CBookLoader.h"
 #include "counter/CSqlCounter.h"
 #include "rdservice/CStkUnClosedCompacts.h"
+#include "rdservice/rdservice_enums.h"
 
 #include <QTemporaryDir>
 
@@ -70,10 +71,11 @@ rdservice::IDataPtr accountsRequest();
 rdservice::IDataPtr instrumentsRequest();
 rdservice::IDataPtr loginRequest(const std::string& accountKey, bool login = true);
 rdservice::IDataPtr compactsRequest(const std::string& accountKey, int compactType = ' ',
-                                    const std::string& position = {}, int count = 0);
+                                    const std::string& position = {}, int count = 0,
+                                    int dataType = rdservice::RecordStkUnClosedCompacts);
 rdservice::IDataPtr dataRequest(const std::string& accountKey, int dataType);
 
-/// The numbers of the compacts, in order, with a blank between.
+/// The numbers of the compacts, closed or not, in order, with a blank between.
 std::string compactNumbers(const std::vector<rdservice::IDataPtr>& records);
 
 /// A cell of a CSV file, in quotes when it must be.

@@ -76,6 +76,22 @@ const CBadBook BAD_BOOKS[] = {
      "unclosed_compacts.csv:3:27: position_string: expected a position that no other record of the account has\n"
      "unclosed_compacts.csv:5:4: account, open_date, compact_no, exchange, code: expected values that no record before "
      "has\n"},
+    {"closed_compacts.csv", "account,exchange,code,compact_type,compact_no,open_date,close_date,unpaid_amount\n",
+     "closed_compacts.csv:1:68: unknown column \"unpaid_amount\"; expected one of account, exchange, code, name, "
+     "compact_type, source, volume, compact_amount, repaid_amount, interest_amount, fee_amount, compact_no, open_date, "
+     "close_date, repay_priority, position_string\n"},
+    {"closed_compacts.csv",
+     "account,exchange,code,compact_type,compact_no,open_date,close_date,volume\n"
+     "6001,SH,600000,0,C1,today-9,,100\n"
+     "6003,SZ,600000,0,C1,today-9,today,-\n"
+     "6001,SZ,000001,0,C1,today-9,today,1\n"
+     "6001,SZ,000001,1,C1,today-9,today-1,2\n",
+     "closed_compacts.csv:2:29: close_date: expected a value, got nothing\n"
+     "closed_compacts.csv:3:1: account: expected an account id of accounts.csv, got \"6003\"\n"
+     "closed_compacts.csv:3:35: volume: expected a whole number from -9223372036854775808 to 9223372036854775807, got "
+     "\"-\"\n"
+     "closed_compacts.csv:5:1: account, open_date, compact_no, exchange, code: expected values that no record before "
+     "has\n"},
     {"unclosed_compacts.csv",
      "account,exchange,code,compact_type,compact_no,open_date\n6001,SH,600000,0,\xFF,today\n6001,SH,600000,0,\"A,"
      "today\n",
@@ -122,17 +138,27 @@ TEST(CBookLoader, listsAThousandErrorsAndCountsTheRest) {
 
 TEST(CBookLoader, replacesTheFormerBook) {
   CTestBook book;
+  book.setFile("closed_compacts.csv",
+               "account,exchange,code,compact_type,compact_no,open_date,close_date,volume,interest_amount\n"
+               "6001,SH,600000,1,C7,20240101,2024-03-01,1200,3.5\n");
   ASSERT_EQ(book.load().errorText(), "");
   EXPECT_NE(book.content().find("A4"), std::string::npos);
+  const auto closedRow = "3.6001,SH,600000,浦发银行,1,0,1200,0,0,3.5,0,C7," +
+                         std::to_string(QDate(2024, 1, 1).toJulianDay()) + "," +
+                         std::to_string(QDate(2024, 3, 1).toJulianDay()) + ",0,0000000001,\n";
+  EXPECT_NE(book.content().find(closedRow), std::string::npos) << book.content();
+  QFile::remove(QString::fromStdString(book.path("closed_compacts.csv")));
   book.setFile("unclosed_compacts.csv",
                "account,exchange,code,compact_type,compact_no,open_date,name\n"
                "6002,SZ,000001,1,C1,today-15,\n"
                "6002,SZ,000001,1,C2,today+1,别名\n");
   const auto result = book.load();
   ASSERT_EQ(result.errorText(), "");
-  ASSERT_EQ(result.counts.size(), 3U);
+  ASSERT_EQ(result.counts.size(), 4U);
   EXPECT_EQ(result.counts[2].kind, "unclosed_compacts");
   EXPECT_EQ(result.counts[2].records, 2);
+  EXPECT_EQ(result.counts[3].kind, "closed_compacts");
+  EXPECT_EQ(result.counts[3].records, 0) << "those of the former book are gone though this one has no file of them";
   const auto julian = [](int day) { return std::to_string(QDate(2024, 3, day).toJulianDay()); };
   const auto row = [](const std::string& number, const std::string& name, const std::string& date,
                       const std::string& position) {

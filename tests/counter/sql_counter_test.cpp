@@ -2,6 +2,7 @@
 
 #include "counter/counter_errors.h"
 #include "rdservice/CInstrumentInfo.h"
+#include "rdservice/CStkClosedCompacts.h"
 #include "rdservice/CStructDes.h"
 #include "rdservice/rdservice_enums.h"
 
@@ -9,11 +10,13 @@
 #include <boost/make_shared.hpp>
 
 #include <atomic>
-#include <set>
+#include <map>
+#include <tuple>
 
 namespace counter {
 namespace {
 
+using rdservice::CStkClosedCompacts;
 using rdservice::CStkUnClosedCompacts;
 using rdservice::IDataPtr;
 using utils::RDError;
@@ -24,13 +27,27 @@ const CStkUnClosedCompacts& compact(const IDataPtr& record) {
   return static_cast<const CStkUnClosedCompacts&>(*record);
 }
 
+const CStkClosedCompacts& closedCompact(const IDataPtr& record) {
+  return static_cast<const CStkClosedCompacts&>(*record);
+}
+
 boost::shared_ptr<CStkUnClosedCompacts> editable(const IDataPtr& record) {
   return boost::static_pointer_cast<CStkUnClosedCompacts>(record->copy());
 }
 
 class SqlCounter : public testing::Test {
  protected:
-  SqlCounter() { EXPECT_EQ(m_book.load().errorText(), ""); }
+  SqlCounter() {
+    // As the unclosed ones of the book, but for their dates.
+    m_book.setFile("closed_compacts.csv",
+                   "account,exchange,code,compact_type,compact_no,open_date,close_date\n"
+                   "6001,SH,600000,0,A1,today-90,today-9\n"
+                   "6002,SH,600000,0,B1,today-90,today-8\n"
+                   "6001,SZ,000001,1,A2,today-90,today-8\n"
+                   "6001,SH,600000,0,A3,today-80,today-7\n"
+                   "6001,SZ,000001,1,A4,today-70,today\n");
+    EXPECT_EQ(m_book.load().errorText(), "");
+  }
 
   CSqlCounterOptions options(int readers = 2) const {
     CSqlCounterOptions options;
@@ -48,22 +65,44 @@ TEST_F(SqlCounter, answersByPositionTypeAndCount) {
     const char* position;
     int count;
     int counterLimit;  ///< 0 for none
+    bool repeats;
     const char* numbers;
   } CASES[] = {
-      {' ', "", 0, 0, "A1 A2 A3 A4"},     {' ', "", 3, 0, "A1 A2 A3"},     {' ', "", 999999, 0, "A1 A2 A3 A4"},
-      {' ', "0000000002", 0, 0, "A3 A4"}, {' ', "0000000002", 1, 0, "A3"}, {' ', "0000000004", 5, 0, ""},
-      {'0', "", 0, 0, "A1 A3"},           {'1', "", 1, 0, "A2"},           {'1', "0000000002", 0, 0, "A4"},
-      {' ', "", 0, 3, "A1 A2 A3"},        {' ', "", 2, 3, "A1 A2"},        {' ', "0000000001", 9, 3, "A2 A3 A4"},
+      {' ', "", 0, 0, false, "A1 A2 A3 A4"},
+      {' ', "", 3, 0, false, "A1 A2 A3"},
+      {' ', "", 999999, 0, false, "A1 A2 A3 A4"},
+      {' ', "0000000002", 0, 0, false, "A3 A4"},
+      {' ', "0000000002", 1, 0, false, "A3"},
+      {' ', "0000000004", 5, 0, false, ""},
+      {' ', "00000000025", 1, 0, false, "A3"},  // whose record is gone meanwhile
+      {'0', "", 0, 0, false, "A1 A3"},
+      {'1', "", 1, 0, false, "A2"},
+      {'1', "0000000002", 0, 0, false, "A4"},
+      {' ', "", 0, 3, false, "A1 A2 A3"},
+      {' ', "", 2, 3, false, "A1 A2"},
+      {' ', "0000000001", 9, 3, false, "A2 A3 A4"},
+      // A repeated record comes on top of the count, so that a count of one gets on.
+      {' ', "", 1, 0, true, "A1"},
+      {' ', "0000000001", 1, 0, true, "A1 A2"},
+      {' ', "0000000002", 9, 1, true, "A2 A3"},
+      {' ', "0000000004", 2, 0, true, "A4"},
+      {' ', "00000000025", 1, 0, true, "A3"},
+      {'1', "0000000002", 1, 0, true, "A2 A4"},
+      {'0', "0000000002", 1, 0, true, "A3"},
   };
-  for (const auto& c : CASES) {
-    auto limited = options();
-    limited.maxCompacts = {{90, c.counterLimit}};
-    CTestCounter client(limited);
-    client.ask(loginRequest(ACCOUNT));
-    const auto reply = client.ask(compactsRequest(ACCOUNT, c.compactType, c.position, c.count));
-    EXPECT_EQ(reply.error.errorMsg(), "");
-    EXPECT_EQ(compactNumbers(reply.records), c.numbers) << c.compactType << c.position << " " << c.count;
-  }
+  for (const int dataType : {rdservice::RecordStkUnClosedCompacts, rdservice::RecordStkClosedCompacts})
+    for (const auto& c : CASES) {
+      auto limited = options();
+      limited.maxCompacts = {{90, c.counterLimit}, {102, 1}};
+      limited.repeatingTypes = {c.repeats ? 90 : 102};
+      CTestCounter client(limited);
+      client.ask(loginRequest(ACCOUNT));
+      const auto reply = client.ask(compactsRequest(ACCOUNT, c.compactType, c.position, c.count, dataType));
+      EXPECT_EQ(reply.error.errorMsg(), "");
+      EXPECT_EQ(compactNumbers(reply.records), c.numbers)
+          << dataType << " " << c.compactType << c.position << " " << c.count << " " << c.repeats;
+      for (const auto& record : reply.records) EXPECT_EQ(record->getBaseId(), dataType);
+    }
 }
 
 TEST_F(SqlCounter, answersTheOtherRequests) {
@@ -80,6 +119,11 @@ TEST_F(SqlCounter, answersTheOtherRequests) {
   const auto data = client.ask(dataRequest(ACCOUNT, rdservice::RecordStkUnClosedCompacts)).records;
   EXPECT_EQ(compactNumbers(data), "A1 A2 A3 A4");
   EXPECT_EQ(compact(data[0]).accountInfo, accounts[0]);
+  const auto closed = client.ask(dataRequest(ACCOUNT, rdservice::RecordStkClosedCompacts)).records;
+  ASSERT_EQ(compactNumbers(closed), "A1 A2 A3 A4");
+  EXPECT_EQ(closedCompact(closed[3]).closeDate, CTestBook::today().toJulianDay());
+  EXPECT_EQ(closedCompact(closed[3]).positionString, "0000000004");
+  EXPECT_EQ(closedCompact(closed[3]).accountInfo, accounts[0]);
 }
 
 TEST_F(SqlCounter, keepsTheLoginStateOfEachAccount) {
@@ -208,6 +252,73 @@ TEST_F(SqlCounter, pushesWhatChangesAtTheBroker) {
   ASSERT_EQ(compactNumbers(after), "A1 A2 A3 A4 A9");
   EXPECT_TRUE(sameFields(*after[1], *changed));
   EXPECT_TRUE(sameFields(*after[0], *before[0]));
+}
+
+TEST_F(SqlCounter, closesACompact) {
+  CTestCounter client(options());
+  client.ask(loginRequest(ACCOUNT));
+  const auto before = client.ask(compactsRequest(ACCOUNT)).records;
+  auto owing = editable(before[1]);  // of securities lending
+  owing->lendingVolume = 300;
+  owing->compactAmount = 250;
+  owing->repaidAmount = 50;
+  owing->interestAmount = 7;
+  owing->penaltyAmount = 2;
+  owing->feeAmount = 3;
+  owing->equityCompensation = 4;
+  client.counter.changeCompacts({owing});
+  client.counter.changeRandomCompacts(ACCOUNT, 0, 1);  // the rows are known from here on
+  client.nextPush();
+
+  const int day = static_cast<int>(CTestBook::today().toJulianDay());
+  const auto key = owing->getKey();
+  client.counter.closeCompact("3.6002", key, day);  // none of these three changes anything
+  client.counter.closeCompact("3.9", key, day);
+  client.counter.closeCompact(ACCOUNT, key + "x", day);
+  client.counter.closeCompact(ACCOUNT, key, day);
+  const auto pushed = client.nextPush();
+  ASSERT_EQ(pushed.size(), 2U);
+  ASSERT_EQ(pushed[0]->getBaseId(), rdservice::RecordStkUnClosedCompacts);
+  ASSERT_EQ(pushed[1]->getBaseId(), rdservice::RecordStkClosedCompacts);
+  auto settled = *owing;
+  settled.lendingVolume = 0;
+  settled.repaidAmount = 250;
+  settled.unpaidAmount = settled.interestAmount = settled.penaltyAmount = 0;
+  settled.feeAmount = settled.equityCompensation = 0;
+  EXPECT_TRUE(sameFields(*pushed[0], settled));
+  const auto& closed = closedCompact(pushed[1]);
+  EXPECT_EQ(closed.getKey(), key);
+  EXPECT_EQ(closed.accountInfo, compact(before[0]).accountInfo);
+  EXPECT_EQ(std::tie(closed.compactType, closed.volume, closed.closeDate), std::make_tuple('1', 300, day));
+  EXPECT_EQ(std::tie(closed.compactAmount, closed.repaidAmount, closed.interestAmount, closed.feeAmount),
+            std::make_tuple(250, 250, 9, 3));
+  EXPECT_EQ(closed.positionString, "0000000005");
+
+  EXPECT_EQ(compactNumbers(client.ask(compactsRequest(ACCOUNT)).records), "A1 A3 A4");
+  const auto stored = client.ask(dataRequest(ACCOUNT, rdservice::RecordStkClosedCompacts)).records;
+  ASSERT_EQ(compactNumbers(stored), "A1 A2 A3 A4 A2");
+  EXPECT_TRUE(sameFields(*stored[4], closed));
+
+  client.counter.closeCompact(ACCOUNT, key, day);  // once only
+  client.counter.changeRandomCompacts(ACCOUNT, 99, 1);
+  EXPECT_EQ(client.nextPush().size(), 3U);
+}
+
+TEST_F(SqlCounter, aClosedCompactComesBehindTheOthersWhateverTheirPositions) {
+  for (const auto& [last, expected] : std::map<std::string, std::string>{
+           {"7", "8"}, {"0199", "0200"}, {"99", "990000000001"}, {"Z", "Z0000000001"}, {"a-09", "a-10"}}) {
+    m_book.setFile("closed_compacts.csv",
+                   "account,exchange,code,compact_type,compact_no,open_date,close_date,position_string\n"
+                   "6001,SH,600000,0,C1,today-90,today,0\n6001,SH,600000,0,C2,today-90,today," +
+                       last + "\n");
+    ASSERT_EQ(m_book.load().errorText(), "");
+    CTestCounter client(options());
+    client.ask(loginRequest(ACCOUNT));
+    client.counter.closeCompact(ACCOUNT, client.ask(compactsRequest(ACCOUNT)).records[3]->getKey(), 1);
+    EXPECT_EQ(closedCompact(client.nextPush().at(1)).positionString, expected);
+    const auto next = compactsRequest(ACCOUNT, ' ', last, 0, rdservice::RecordStkClosedCompacts);
+    EXPECT_EQ(compactNumbers(client.ask(next).records), "A4") << last;
+  }
 }
 
 TEST_F(SqlCounter, changesRandomCompactsAlikeForTheSameSeed) {
