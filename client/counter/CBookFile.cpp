@@ -41,7 +41,12 @@ CBookFile::CBookFile(const CRecordKind& kind, CBookContext& context, const CSqlC
 
 bool CBookFile::load(const std::string& folder) {
   QFile file(QString::fromStdString(folder + "/" + m_name));
-  if (QFileInfo info(file); info.exists() && !info.isFile()) {
+  const QFileInfo info(file);
+  if (m_kind.mayLackFile && !info.exists() && !info.isSymLink()) {
+    m_context.result().counts.push_back({m_kind.des.name(), 0});
+    return true;
+  }
+  if (info.exists() && !info.isFile()) {
     failFile("is not a regular file; expected a CSV file");
     return true;
   }

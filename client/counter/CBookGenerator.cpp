@@ -23,29 +23,37 @@ struct CSampleAccount {
   const char* name;
   const char* alias;
   int autoLogin;
-  std::int64_t compacts;  ///< BULK for the account that takes the number asked for
+  std::int64_t compacts;  ///< unclosed ones; BULK for the account that takes the number asked for
+  std::int64_t closed;    ///< likewise
 };
 
 constexpr std::int64_t BULK = -1;
 
 constexpr CSampleAccount ACCOUNTS[] = {
-    {"60010001", rdservice::BrokerTypeCredit, 90, "张伟", "主账户", 1, BULK},
-    {"60010002", rdservice::BrokerTypeCredit, 100, "王芳", "", 1, 320},
-    {"60010003", rdservice::BrokerTypeCredit, 102, "李静", "量化", 1, 86},
-    {"60010004", rdservice::BrokerTypeCredit, 200, "刘洋", "", 1, 0},
-    {"60010005", rdservice::BrokerTypeCreditInstitution, 200, "远山稳健一号", "机构户", 1, 48},
-    {"60010006", rdservice::BrokerTypeCredit, 90, "陈磊", "备用", 0, 64},
-    {"10020001", rdservice::BrokerTypeStock, 90, "张伟", "普通户", 1, 0},
+    {"60010001", rdservice::BrokerTypeCredit, 90, "张伟", "主账户", 1, BULK, BULK},
+    {"60010002", rdservice::BrokerTypeCredit, 100, "王芳", "", 1, 320, 60},
+    {"60010003", rdservice::BrokerTypeCredit, 102, "李静", "量化", 1, 86, 24},
+    {"60010004", rdservice::BrokerTypeCredit, 200, "刘洋", "", 1, 0, 0},
+    {"60010005", rdservice::BrokerTypeCreditInstitution, 200, "远山稳健一号", "机构户", 1, 48, 10},
+    {"60010006", rdservice::BrokerTypeCredit, 90, "陈磊", "备用", 0, 64, 16},
+    {"10020001", rdservice::BrokerTypeStock, 90, "张伟", "普通户", 1, 0, 0},
 };
 
 constexpr const char* COMPACT_HEADER =
     "account,exchange,code,compact_type,source,financing_volume,lending_volume,compact_amount,unpaid_amount,"
     "repaid_amount,interest_amount,fee_amount,penalty_amount,compact_no,open_date,expiry_date,renewal_flag,"
     "repay_priority,equity_compensation\n";
+constexpr const char* CLOSED_HEADER =
+    "account,exchange,code,compact_type,source,volume,compact_amount,repaid_amount,interest_amount,fee_amount,"
+    "compact_no,open_date,close_date\n";
 
 // Days.
-constexpr std::int64_t TERM = 180;     ///< from opening to expiry, and what a renewal adds
-constexpr std::int64_t HISTORY = 176;  ///< compacts were opened over so many days
+constexpr std::int64_t TERM = 180;            ///< from opening to expiry, and what a renewal adds
+constexpr std::int64_t HISTORY = 176;         ///< compacts were opened over so many days
+constexpr std::int64_t CLOSED_HISTORY = 365;  ///< and those that are closed, closed over so many
+
+/// Keeps the closed compacts apart from the unclosed ones: neither changes when the number of the others does.
+constexpr std::uint32_t CLOSED_SEED_OFFSET = 0x9E3779B9U;
 
 // Shares of compacts, one in so many.
 constexpr unsigned ONE_IN_RENEWED = 12;
@@ -107,11 +115,32 @@ class CRandom {
   std::mt19937_64 m_engine;
 };
 
-/// Writes compact number `index` of `count`; the last of an account were opened today.
+const CSampleSecurity& pickSecurity(CRandom& random) {
+  const auto* const securities = beginSampleSecurities();
+  return securities[random.between(0, endSampleSecurities() - securities - 1)];
+}
+
+std::int64_t pickLots(CRandom& random, const CSampleSecurity& security) {
+  return random.between(1, security.price > 100'000 ? 20 : 300);
+}
+
+/// Cents, near the security's price.
+std::int64_t pickAmount(CRandom& random, const CSampleSecurity& security, std::int64_t lots) {
+  return lots * 100 * security.price / 10 * random.between(90, 110) / 100;
+}
+
+/// Cents of interest on `amount` cents; a day is counted at least.
+std::int64_t interestOf(std::int64_t amount, std::int64_t days, bool isLending, bool isSpecial) {
+  const auto rate = isLending ? LENDING_RATE : isSpecial ? SPECIAL_FINANCING_RATE : FINANCING_RATE;
+  return amount * rate * std::max<std::int64_t>(days, 1) / (365 * 10'000);
+}
+
+std::int64_t feeOf(std::int64_t amount, bool isLending) { return isLending ? amount / 2000 : 0; }
+
+/// Writes unclosed compact number `index` of `count`; the last of an account were opened today.
 void addCompact(CFileWriter& file, CRandom& random, const char* account, std::int64_t index, std::int64_t count,
                 int& priority) {
-  const auto* const securities = beginSampleSecurities();
-  const auto& security = securities[random.between(0, endSampleSecurities() - securities - 1)];
+  const auto& security = pickSecurity(random);
   const bool isLending = random.between(1, 10) <= 3;
   const bool isSpecial = random.oneIn(ONE_IN_SPECIAL);
   const bool isRenewed = random.oneIn(ONE_IN_RENEWED);
@@ -122,15 +151,14 @@ void addCompact(CFileWriter& file, CRandom& random, const char* account, std::in
   if (isOverdue) age = TERM + random.between(1, 20);
   const auto term = isRenewed ? 2 * TERM : TERM;
 
-  const auto lots = random.between(1, security.price > 100'000 ? 20 : 300);
+  const auto lots = pickLots(random, security);
   const auto repaidTenths = random.oneIn(3) ? random.between(1, 9) : 0;
-  const auto amount = lots * 100 * security.price / 10 * random.between(90, 110) / 100;  // cents
+  const auto amount = pickAmount(random, security, lots);
   const auto repaid = amount * repaidTenths / 10;
   const auto unpaid = amount - repaid;
   const auto openLots = std::max<std::int64_t>(1, lots * (10 - repaidTenths) / 10);
-  const auto rate = isLending ? LENDING_RATE : isSpecial ? SPECIAL_FINANCING_RATE : FINANCING_RATE;
-  const auto interest = unpaid * rate * std::max<std::int64_t>(age, 1) / (365 * 10'000);
-  const auto fee = isLending ? unpaid / 2000 : 0;
+  const auto interest = interestOf(unpaid, age, isLending, isSpecial);
+  const auto fee = feeOf(unpaid, isLending);
   const auto penalty = isOverdue ? unpaid * PENALTY_RATE * (age - TERM) / 10'000 : 0;
   const auto compensation = isLending && random.oneIn(8) ? openLots * 100 * 12 : 0;
   const bool isPrioritised = random.oneIn(ONE_IN_PRIORITISED);
@@ -139,6 +167,22 @@ void addCompact(CFileWriter& file, CRandom& random, const char* account, std::in
            isLending ? 1 : 0, isSpecial ? 1 : 0, isLending ? 0 : openLots * 100, isLending ? openLots * 100 : 0,
            yuan(amount), yuan(unpaid), yuan(repaid), yuan(interest), yuan(fee), yuan(penalty), 10'000'001 + index,
            dateWord(-age), dateWord(term - age), isRenewed ? 1 : 0, isPrioritised ? ++priority : 0, yuan(compensation));
+}
+
+/// Writes closed compact number `index` of `count`; the last of an account were closed today. Their numbers are below
+/// those of the unclosed ones.
+void addClosed(CFileWriter& file, CRandom& random, const char* account, std::int64_t index, std::int64_t count) {
+  const auto& security = pickSecurity(random);
+  const bool isLending = random.between(1, 10) <= 3;
+  const bool isSpecial = random.oneIn(ONE_IN_SPECIAL);
+  const auto age = (count - 1 - index) * CLOSED_HISTORY / count;
+  const auto held = random.between(1, TERM);
+  const auto lots = pickLots(random, security);
+  const auto amount = pickAmount(random, security, lots);
+  file.add("{},{},{},{},{},{},{},{},{},{},{:08},{},{}\n", account, security.exchange, security.code, isLending ? 1 : 0,
+           isSpecial ? 1 : 0, lots * 100, yuan(amount), yuan(amount),
+           yuan(interestOf(amount, held, isLending, isSpecial)), yuan(feeOf(amount, isLending)), 1 + index,
+           dateWord(-age - held), dateWord(-age));
 }
 
 std::string writeAccounts(const QString& path) {
@@ -172,6 +216,17 @@ std::string writeCompacts(const QString& path, const CBookGeneratorOptions& opti
   return file.finish();
 }
 
+std::string writeClosed(const QString& path, const CBookGeneratorOptions& options) {
+  CFileWriter file(path);
+  CRandom random(options.seed + CLOSED_SEED_OFFSET);
+  file.add("{}", CLOSED_HEADER);
+  for (const auto& account : ACCOUNTS) {
+    const auto count = account.closed == BULK ? options.closed : account.closed;
+    for (std::int64_t i = 0; i < count; ++i) addClosed(file, random, account.id, i, count);
+  }
+  return file.finish();
+}
+
 }  // namespace
 
 std::string CBookGenerator::write(const std::string& folder) const {
@@ -180,6 +235,7 @@ std::string CBookGenerator::write(const std::string& folder) const {
   auto error = writeAccounts(directory.filePath(QStringLiteral("accounts.csv")));
   if (error.empty()) error = writeInstruments(directory.filePath(QStringLiteral("instruments.csv")));
   if (error.empty()) error = writeCompacts(directory.filePath(QStringLiteral("unclosed_compacts.csv")), m_options);
+  if (error.empty()) error = writeClosed(directory.filePath(QStringLiteral("closed_compacts.csv")), m_options);
   return error;
 }
 

@@ -3,6 +3,7 @@
 #include "counter/CBrokerAccounts.h"
 #include "counter/CSqlConnection.h"
 #include "counter/CSqlTable.h"
+#include "counter/compact_closing.h"
 #include "counter/record_kinds.h"
 #include "rdservice/CStkUnClosedCompacts.h"
 #include "rdservice/rdservice_enums.h"
@@ -78,6 +79,26 @@ std::vector<IDataPtr> CCompactWriter::write(const CSqlConnection& connection, co
   }
   if (error.empty()) return written;
   utils::logError(SITE, "change refused: {0}", error);
+  return {};
+}
+
+std::vector<IDataPtr> CCompactWriter::close(const CSqlConnection& connection, const std::string& accountKey,
+                                            const std::string& compactKey, std::int32_t closeDate) {
+  if (!connection.isOpen()) return {};  // said when it was opened
+  // The number of a removed row may be given to another.
+  m_rowIds.clear();
+  std::string error;
+  const auto account = m_accounts.find(connection, accountKey, error);
+  if (account == nullptr && error.empty()) error = "the counter has no account " + accountKey;
+  std::vector<IDataPtr> moved;
+  if (error.empty()) {
+    CSqlTransaction transaction(connection);
+    error = transaction.error();
+    if (error.empty()) moved = moveToClosed(connection, account, compactKey, closeDate, error);
+    if (error.empty()) transaction.commit(error);
+  }
+  if (error.empty()) return moved;
+  utils::logError(SITE, "compact {0} not closed: {1}", compactKey, error);
   return {};
 }
 

@@ -23,6 +23,11 @@ class CCompactWriter {
   std::vector<rdservice::IDataPtr> write(const CSqlConnection& connection,
                                          const std::vector<rdservice::IDataPtr>& records);
 
+  /// Moves an unclosed compact of the account to the closed ones, in one transaction. Returns the unclosed one as it
+  /// ended, owing nothing, and the closed one; nothing when there is no such compact. `closeDate`: Julian day number.
+  std::vector<rdservice::IDataPtr> close(const CSqlConnection& connection, const std::string& accountKey,
+                                         const std::string& compactKey, std::int32_t closeDate);
+
   /// Lets interest grow and a part of the principal be repaid for `count` unclosed compacts of the account, or for all
   /// when it has fewer. The same seed on the same records makes the same changes.
   std::vector<rdservice::IDataPtr> changeRandom(const CSqlConnection& connection, const std::string& accountKey,

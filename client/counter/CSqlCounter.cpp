@@ -55,7 +55,8 @@ struct CSqlCounter::Private {
         compactWriter(accounts),
         readers(options.databasePath, std::max(options.readers, 1)),
         writer(options.databasePath, 1),
-        requests(accounts, std::move(options.maxCompacts), [this] { return readers.isStopping(); }) {}
+        requests(accounts, {std::move(options.maxCompacts), std::move(options.repeatingTypes)},
+                 [this] { return readers.isStopping(); }) {}
 
   /// At once, or when the latency is over.
   void deliver(CClock::time_point due, const IDataPtr& request, const CCounterReply& reply, CSqlAnswer answer);
@@ -110,6 +111,12 @@ void CSqlCounter::setSilentEvery(int requests) { m_d->silent.set(requests); }
 void CSqlCounter::changeCompacts(std::vector<IDataPtr> records) {
   m_d->writer.post([d = m_d.get(), records = std::move(records)](const auto& connection) {
     d->push(d->compactWriter.write(connection, records));
+  });
+}
+
+void CSqlCounter::closeCompact(const std::string& accountKey, const std::string& compactKey, std::int32_t closeDate) {
+  m_d->writer.post([d = m_d.get(), accountKey, compactKey, closeDate](const auto& connection) {
+    d->push(d->compactWriter.close(connection, accountKey, compactKey, closeDate));
   });
 }
 

@@ -3,8 +3,10 @@
 #include "counter/ICounter.h"
 
 #include <chrono>
+#include <cstdint>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -17,6 +19,9 @@ struct CSqlCounterOptions {
   int silentEvery = 0;                   ///< every so many requests one is never answered; 0 for never
   int readers = 2;                       ///< threads that answer requests
   std::map<int, int> maxCompacts{};      ///< by counter type: most compacts in one reply; a type left out has no limit
+  /// Counter types whose replies begin with the record that the request continues after, on top of the count asked for;
+  /// after the last record it comes alone.
+  std::set<int> repeatingTypes{};
 };
 
 /// The broker's side on a SQLite database that `CBookLoader` has filled. Needs a QCoreApplication.
@@ -48,6 +53,12 @@ class CSqlCounter final : public ICounter {
   /// none (then an error is logged), and pushes them. Each has its account, and the position of the record that it
   /// replaces or one that its account does not have. Any thread; returns at once.
   void changeCompacts(std::vector<rdservice::IDataPtr> records);
+
+  /// Closes one unclosed compact of the account on the day (Julian day number): in one transaction it goes to the
+  /// closed compacts, behind those that the account has, with what was owed as paid. Pushes the unclosed compact, owing
+  /// nothing any more, and the closed one. An unknown account or key is logged and changes nothing. Any thread; returns
+  /// at once.
+  void closeCompact(const std::string& accountKey, const std::string& compactKey, std::int32_t closeDate);
 
   /// Changes interest and unpaid amount of `count` unclosed compacts of the account a little and pushes them. The same
   /// seed on the same book makes the same changes. Any thread; returns at once.

@@ -49,8 +49,8 @@ int tighter(int a, int b) { return a <= 0 || b <= 0 ? std::max({a, b, 0}) : std:
 
 }  // namespace
 
-CSqlRequests::CSqlRequests(CBrokerAccounts& accounts, std::map<int, int> maxCompacts, std::function<bool()> giveUp)
-    : m_accounts(accounts), m_maxCompacts(std::move(maxCompacts)), m_giveUp(std::move(giveUp)) {}
+CSqlRequests::CSqlRequests(CBrokerAccounts& accounts, CCompactBatches batches, std::function<bool()> giveUp)
+    : m_accounts(accounts), m_batches(std::move(batches)), m_giveUp(std::move(giveUp)) {}
 
 CSqlAnswer CSqlRequests::answer(const CSqlConnection& connection, const IData& request) {
   if (!connection.isOpen())
@@ -97,23 +97,31 @@ CSqlAnswer CSqlRequests::queryCompacts(const CSqlConnection& connection, const r
     return failed(RDError::Unsupported, UNKNOWN_DATA + std::to_string(request.dataType));
 
   const QString position = CSqlTable::column(kind->position);
-  QString condition =
-      QStringLiteral("WHERE %1 = ? AND %2 > ?").arg(CSqlTable::column(kind->accountField()->name), position);
-  std::vector<QVariant> values{QString::fromStdString(request.accountKey),
-                               QString::fromStdString(request.positionString)};
-  if (values.back().isNull()) values.back() = QStringLiteral("");
+  QString condition = QStringLiteral("WHERE %1 = ?").arg(CSqlTable::column(kind->accountField()->name));
+  std::vector<QVariant> values{QString::fromStdString(request.accountKey)};
   if (request.compactType != rdservice::CompactTypeAll) {
     condition += QStringLiteral(" AND %1 = ?").arg(CSqlTable::column("compact_type"));
     values.emplace_back(QString(QChar(request.compactType)));
   }
+  const bool isContinued = !request.positionString.empty();
+  if (isContinued) values.emplace_back(QString::fromStdString(request.positionString));
+  CSqlAnswer repeated;
+  if (isContinued && m_batches.repeatingTypes.count(account->counterType) != 0)
+    repeated = select(connection, *kind, condition + QStringLiteral(" AND %1 = ?").arg(position), values, account);
+  if (!repeated.error.isSuccess()) return repeated;
+
+  if (isContinued) condition += QStringLiteral(" AND %1 > ?").arg(position);
   condition += QStringLiteral(" ORDER BY %1").arg(position);
-  const auto limit = m_maxCompacts.find(account->counterType);
-  const int most = tighter(request.requestCount, limit == m_maxCompacts.end() ? 0 : limit->second);
+  const auto limit = m_batches.maxCompacts.find(account->counterType);
+  const int most = tighter(request.requestCount, limit == m_batches.maxCompacts.end() ? 0 : limit->second);
   if (most > 0) {
     condition += QStringLiteral(" LIMIT ?");
     values.emplace_back(most);
   }
-  return select(connection, *kind, condition, values, account);
+  auto answer = select(connection, *kind, condition, values, account);
+  if (answer.error.isSuccess())
+    answer.records.insert(answer.records.begin(), repeated.records.begin(), repeated.records.end());
+  return answer;
 }
 
 CSqlAnswer CSqlRequests::queryData(const CSqlConnection& connection, const rdservice::CQueryDataReq& request) {

@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -29,12 +30,17 @@ struct CSqlAnswer {
   std::vector<rdservice::IDataPtr> records;
 };
 
+/// How counters hand out compacts; see CSqlCounterOptions.
+struct CCompactBatches {
+  std::map<int, int> maxCompacts{};
+  std::set<int> repeatingTypes{};
+};
+
 /// Works out the answers of the SQL counter. Any thread, each with its own connection.
 class CSqlRequests {
  public:
-  /// `maxCompacts`: by counter type, the most compacts in one answer. `giveUp` is asked now and then during long work;
-  /// when it says true the answer's content no longer matters.
-  CSqlRequests(CBrokerAccounts& accounts, std::map<int, int> maxCompacts, std::function<bool()> giveUp);
+  /// `giveUp` is asked now and then during long work; when it says true the answer's content no longer matters.
+  CSqlRequests(CBrokerAccounts& accounts, CCompactBatches batches, std::function<bool()> giveUp);
 
   /// Never throws. Errors of the database are logged.
   CSqlAnswer answer(const CSqlConnection& connection, const rdservice::IData& request);
@@ -52,7 +58,7 @@ class CSqlRequests {
                     const std::vector<QVariant>& values, const rdservice::CAccountInfoPtr& account) const;
 
   CBrokerAccounts& m_accounts;
-  const std::map<int, int> m_maxCompacts;
+  const CCompactBatches m_batches;
   const std::function<bool()> m_giveUp;
 };
 

@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -35,17 +36,20 @@ int main(int argc, char** argv) {
                                QStringLiteral("folder for the CSV files; created if needed"));
   const QCommandLineOption compacts(
       QStringLiteral("compacts"), QStringLiteral("unclosed compacts of the first account (5000)"), QStringLiteral("N"));
+  const QCommandLineOption closed(QStringLiteral("closed"),
+                                  QStringLiteral("closed compacts of the first account (240)"), QStringLiteral("N"));
   const QCommandLineOption seed(QStringLiteral("seed"), QStringLiteral("another seed gives other compacts (1)"),
                                 QStringLiteral("S"));
-  parser.addOptions({compacts, seed});
+  parser.addOptions({compacts, closed, seed});
   parser.process(application);
 
   counter::CBookGeneratorOptions options;
-  if (parser.isSet(compacts) &&
-      !readNumber(parser.value(compacts), counter::CBookGenerator::MAX_COMPACTS, options.compacts))
-    return refuse(QStringLiteral("--compacts takes a whole number from 0 to %1, got \"%2\"")
-                      .arg(counter::CBookGenerator::MAX_COMPACTS)
-                      .arg(parser.value(compacts)));
+  for (const auto& [option, number] : {std::pair{&compacts, &options.compacts}, std::pair{&closed, &options.closed}})
+    if (parser.isSet(*option) && !readNumber(parser.value(*option), counter::CBookGenerator::MAX_COMPACTS, *number))
+      return refuse(QStringLiteral("--%1 takes a whole number from 0 to %2, got \"%3\"")
+                        .arg(option->names().front())
+                        .arg(counter::CBookGenerator::MAX_COMPACTS)
+                        .arg(parser.value(*option)));
   if (parser.isSet(seed) && !readNumber(parser.value(seed), std::numeric_limits<std::uint32_t>::max(), options.seed))
     return refuse(QStringLiteral("--seed takes a whole number from 0 to %1, got \"%2\"")
                       .arg(std::numeric_limits<std::uint32_t>::max())

@@ -2,6 +2,7 @@
 
 #include "rdservice/CAccountInfo.h"
 #include "rdservice/CInstrumentInfo.h"
+#include "rdservice/CStkClosedCompacts.h"
 #include "rdservice/CStkUnClosedCompacts.h"
 
 #include <boost/make_shared.hpp>
@@ -14,6 +15,7 @@ namespace {
 
 using rdservice::CAccountInfo;
 using rdservice::CInstrumentInfo;
+using rdservice::CStkClosedCompacts;
 using rdservice::CStkUnClosedCompacts;
 
 template <class Record>
@@ -30,18 +32,28 @@ const std::vector<CRecordKind>& recordKinds() {
        {"account_id"},
        {"account_id", "broker_type", "counter_type"},
        nullptr,
+       false,
        false},
       {CInstrumentInfo::structDes(),
        makeRecord<CInstrumentInfo>,
        {"exchange", "code"},
        {"exchange", "code", "name"},
        nullptr,
+       false,
        false},
       {CStkUnClosedCompacts::structDes(),
        makeRecord<CStkUnClosedCompacts>,
        {"account", "open_date", "compact_no", "exchange", "code"},
        {"account", "exchange", "code", "compact_type", "compact_no", "open_date"},
        "position_string",
+       true,
+       false},
+      {CStkClosedCompacts::structDes(),
+       makeRecord<CStkClosedCompacts>,
+       {"account", "open_date", "compact_no", "exchange", "code"},
+       {"account", "exchange", "code", "compact_type", "compact_no", "open_date", "close_date"},
+       "position_string",
+       true,
        true},
   };
   return s_kinds;

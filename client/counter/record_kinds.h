@@ -17,6 +17,7 @@ struct CRecordKind {
   std::vector<const char*> required;  ///< fields that a book must give; every other one has a default
   const char* position;               ///< field with the place in a query's result, unique per account, or null
   bool ofInstrument;  ///< exchange and code must name an instrument, which also supplies an absent security name
+  bool mayLackFile;   ///< a book without the file has no records of the kind
 
   /// "accounts.csv"
   std::string fileName() const { return std::string(des.name()) + ".csv"; }

@@ -137,6 +137,8 @@ rdservice::IDataPtr CBaseHighPerformanceTable::getDataByKey(const std::string& k
   return m_d->shared->find(key);
 }
 
+int CBaseHighPerformanceTable::arrivalIndex(const std::string& key) const { return m_d->shared->slotOf(key); }
+
 std::vector<rdservice::IDataPtr> CBaseHighPerformanceTable::getAllDatas() const { return m_d->shared->all(); }
 
 void CBaseHighPerformanceTable::setScope(const CTableScope& scope) { m_d->shared->setScope(scope); }

@@ -4,10 +4,14 @@
 
 #include <algorithm>
 #include <iterator>
+#include <limits>
 
 namespace runtime {
 
 namespace {
+
+constexpr int MAX_INT = std::numeric_limits<int>::max();
+constexpr int NO_ID = -1;
 
 struct CRight {
   int level;
@@ -48,6 +52,21 @@ std::map<int, std::set<std::string>> readRights(const std::string& path, std::ve
   return rights;
 }
 
+void readCounterTypes(const utils::CConfigFile& file, CCounterSettings& settings) {
+  std::set<int> ids;
+  for (const utils::CConfigSection& section : file.getSections("counter_type")) {
+    const int id = section.getInt("id", 0, MAX_INT, NO_ID);
+    const int most = section.getInt("max_compacts", 0, MAX_INT, 0);
+    const bool repeats = section.getBool("repeats_records", false);
+    if (!section.has("id"))
+      section.addError("id", "is missing; every counter type needs its number");
+    else if (id != NO_ID && !ids.insert(id).second)
+      section.addError("id", "is used twice; every counter type needs a number of its own");
+    if (most > 0) settings.maxCompacts.emplace(id, most);
+    if (repeats) settings.repeatingTypes.insert(id);
+  }
+}
+
 CCounterSettings readCounterSettings(const std::string& path, std::vector<utils::CConfigError>& errors) {
   CCounterSettings settings;
   const utils::CConfigFile file(path, errors);
@@ -55,6 +74,7 @@ CCounterSettings readCounterSettings(const std::string& path, std::vector<utils:
   settings.failEvery = file.getInt("fail_every", 0, 1000000, settings.failEvery);
   settings.silentEvery = file.getInt("silent_every", 0, 1000000, settings.silentEvery);
   settings.requestTimeoutMs = file.getInt("request_timeout_ms", 100, 600000, settings.requestTimeoutMs);
+  readCounterTypes(file, settings);
   file.reportUnknownKeys();
   return settings;
 }

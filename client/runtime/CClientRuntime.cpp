@@ -71,6 +71,8 @@ std::unique_ptr<CClientRuntime> CClientRuntime::open(const CPaths& paths, std::v
   options.latency = std::chrono::milliseconds(config.counter.latencyMs);
   options.failEvery = config.counter.failEvery;
   options.silentEvery = config.counter.silentEvery;
+  options.maxCompacts = config.counter.maxCompacts;
+  options.repeatingTypes = config.counter.repeatingTypes;
   return std::make_unique<CClientRuntime>(config, std::make_unique<counter::CSqlCounter>(options), paths.logFile);
 }
 

@@ -35,6 +35,8 @@ class HOST_API CBaseHighPerformanceTable : public IBaseTable {
 
   /// The held record of that key; null when there is none.
   rdservice::IDataPtr getDataByKey(const std::string& key) const;
+  /// Place of the held record of that key in order of arrival, from 0; -1 when there is none.
+  int arrivalIndex(const std::string& key) const;
   /// Every held record, in order of arrival.
   std::vector<rdservice::IDataPtr> getAllDatas() const;
 

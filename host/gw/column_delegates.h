@@ -35,6 +35,9 @@ class HOST_API CBaseTableColumnWidgetDelegate : public CEventDeliverer {
   void setItemEnabled(const QString& key, bool enabled, int reserved = 0);
   void setItemChecked(const QString& key, bool checked, int reserved = 0, int reserved2 = 0);
 
+  /// Gives the key's item the state of one that was never set: visible, enabled, unchecked, without text.
+  void resetItem(const QString& key);
+
   /// Empty for a key without text.
   QString itemText(const QString& key) const;
   bool isItemVisible(const QString& key) const;

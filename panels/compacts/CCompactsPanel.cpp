@@ -82,7 +82,7 @@ void CCompactsPanel::createUi() {
   list->addFixedWidget(m_toolbar);
 
   const std::string account = m_accountCombo->currentKey().toStdString();
-  m_unclosedTable = new CCompactsTable(TableUnclosedCompacts, rdservice::RecordStkUnClosedCompacts, list);
+  m_unclosedTable = new CCompactsTable(m_mode, TableUnclosedCompacts, rdservice::RecordStkUnClosedCompacts, list);
   m_unclosedTable->setTradeType(rdservice::TraderTypeStockCredit);
   m_unclosedTable->setAccount(account, false, false);
   connect(m_unclosedTable, &CCompactsTable::sigQueryData, this, &CCompactsPanel::slotQueryData);

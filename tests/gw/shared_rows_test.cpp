@@ -127,6 +127,10 @@ class CNaiveRows {
       cells.clear();
       return;
     }
+    if (change.part == EItemPart::ResetCell) {
+      cells.erase(change.key);
+      return;
+    }
     if (change.part == EItemPart::CheckedAlone && change.on) {
       for (auto& [key, cell] : cells) cell.checked = false;
     }
@@ -200,7 +204,7 @@ class CRun {
   CItemChange item() {
     CItemChange change;
     change.column = below(COLUMNS);
-    change.part = isOneIn(40) ? EItemPart::ResetColumn : static_cast<EItemPart>(below(6));
+    change.part = isOneIn(40) ? EItemPart::ResetColumn : static_cast<EItemPart>(below(7));
     if (change.part != EItemPart::ResetColumn) change.key = key();
     change.text = isOneIn(3) ? QString() : QString::number(below(30));
     change.on = !isOneIn(3);

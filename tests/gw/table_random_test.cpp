@@ -67,6 +67,7 @@ class CTableRun {
       case GW::EItemPart::Enabled: delegate.setItemEnabled(key, item.on); break;
       case GW::EItemPart::CheckedAlone:
       case GW::EItemPart::Checked: delegate.setItemChecked(key, item.on); break;
+      case GW::EItemPart::ResetCell: delegate.resetItem(key); break;
       case GW::EItemPart::ResetColumn: delegate.reset(); break;
       case GW::EItemPart::Value: m_table.ranked().setItemValue(key, item.value); break;
     }

@@ -36,7 +36,7 @@ class CCompactsTableTest : public testing::Test {
 
   void SetUp() override {
     m_table =
-        std::make_unique<CCompactsTable>(VN::TableUnclosedCompacts, rdservice::RecordStkUnClosedCompacts, nullptr);
+        std::make_unique<CCompactsTable>(0, VN::TableUnclosedCompacts, rdservice::RecordStkUnClosedCompacts, nullptr);
     m_table->resize(1200, 300);
   }
   void TearDown() override { m_table.reset(); }

@@ -155,7 +155,7 @@ class CPlayer {
     for (const char* key : ACCOUNTS) dataOf(key)->removeMetaData(rdservice::RecordStkUnClosedCompacts);
     m_firstRequest = m_runtime.counter().held().size();
     m_table =
-        std::make_unique<CCompactsTable>(VN::TableUnclosedCompacts, rdservice::RecordStkUnClosedCompacts, nullptr);
+        std::make_unique<CCompactsTable>(0, VN::TableUnclosedCompacts, rdservice::RecordStkUnClosedCompacts, nullptr);
     m_model = CModel();
     // The table starts on no account; the model starts on account 0 having shown it before.
     m_table->setAccount(ACCOUNTS[0], false, false);

@@ -64,6 +64,8 @@ void CBaseTableColumnWidgetDelegate::setItemChecked(const QString& key, bool che
   m_d->change(isAlone ? EItemPart::CheckedAlone : EItemPart::Checked, key, checked);
 }
 
+void CBaseTableColumnWidgetDelegate::resetItem(const QString& key) { m_d->change(EItemPart::ResetCell, key, false); }
+
 QString CBaseTableColumnWidgetDelegate::itemText(const QString& key) const { return m_d->item(key).text; }
 bool CBaseTableColumnWidgetDelegate::isItemVisible(const QString& key) const { return m_d->item(key).visible; }
 bool CBaseTableColumnWidgetDelegate::isItemEnabled(const QString& key) const { return m_d->item(key).enabled; }

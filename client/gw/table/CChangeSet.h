@@ -22,6 +22,7 @@ enum class EItemPart : unsigned char {
   Checked,
   CheckedAlone,  ///< as Checked; when on, every other key of the column is unchecked
   Value,
+  ResetCell,    ///< unsets the key's cell
   ResetColumn,  ///< unsets every key of the column; without a key
 };
 

@@ -29,6 +29,7 @@ void writeCell(CItemColumn& column, int slot, const CItemChange& change) {
     case EItemPart::Checked:
     case EItemPart::CheckedAlone: column.setChecked(slot, change.on); break;
     case EItemPart::Value: column.setValue(slot, change.value); break;
+    case EItemPart::ResetCell:
     case EItemPart::ResetColumn: break;
   }
 }
@@ -186,8 +187,15 @@ void CSharedRows::changeItem(CItemChange& change) {
     resetItems(change.column);
     return;
   }
+  if (change.part == EItemPart::ResetCell && findColumn(m_rows.items, change.column) == nullptr &&
+      findColumn(m_early.items, change.column) == nullptr)
+    return;  // nobody has set a cell of the column yet
   const int slot = m_rows.keys.find(change.hash, change.key);
   if (slot >= 0 && (m_rows.marks[at(slot)] & Refused) != 0) return;
+  if (change.part == EItemPart::ResetCell) {
+    unsetCell(change, slot);
+    return;
+  }
   if (change.part == EItemPart::CheckedAlone && change.on) uncheckAll(change.column);
   if (slot >= 0) {
     writeCell(columnOf(m_rows.items, change.column), slot, change);
@@ -195,6 +203,15 @@ void CSharedRows::changeItem(CItemChange& change) {
   } else {
     writeCell(columnOf(m_early.items, change.column), m_early.keys.findOrAdd(change.hash, change.key), change);
   }
+}
+
+void CSharedRows::unsetCell(const CItemChange& change, int slot) {
+  CItemColumns& columns = slot >= 0 ? m_rows.items : m_early.items;
+  const int place = slot >= 0 ? slot : m_early.keys.find(change.hash, change.key);
+  const CItemColumn* cells = findColumn(columns, change.column);
+  if (place < 0 || cells == nullptr || !cells->isSet(place)) return;
+  columnOf(columns, change.column).copyCell(place, CItemColumn(), 0);
+  if (slot >= 0) markDirty(slot);
 }
 
 void CSharedRows::uncheckAll(int column) {
@@ -241,6 +258,12 @@ rdservice::IDataPtr CSharedRows::find(const std::string& key) const {
   CMutexLock lock(m_mutex);
   const int slot = m_rows.keys.find(hash, key);
   return slot < 0 ? nullptr : m_rows.records[at(slot)];
+}
+
+int CSharedRows::slotOf(const std::string& key) const {
+  const std::uint64_t hash = keyHash(key);
+  CMutexLock lock(m_mutex);
+  return m_rows.keys.find(hash, key);
 }
 
 std::vector<rdservice::IDataPtr> CSharedRows::all() const {

@@ -54,6 +54,8 @@ class CSharedRows {
   CTableScope scope() const;
 
   rdservice::IDataPtr find(const std::string& key) const;
+  /// -1 when no record of that key has arrived.
+  int slotOf(const std::string& key) const;
   std::vector<rdservice::IDataPtr> all() const;
 
   CItemState item(int column, const std::string& key) const;
@@ -116,6 +118,7 @@ class CSharedRows {
   void takeEarlyItems(const CChangeSet::CRecord& change, std::string_view key, int slot) TS_REQUIRES(m_mutex);
   void tidyEarlyItems(CGarbage& garbage) TS_REQUIRES(m_mutex);
   void changeItem(CItemChange& change) TS_REQUIRES(m_mutex);
+  void unsetCell(const CItemChange& change, int slot) TS_REQUIRES(m_mutex);
   void uncheckAll(int column) TS_REQUIRES(m_mutex);
   void resetItems(int column) TS_REQUIRES(m_mutex);
   void markDirty(int slot) TS_REQUIRES(m_mutex);

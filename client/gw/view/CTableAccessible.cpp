@@ -243,7 +243,7 @@ QList<QAccessibleInterface*> CTableAccessible::selectedCells() const {
   QList<QAccessibleInterface*> cells;
   const int columns = columnCount();
   for (const int row : selectedRows()) {
-    if (static_cast<std::size_t>(cells.size() + columns) > MAX_CELLS) break;
+    if (static_cast<std::size_t>(cells.size()) + static_cast<std::size_t>(columns) > MAX_CELLS) break;
     for (int column = 0; column < columns; ++column) cells.push_back(cellAt(row, column));
   }
   return cells;

@@ -20,9 +20,7 @@ CBaseTableColumnRepayPriorityTextDelegate::CBaseTableColumnRepayPriorityTextDele
 
 CBaseTableColumnRepayPriorityTextDelegate::~CBaseTableColumnRepayPriorityTextDelegate() = default;
 
-int CBaseTableColumnRepayPriorityTextDelegate::priority(const QString& key) const {
-  return priorityOf(itemValue(key));
-}
+int CBaseTableColumnRepayPriorityTextDelegate::priority(const QString& key) const { return priorityOf(itemValue(key)); }
 
 void CBaseTableColumnRepayPriorityTextDelegate::setPriority(const QString& key, int priority) {
   setItemValue(key, priority);

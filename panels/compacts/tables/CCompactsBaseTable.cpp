@@ -55,6 +55,17 @@ bool CCompactsBaseTable::storeCompactType(int compactType) {
   return true;
 }
 
+void CCompactsBaseTable::applyPriorityResults(const std::string&, const std::vector<rdservice::IDataPtr>&,
+                                              const std::map<std::string, std::string>&) {}
+
+void CCompactsBaseTable::postPriorityResults(const std::string& account,
+                                             const std::vector<rdservice::IDataPtr>& responses,
+                                             const std::map<std::string, std::string>& labels) {
+  postToStrand<CCompactsBaseTable>([account, responses, labels](CCompactsBaseTable& table) {
+    table.applyPriorityResults(account, responses, labels);
+  });
+}
+
 void CCompactsBaseTable::postTask(std::function<void()> task) { m_strand->post(std::move(task)); }
 
 void CCompactsBaseTable::runTask(const std::function<void()>& task) {

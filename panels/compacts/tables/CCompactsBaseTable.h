@@ -5,8 +5,17 @@
 #include "utils/CMutex.h"
 #include "vn/CHpfDataTable.h"
 
+#include <QList>
+#include <QString>
+
 #include <functional>
+#include <map>
 #include <string>
+#include <vector>
+
+namespace GW {
+class CBaseTableColumnLineeditDelegate;
+}
 
 namespace VN {
 
@@ -29,6 +38,10 @@ class CCompactsBaseTable : public CHpfDataTable {
   virtual void setCompactType(int compactType, int repayType) = 0;
   /// A record that the counter pushed outside any query. Any thread.
   virtual void onPushData(rdservice::IDataPtr data) = 0;
+  /// Shows the select column, if there is one, and offers it to the user, or neither.
+  virtual void setSelectColumnVisible(bool visible) = 0;
+  /// Does nothing in any table.
+  virtual void reservedHook() = 0;
   /// Shows an account. The same one again only notifies, if `notifyIfSame`.
   virtual void setAccount(const std::string& account, bool query, bool notifyIfSame) = 0;
   /// Empties rows and delegates, and the record cache too if `dropCache`.
@@ -36,8 +49,28 @@ class CCompactsBaseTable : public CHpfDataTable {
   /// Empties and queries; false, and nothing done, when `account` is neither empty nor the one shown. `fullQuery` asks
   /// a paged table for every page at once.
   virtual bool refresh(const std::string& account, bool dropCache, bool fullQuery) = 0;
+  /// Place of the compact in order of arrival, from 1; 0 when the table does not hold it.
+  virtual int compactIndex(const QString& key) = 0;
+  /// Only compacts of that source (`rdservice::EKVCompactBrushSource`) are displayed; unclosed compacts only.
+  virtual void setBrushSourceFilter(int brushSource) = 0;
   /// Empties and rebuilds the table if it shows that account. Any thread.
   virtual void clearTable(const std::string& account) = 0;
+  /// Single-select tables: nothing is selected any more.
+  virtual void clearRadioSelection() = 0;
+  /// Single-select tables: the selected record; null in the others, and when none is selected.
+  virtual rdservice::IDataPtr currentCheckedData() = 0;
+  /// Multi-select tables: the displayed records that are ticked, in order of the rows; none in the others.
+  virtual QList<rdservice::IDataPtr> checkedDatas() = 0;
+  /// The edit store of the repay priorities; null without its column.
+  virtual GW::CBaseTableColumnLineeditDelegate* priorityEditDelegate() = 0;
+  /// What the counter answered to a repay-priority request: `labels` gives the stock key by field A. Strand; does
+  /// nothing unless overridden.
+  virtual void applyPriorityResults(const std::string& account, const std::vector<rdservice::IDataPtr>& responses,
+                                    const std::map<std::string, std::string>& labels);
+
+  /// Has `applyPriorityResults` run on the strand. Any thread.
+  void postPriorityResults(const std::string& account, const std::vector<rdservice::IDataPtr>& responses,
+                           const std::map<std::string, std::string>& labels);
 
  protected:
   /// The concrete table's signals, which exist in its meta-object only. Any thread may emit.

@@ -1,19 +1,17 @@
 #pragma once
 
 #include "bson/BSONObj.h"
+#include "compacts/tables/CCompactColumns.h"
 #include "compacts/tables/CCompactsBaseTable.h"
 #include "rdservice/CStkUnClosedCompacts.h"
 #include "rdservice/rdservice_enums.h"
 #include "utils/CSubscription.h"
 #include "utils/RDError.h"
 
+#include <atomic>
 #include <map>
 #include <string>
 #include <vector>
-
-namespace GW {
-class CBaseTableColumnRepayPriorityTextDelegate;
-}
 
 namespace VN {
 
@@ -22,15 +20,28 @@ namespace VN {
 class CCompactsTable : public CCompactsBaseTable {
   Q_OBJECT
  public:
-  CCompactsTable(int tableId, int secondId, QWidget* parent);
+  /// `singleSelect`: compacts are selected one at a time, by radio buttons, instead of by check boxes.
+  CCompactsTable(int singleSelect, int tableId, int secondId, QWidget* parent);
   ~CCompactsTable() override;
 
   void setCompactType(int compactType, int repayType) override;
   void onPushData(rdservice::IDataPtr data) override;
+  void setSelectColumnVisible(bool visible) override;
+  void reservedHook() override;
   void setAccount(const std::string& account, bool serverQuery, bool notifyIfSame) override;
   void clearData(bool dropCache) override;
   bool refresh(const std::string& account, bool flag, bool fullQuery) override;
+  int compactIndex(const QString& key) override;
+  void setBrushSourceFilter(int brushSource) override;
   void clearTable(const std::string& account) override;
+  void clearRadioSelection() override;
+  rdservice::IDataPtr currentCheckedData() override;
+  QList<rdservice::IDataPtr> checkedDatas() override;
+  GW::CBaseTableColumnLineeditDelegate* priorityEditDelegate() override;
+  void applyPriorityResults(const std::string& account, const std::vector<rdservice::IDataPtr>& responses,
+                            const std::map<std::string, std::string>& labels) override;
+
+  bool handleEvent(int type, int p1, int p2, QString text, void* data) override;
 
  Q_SIGNALS:
   /// A query finished, or there was nothing to query. Emitted on any thread.
@@ -49,7 +60,8 @@ class CCompactsTable : public CCompactsBaseTable {
 
  private:
   // GUI thread
-  void buildColumns();
+  void refreshPagingButtons();
+  bool onRowDoubleClicked(const std::string& key);
   void startQuery(bool serverQuery);
 
   // service threads
@@ -73,12 +85,15 @@ class CCompactsTable : public CCompactsBaseTable {
                   const std::vector<rdservice::IDataPtr>& compacts);
   void rebuildRows(const std::string& account, bool replaced);
   void applyPushes();
-  void writeRow(const rdservice::IDataPtr& record);
+  void showPushed(const std::vector<rdservice::IDataPtr>& records);
+  enum class EItems : unsigned char { Keep, Reset };
+  /// The row and its priority text; `Reset` also its select item.
+  void writeRow(const rdservice::IDataPtr& record, EItems items);
 
+  const bool m_splitPage;
   const bool m_calcCompactType;
-  int m_priorityTextColumn = -1;
-  GW::CBaseTableColumnRepayPriorityTextDelegate* m_priorityText =
-      nullptr;  ///< owned by the table; null without the column
+  CCompactColumns m_columns;
+  std::atomic<int> m_total{0};  ///< records of every page, as the last rebuild found them
 
   /// Pushed records that wait for the strand; one strand task takes them all.
   utils::CMutex m_pushMutex;

@@ -1,12 +1,16 @@
 // The service-thread and strand side of CCompactsTable: replies, rebuilds and pushes.
 
-#include "compacts/priority/CBaseTableColumnRepayPriorityTextDelegate.h"
 #include "compacts/tables/CCompactsTable.h"
 #include "compacts/tables/compact_fields.h"
+#include "rdservice/CCreditRepayPriorityResp.h"
 #include "rdservice/CStkClosedCompacts.h"
 #include "rdservice/ConfigCollector.h"
 #include "rdservice/TraderCenter.h"
+#include "rdservice/stock_key.h"
 #include "utils/CLogCenter.h"
+
+#include <algorithm>
+#include <cstdlib>
 
 namespace VN {
 
@@ -15,6 +19,7 @@ using rdservice::IDataPtr;
 namespace {
 
 constexpr const char* FILE_NAME = "CCompactsTable.cpp";
+constexpr const char* MODIFIED_HERE = "KV";  ///< modify tag of a compact that the client itself has changed
 constexpr const char* STALE_UNCLOSED =
     "[unclosed compact] acc changed, data acc = {0}, current acc = {1}, data compact = {2}, cur compact = {3}.";
 constexpr const char* STALE_CLOSED =
@@ -43,6 +48,15 @@ rdservice::CAccountInfoPtr accountInfoOf(const rdservice::IData& record) {
       return static_cast<const rdservice::CStkClosedCompacts&>(record).accountInfo;
     default: return nullptr;
   }
+}
+
+/// The records of a page counted from 1; a page behind the last one is empty.
+std::vector<IDataPtr> pageOf(const std::vector<IDataPtr>& records, int page) {
+  constexpr std::size_t PAGE_SIZE = 500;
+  const std::size_t begin = std::min(records.size(), static_cast<std::size_t>(page - 1) * PAGE_SIZE);
+  const std::size_t end = std::min(records.size(), begin + PAGE_SIZE);
+  const auto at = [&records](std::size_t index) { return records.begin() + static_cast<std::ptrdiff_t>(index); };
+  return {at(begin), at(end)};
 }
 
 /// The table that is storing a reply's records on this thread: what the store then tells it as pushes is its own echo.
@@ -149,10 +163,14 @@ void CCompactsTable::applyReply(const CReplyText& text, const GW::CTableScope& m
     kept = store->updateDatas(kept);
   }
 
+  if (m_splitPage) {  // what the page shows follows from the whole set
+    rebuildRows(madeFor.account, false);
+    return;
+  }
   GW::CTableBatch batch(*this, madeFor);
   for (const IDataPtr& record : kept) {
     if (isClosing()) return;
-    writeRow(record);
+    writeRow(record, EItems::Keep);
   }
   GW::CTableScope present;
   if (!batch.commit(&present)) logStale(text, madeFor, present);
@@ -171,19 +189,27 @@ void CCompactsTable::rebuildRows(const std::string& account, bool replaced) {
   std::vector<IDataPtr> records;
   if (const rdservice::CAccountDataPtr store = accountDataOf(account))
     records = store->getData(recordTypeOfTable(getID()));
+  records.erase(std::remove_if(records.begin(), records.end(),
+                               [&](const IDataPtr& record) { return !isOfType(*record, madeFor.type); }),
+                records.end());
+  const std::size_t total = records.size();
+  if (m_splitPage) records = pageOf(records, getPageNum());
 
   GW::CTableBatch batch(*this, madeFor);
-  if (replaced)
+  if (replaced || m_splitPage)
     batch.dropAbsent([account](const rdservice::IData& row) {
       const rdservice::CAccountInfoPtr info = accountInfoOf(row);
       return info && info->getKey() == account;
     });
   for (const IDataPtr& record : records) {
     if (isClosing()) return;
-    if (isOfType(*record, madeFor.type)) writeRow(record);
+    writeRow(record, EItems::Reset);
   }
   GW::CTableScope present;
-  if (!batch.commit(&present)) logStale(text, madeFor, present);
+  if (batch.commit(&present))
+    m_total = static_cast<int>(total);
+  else
+    logStale(text, madeFor, present);
   emitQueryData();
 }
 
@@ -209,6 +235,10 @@ void CCompactsTable::applyPushes() {
     const utils::CMutexLock lock(m_pushMutex);
     pushes.swap(m_pushes);
   }
+  showPushed(pushes);
+}
+
+void CCompactsTable::showPushed(const std::vector<IDataPtr>& pushes) {
   const bool filtered = getID() == TableUnclosedCompacts;
   // What a query of another panel brought is for the account shown alone, as any reply; a push is not.
   const auto write = [&](bool ofReply, const GW::CTableScope& shown) {
@@ -216,7 +246,7 @@ void CCompactsTable::applyPushes() {
       if (isClosing() || record->isOfReply() != ofReply) continue;
       const rdservice::CAccountInfoPtr account = accountInfoOf(*record);
       if (ofReply && (!account || account->getKey() != shown.account)) continue;
-      if (!filtered || isOfType(*record, shown.type)) writeRow(record);
+      if (!filtered || isOfType(*record, shown.type)) writeRow(record, EItems::Reset);
     }
   };
   for (bool pushed = false; !pushed;) {  // again when the compact type changes meanwhile
@@ -231,13 +261,35 @@ void CCompactsTable::applyPushes() {
   [[maybe_unused]] const bool isShown = batch.commit();  // refused: another account is shown by now
 }
 
-void CCompactsTable::writeRow(const IDataPtr& record) {
+void CCompactsTable::applyPriorityResults(const std::string& account, const std::vector<IDataPtr>& responses,
+                                          const std::map<std::string, std::string>& labels) {
+  const rdservice::CAccountDataPtr store = accountDataOf(account);
+  if (!store) return;
+  std::vector<IDataPtr> changed;
+  for (const IDataPtr& record : responses) {
+    const auto response = boost::dynamic_pointer_cast<rdservice::CCreditRepayPriorityResp>(record);
+    const auto label = response ? labels.find(response->fieldA) : labels.end();
+    if (label == labels.end()) continue;
+    const rdservice::CStockKeyParts stock = rdservice::splitStockKey(label->second);
+    const std::string key = rdservice::CStkUnClosedCompacts::genKey(
+        store->getAccountInfo(), stock.exchangeId, stock.code, std::atoi(response->fieldB.c_str()), response->fieldA);
+    const IDataPtr held =
+        store->modifyData(rdservice::RecordStkUnClosedCompacts, key, [&response](rdservice::IData& stored) {
+          auto& compact = static_cast<rdservice::CStkUnClosedCompacts&>(stored);
+          compact.repayPriority = response->repayPriority;
+          compact.modifyTag = MODIFIED_HERE;
+        });
+    if (held) changed.push_back(held);
+  }
+  showPushed(changed);
+}
+
+void CCompactsTable::writeRow(const IDataPtr& record, EItems items) {
   updateData(record, false);
-  if (m_priorityText == nullptr || record->getBaseId() != rdservice::RecordStkUnClosedCompacts) return;
+  if (record->getBaseId() != rdservice::RecordStkUnClosedCompacts) return;
   const auto& compact = static_cast<const rdservice::CStkUnClosedCompacts&>(*record);
-  const QString key = QString::fromStdString(compact.getKey());
-  m_priorityText->setPriority(key, compact.repayPriority);
-  m_priorityText->setItemText(key, compact.repayPriority != 0 ? QString::number(compact.repayPriority) : QString());
+  if (items == EItems::Reset) m_columns.resetSelectItem(QString::fromStdString(compact.getKey()));
+  m_columns.writePriority(compact);
 }
 
 }  // namespace VN
