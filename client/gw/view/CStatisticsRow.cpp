@@ -30,12 +30,17 @@ QRect CStatisticsRow::cellRect(int columnId) const {
   return {m_header.sectionViewportPosition(columnId), 0, m_header.sectionSize(columnId), height()};
 }
 
+/// The first shown column without a sum that has room for the title, or else the first one at all.
 int CStatisticsRow::titleColumn() const {
+  const int width = fontMetrics().horizontalAdvance(QString::fromUtf8(TITLE));
+  int first = -1;
   for (int visual = 0; visual < m_header.count(); ++visual) {
     const int columnId = m_header.logicalIndex(visual);
-    if (!m_header.isSectionHidden(columnId) && !m_rows.hasSum(columnId)) return columnId;
+    if (m_header.isSectionHidden(columnId) || m_rows.hasSum(columnId)) continue;
+    if (textRect(cellRect(columnId)).width() >= width) return columnId;
+    if (first < 0) first = columnId;
   }
-  return -1;
+  return first;
 }
 
 void CStatisticsRow::refresh() {

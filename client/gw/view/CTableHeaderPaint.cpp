@@ -15,6 +15,7 @@ namespace GW {
 namespace {
 
 constexpr int SECTION_MARGIN = 6;  ///< pixels; the outer four of them resize the section
+constexpr int LEAST_MARGIN = 2;    ///< of narrow sections
 constexpr int MARK_GAP = 3;
 constexpr int TITLE_MARGIN = 4;    ///< above and below
 constexpr qreal RANK_SCALE = 0.7;  ///< of a rank's font to the title's
@@ -51,8 +52,11 @@ CTableHeader::CParts CTableHeader::parts(const QRect& section, int columnId) con
   CParts at;
   const int mark = markSize();
   const auto middle = [&section](int height) { return section.y() + (section.height() - height) / 2; };
-  int left = section.left() + SECTION_MARGIN;
-  int right = section.x() + section.width() - SECTION_MARGIN;  // the first pixel that is taken
+  // A section that is just wide enough for its title shows it whole.
+  const int textWidth = fontMetrics().horizontalAdvance(title(columnId));
+  const int margin = std::clamp((section.width() - textWidth) / 2, LEAST_MARGIN, SECTION_MARGIN);
+  int left = section.left() + margin;
+  int right = section.x() + section.width() - margin;  // the first pixel that is taken
 
   if (shown.hasCheckBox) {
     const QRect box = CControlPainter::boxRect(section, fontMetrics());
@@ -75,7 +79,7 @@ CTableHeader::CParts CTableHeader::parts(const QRect& section, int columnId) con
     at.sort = takeRight(mark, mark);
   }
   // The title is centred in the section, unless it would touch something.
-  const int width = std::min(fontMetrics().horizontalAdvance(title(columnId)), std::max(0, right - left));
+  const int width = std::min(textWidth, std::max(0, right - left));
   const int centred = section.x() + (section.width() - width) / 2;
   at.title = QRect(std::clamp(centred, left, std::max(left, right - width)), section.y(), width, section.height());
   return at;
