@@ -146,30 +146,34 @@ void CBaseHighPerformanceTable::setScope(const CTableScope& scope) { m_d->shared
 CTableScope CBaseHighPerformanceTable::scope() const { return m_d->shared->scope(); }
 
 void CBaseHighPerformanceTable::setCellValue(int columnId, const std::string& key, qint64 value) {
-  m_d->shared->change([&](CChangeSet& changes) {
-    CItemChange item;
-    item.part = EItemPart::Value;
-    item.column = columnId;
-    item.key = key;
-    item.value = value;
-    changes.add(std::move(item));
-  });
+  CItemChange item;
+  item.part = EItemPart::Value;
+  item.value = value;
+  m_d->changeCell(columnId, key, std::move(item));
 }
 
 void CBaseHighPerformanceTable::setCellText(int columnId, const std::string& key, const QString& text) {
-  m_d->shared->change([&](CChangeSet& changes) {
-    CItemChange item;
-    item.part = EItemPart::Text;
-    item.column = columnId;
-    item.key = key;
-    item.text = text;
-    changes.add(std::move(item));
-  });
+  CItemChange item;
+  item.part = EItemPart::Text;
+  item.text = text;
+  m_d->changeCell(columnId, key, std::move(item));
+}
+
+void CBaseHighPerformanceTable::Private::changeCell(int columnId, const std::string& key, CItemChange item) const {
+  item.column = columnId;
+  item.key = key;
+  shared->change([&](CChangeSet& changes) { changes.add(std::move(item)); });
 }
 
 void CBaseHighPerformanceTable::clear() {
   utils::assertGui();
   m_d->shared->clear();
+  m_d->rows.clear();
+}
+
+void CBaseHighPerformanceTable::clearRows() {
+  utils::assertGui();
+  m_d->shared->clearKeepingCells();
   m_d->rows.clear();
 }
 

@@ -24,7 +24,8 @@ struct CBaseHighPerformanceTable::Private : IRowsObserver {
   void rowsChanged(const CRowsChange& change) override;
 
   int addColumn(CTableColumn column);
-  CTableColumn* column(int columnId) { return rows.column(columnId); }
+  /// Any thread.
+  void changeCell(int columnId, const std::string& key, CItemChange item) const;
   /// -1 when the column does not exist.
   int positionOf(int columnId) const;
   void onSortRequested(int columnId, bool extend);

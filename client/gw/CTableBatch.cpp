@@ -37,9 +37,11 @@ void CTableBatch::clearFirst() {
   m_d->gatherer.changes.clearFirst = true;
 }
 
-void CTableBatch::dropAbsent(std::function<bool(const rdservice::IData&)> belongs) {
+void CTableBatch::dropAbsent(std::function<bool(const rdservice::IData&)> belongs,
+                             std::function<bool(const rdservice::IData&)> keepsCells) {
   assert(!m_d->gatherer.changes.belongs && "one set is replaced at a time");
   m_d->gatherer.changes.belongs = std::move(belongs);
+  m_d->gatherer.changes.keepsCells = std::move(keepsCells);
 }
 
 bool CTableBatch::commit(CTableScope* present) {

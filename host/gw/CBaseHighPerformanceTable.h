@@ -48,6 +48,8 @@ class HOST_API CBaseHighPerformanceTable : public IBaseTable {
 
   /// Empties rows and delegates at once; the old records are freed elsewhere.
   void clear();
+  /// Empties the rows at once; what the delegates keep for their keys is there when the records come again.
+  void clearRows();
 
   /// Shows what was handed over since the last call, working at most 8 ms and going on in the next turn of the event
   /// loop. Up to about 25,000 changed rows it is complete on return.

@@ -52,8 +52,10 @@ class HOST_API CTableBatch {
   void clearFirst();
 
   /// The commit drops the rows that `belongs` accepts and that are not among the gathered ones: together they replace
-  /// one set by another. `belongs` runs under the table's mutex.
-  void dropAbsent(std::function<bool(const rdservice::IData&)> belongs);
+  /// one set by another. What the delegates keep for a dropped row goes too, unless `keepsCells` (when given) accepts
+  /// it: then it is there when the record comes again. Both run under the table's mutex.
+  void dropAbsent(std::function<bool(const rdservice::IData&)> belongs,
+                  std::function<bool(const rdservice::IData&)> keepsCells = nullptr);
 
   /// Hands everything over; false, and nothing done, when the table shows something else by now. Then `present` (when
   /// given) tells what. Once per batch.

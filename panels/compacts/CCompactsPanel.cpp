@@ -29,7 +29,7 @@ struct CViewButton {
   const char* text;
 };
 
-constexpr CViewButton VIEW_BUTTONS[] = {{ViewUnclosed, "未了结合约"}};
+constexpr CViewButton VIEW_BUTTONS[] = {{ViewUnclosed, "未了结合约"}, {ViewClosed, "已了结合约"}};
 
 QString typeKeyText() { return QStringLiteral("cpt"); }
 QString refreshText() { return QStringLiteral("刷新"); }
@@ -56,6 +56,7 @@ CCompactsPanel::CCompactsPanel(int panelId, QWidget* parent, int mode)
 CCompactsPanel::~CCompactsPanel() {
   QObject::disconnect(this, nullptr, nullptr, nullptr);
   m_unclosedSubscriptions.clear();
+  m_closedSubscriptions.clear();
 }
 
 void CCompactsPanel::createUi() {
@@ -82,22 +83,32 @@ void CCompactsPanel::createUi() {
   list->addFixedWidget(m_toolbar);
 
   const std::string account = m_accountCombo->currentKey().toStdString();
-  m_unclosedTable = new CCompactsTable(m_mode, TableUnclosedCompacts, rdservice::RecordStkUnClosedCompacts, list);
+  m_unclosedTable = createTable(TableUnclosedCompacts, list);
   m_unclosedTable->setTradeType(rdservice::TraderTypeStockCredit);
   m_unclosedTable->setAccount(account, false, false);
-  connect(m_unclosedTable, &CCompactsTable::sigQueryData, this, &CCompactsPanel::slotQueryData);
   list->addStretchWidget(m_unclosedTable);
+  m_closedTable = createTable(TableClosedCompacts, list);
+  m_closedTable->setAccount(account, false, false);
+  m_closedTable->hide();
+  list->addStretchWidget(m_closedTable);
 
   setInnerWidget(list);
   m_radioGroup->setChecked(ViewUnclosed);
   handleButtonClicked(ViewUnclosed);
 }
 
+CCompactsTable* CCompactsPanel::createTable(int tableId, QWidget* parent) {
+  auto* table = new CCompactsTable(m_mode, tableId, recordTypeOfTable(tableId), parent);
+  connect(table, &CCompactsTable::sigQueryData, this, &CCompactsPanel::slotQueryData);
+  return table;
+}
+
 QString CCompactsPanel::param() const {
   utils::assertGui();
   QStringList fields;
   if (m_unclosedTable != nullptr) fields << m_unclosedTable->saveConfigStr();
-  fields << QString() << QString();
+  if (m_closedTable != nullptr) fields << m_closedTable->saveConfigStr();
+  fields << QString();
   if (m_radioGroup != nullptr) fields << QString::number(m_radioGroup->checkedId());
   return fields.join(PARAM_SEPARATOR);
 }
@@ -107,6 +118,8 @@ void CCompactsPanel::setParam(const QString& param) {
   const QStringList fields = param.split(PARAM_SEPARATOR);
   if (m_unclosedTable != nullptr && fields.size() > ParamUnclosedTable)
     m_unclosedTable->loadConfigStr(fields.at(ParamUnclosedTable));
+  if (m_closedTable != nullptr && fields.size() > ParamClosedTable)
+    m_closedTable->loadConfigStr(fields.at(ParamClosedTable));
   if (m_radioGroup != nullptr && fields.size() > ParamView) {
     bool isNumber = false;
     const int view = fields.at(ParamView).toInt(&isNumber, 10);
@@ -120,6 +133,7 @@ void CCompactsPanel::setParam(const QString& param) {
 void CCompactsPanel::clear() {
   utils::assertGui();
   if (m_unclosedTable != nullptr) m_unclosedTable->clearData(true);
+  if (m_closedTable != nullptr) m_closedTable->clearData(true);
   constexpr utils::CLogSite SITE{"CCompactsPanel.cpp", "virtual void VN::CCompactsPanel::clear()"};
   utils::logInfo(SITE, "[CCompactsPanel] clear");
   m_requestedAccounts.clear();

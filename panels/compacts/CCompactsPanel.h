@@ -58,6 +58,8 @@ class PANELS_API CCompactsPanel : public ITradeDockableWidget {
  private:
   // frame
   void createUi();
+  /// A table of unclosed (id 0) or closed (id 1) compacts.
+  CCompactsTable* createTable(int tableId, QWidget* parent);
 
   // accounts
   void requestAccount(const std::string& accountKey);
@@ -66,6 +68,7 @@ class PANELS_API CCompactsPanel : public ITradeDockableWidget {
   void followCurrentAccount(const QString& remembered);
   /// Any thread: called by the data centre.
   void onStkUnClosedCompacts(const rdservice::IDataPtr& data);
+  void onStkClosedCompacts(const rdservice::IDataPtr& data);
 
   // query cycle
   bool startQuery(bool byRefreshButton);
@@ -80,8 +83,10 @@ class PANELS_API CCompactsPanel : public ITradeDockableWidget {
   GW::CRadioButtonGroup* m_radioGroup = nullptr;
   CCountDownButton* m_refreshButton = nullptr;
   CCompactsTable* m_unclosedTable = nullptr;
-  /// By account key; dropping a handle ends its calls of onStkUnClosedCompacts.
+  CCompactsTable* m_closedTable = nullptr;
+  /// By account key; dropping a handle ends its calls of onStkUnClosedCompacts, onStkClosedCompacts.
   QMap<QString, utils::CSubscriptionPtr> m_unclosedSubscriptions;
+  QMap<QString, utils::CSubscriptionPtr> m_closedSubscriptions;
   QTimer* m_refreshTimer = nullptr;
   /// False while createUi runs: controls report nothing to a panel that is half built.
   bool m_uiReady = false;

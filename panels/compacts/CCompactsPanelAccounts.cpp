@@ -94,22 +94,31 @@ void CCompactsPanel::doRequestAccount(const std::string& accountKey) {
   const rdservice::CAccountDataPtr account =
       rdservice::TraderCenter::instance()->getDataCenter()->getAccountData(accountKey);
   if (!account) return;
-  utils::CSubscriptionPtr handle = account->subscribe(rdservice::RecordStkUnClosedCompacts, std::string(),
-                                                      [this](const std::vector<rdservice::IDataPtr>& changed) {
-                                                        for (const rdservice::IDataPtr& data : changed)
-                                                          onStkUnClosedCompacts(data);
-                                                      });
-  if (handle) m_unclosedSubscriptions[QString::fromStdString(accountKey)] = std::move(handle);
+  const auto subscribe = [&](int dataType, void (CCompactsPanel::*receive)(const rdservice::IDataPtr&),
+                             QMap<QString, utils::CSubscriptionPtr>& subscriptions) {
+    utils::CSubscriptionPtr handle =
+        account->subscribe(dataType, std::string(), [this, receive](const std::vector<rdservice::IDataPtr>& changed) {
+          for (const rdservice::IDataPtr& data : changed) (this->*receive)(data);
+        });
+    if (handle) subscriptions[QString::fromStdString(accountKey)] = std::move(handle);
+  };
+  subscribe(rdservice::RecordStkUnClosedCompacts, &CCompactsPanel::onStkUnClosedCompacts, m_unclosedSubscriptions);
+  subscribe(rdservice::RecordStkClosedCompacts, &CCompactsPanel::onStkClosedCompacts, m_closedSubscriptions);
 }
 
 void CCompactsPanel::onStkUnClosedCompacts(const rdservice::IDataPtr& data) {
   if (m_unclosedTable != nullptr) m_unclosedTable->onPushData(data);
 }
 
+void CCompactsPanel::onStkClosedCompacts(const rdservice::IDataPtr& data) {
+  if (m_closedTable != nullptr) m_closedTable->onPushData(data);
+}
+
 void CCompactsPanel::setAccount(const std::string& accountKey, bool query, bool userChosen) {
   utils::assertGui();
   const bool allowed = query && startQuery(false);
   if (m_unclosedTable != nullptr) m_unclosedTable->setAccount(accountKey, allowed, userChosen);
+  if (m_closedTable != nullptr) m_closedTable->setAccount(accountKey, allowed, userChosen);
 }
 
 void CCompactsPanel::slotLoginStatus(const rdservice::CAccountInfoPtr& account, rdservice::EBROKER_LOGIN_STATUS,

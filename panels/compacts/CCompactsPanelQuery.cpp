@@ -32,7 +32,7 @@ bool CCompactsPanel::startQuery(bool byRefreshButton) {
 }
 
 void CCompactsPanel::handleButtonClicked(int id) {
-  if (id == ViewUnclosed) {
+  if (id == ViewUnclosed || id == ViewClosed) {
     switchView(id);
   } else if (id == IdRefreshButton) {
     const bool query = startQuery(true);
@@ -50,18 +50,24 @@ void CCompactsPanel::handleButtonClicked(int id) {
 
 void CCompactsPanel::switchView(int id) {
   if (m_toolbar != nullptr) m_toolbar->updateItemLength();
-  if (m_unclosedTable == nullptr) return;
-  m_unclosedTable->setVisible(id == ViewUnclosed);
-  if (id == ViewUnclosed) m_unclosedTable->refresh(std::string(), true, false);
+  const auto show = [](CCompactsTable* table, bool isShown) {
+    if (table == nullptr) return;
+    table->setVisible(isShown);
+    if (isShown) table->refresh(std::string(), true, false);
+  };
+  show(m_unclosedTable, id == ViewUnclosed);
+  show(m_closedTable, id == ViewClosed);
 }
 
 void CCompactsPanel::refreshTablesData(const std::string& accountKey) {
   if (m_unclosedTable != nullptr && m_unclosedTable->isVisible()) m_unclosedTable->refresh(accountKey, true, true);
+  if (m_closedTable != nullptr && m_closedTable->isVisible()) m_closedTable->refresh(accountKey, true, true);
 }
 
 void CCompactsPanel::slotTimeout() {
   utils::assertGui();
   if (m_unclosedTable != nullptr && m_unclosedTable->isVisible()) m_unclosedTable->updateTable();
+  if (m_closedTable != nullptr && m_closedTable->isVisible()) m_closedTable->updateTable();
 }
 
 void CCompactsPanel::slotQueryData() {

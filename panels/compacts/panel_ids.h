@@ -9,9 +9,9 @@ enum ECompactsPanelId : int {
 };
 
 /// Views of the compacts panel: ids of the radio buttons, also kept in the parameter string.
-enum ECompactsView : int { ViewUnclosed = 0 };
+enum ECompactsView : int { ViewUnclosed = 0, ViewClosed = 1 };
 
 /// Where the parameter string keeps what.
-enum ECompactsParamField : int { ParamUnclosedTable = 0, ParamView = 3 };
+enum ECompactsParamField : int { ParamUnclosedTable = 0, ParamClosedTable = 1, ParamView = 3 };
 
 }  // namespace VN

@@ -42,6 +42,7 @@ struct CPlan {
   ERowRule rule = ERowRule::Ordinary;
   bool clearFirst = false;
   char dropGroup = 0;
+  bool keepsCells = false;  ///< of dropped records with an even version
   std::vector<CTestRecordPtr> records;
   std::vector<CItemChange> items;  ///< with the number of records before each
 
@@ -52,6 +53,7 @@ struct CPlan {
       set.belongs = [g = dropGroup](const rdservice::IData& r) {
         return static_cast<const CTestRecord&>(r).group == g;
       };
+    if (keepsCells) set.keepsCells = [](const rdservice::IData& r) { return r.version() % 2 == 0; };
     std::size_t item = 0;
     for (std::size_t i = 0; i <= records.size(); ++i) {
       while (item < items.size() && items[item].records == i) set.add(items[item++]);
@@ -102,7 +104,7 @@ class CNaiveRows {
     };
     for (const auto& row : rows) {
       for (auto& [column, cells] : items) {
-        if (isGone(row)) cells.erase(row->id);
+        if (isGone(row) && !(plan.keepsCells && row->version() % 2 == 0)) cells.erase(row->id);
       }
     }
     rows.erase(std::remove_if(rows.begin(), rows.end(), isGone), rows.end());
@@ -191,6 +193,12 @@ class CRun {
       m_mirror = CMirror();
       m_naive = CNaiveRows();
     }
+    if (isOneIn(20)) {
+      m_rows.clearKeepingCells();
+      ASSERT_TRUE(m_rows.isDrained());
+      m_mirror = CMirror();
+      m_naive.rows.clear();
+    }
     if (isOneIn(3)) drainAll();
     if (!isOneIn(3)) drainSome();
     compareHeld();
@@ -219,6 +227,7 @@ class CRun {
     const bool isBulk = isOneIn(isEmpty ? 3 : 40);  // mostly without a key that comes twice
     plan.clearFirst = isOneIn(isBulk ? 2 : 25);
     if (isOneIn(6)) plan.dropGroup = static_cast<char>('0' + below(3));
+    plan.keepsCells = isOneIn(2);
     const int records = isBulk ? 300 : isEmpty && isOneIn(2) ? 0 : isOneIn(4) ? below(40) : below(5);
     for (int i = 0; i <= records; ++i) {
       for (int items = isOneIn(isBulk ? 100 : isEmpty ? 1 : 3) ? below(4) : 0; items > 0; --items) {
@@ -406,54 +415,6 @@ constexpr std::uint64_t ROUNDS = 60;
 constexpr std::uint64_t PER_ROUND = 20;
 
 /// Two writers answer for the query last announced, while a switcher goes on to the next one.
-struct CThreads {
-  CSharedRows rows{nullptr};
-  std::atomic<std::uint64_t> announced{0};
-  std::atomic<std::uint64_t> commits{0};
-  std::atomic<std::uint64_t> versions{0};
-  std::atomic<int> running{3};
-
-  void write(unsigned seed, std::map<std::string, rdservice::IDataPtr>& last) {
-    std::mt19937 random(seed);
-    for (std::uint64_t query = announced; query <= ROUNDS; query = announced) {
-      std::map<std::string, rdservice::IDataPtr> mine;
-      CChangeSet changes;
-      for (auto i = 1 + random() % 8; i > 0; --i) {
-        const auto record = makeRecord(std::to_string(seed) + "k" + std::to_string(random() % 30), ++versions);
-        record->volume = static_cast<std::int64_t>(query);
-        mine[record->id] = record;
-        changes.add(record);
-        CItemChange item;
-        item.part = EItemPart::Value;
-        item.column = 0;
-        item.key = record->id;
-        item.value = static_cast<qint64>(record->version());
-        changes.add(std::move(item));
-      }
-      const auto isMine = [query](const GW::CTableScope& scope) { return scope.query == query; };
-      if (rows.commit(changes, isMine, ERowRule::Push, nullptr) && query == ROUNDS)
-        for (const auto& [key, record] : mine) last[key] = record;
-      ++commits;
-    }
-    --running;
-  }
-
-  void switchOn() {
-    for (std::uint64_t query = 1; query <= ROUNDS; ++query) {
-      rows.setScope({"3.1001", '0', query});
-      CChangeSet changes;
-      if (query % 2 == 0)
-        changes.clearFirst = true;
-      else
-        changes.belongs = [](const rdservice::IData&) { return true; };
-      EXPECT_TRUE(rows.commit(changes, nullptr, ERowRule::Ordinary, nullptr));
-      announced = query;
-      for (const std::uint64_t enough = commits + PER_ROUND; commits < enough;) std::this_thread::yield();
-    }
-    announced = ROUNDS + 1;
-    --running;
-  }
-};
 
 }  // namespace
 
@@ -476,32 +437,4 @@ TEST(SharedRows, keepEveryRowOfWritersThatMeetInAnEmptyTable) {
     ASSERT_NE(rows.find("a0"), nullptr);
     ASSERT_NE(rows.find("b0"), nullptr);
   }
-}
-
-TEST(SharedRows, showOneQueryAtATimeWithItsCells) {
-  CThreads run;
-  std::map<std::string, rdservice::IDataPtr> last;
-  std::map<std::string, rdservice::IDataPtr> lastOfOther;
-  std::thread threads[] = {std::thread([&] { run.write(1, last); }), std::thread([&] { run.write(2, lastOfOther); }),
-                           std::thread([&run] { run.switchOn(); })};
-  CMirror mirror;
-  const auto look = [&run, &mirror](std::size_t limit) {
-    CRowsDrain drain;
-    const bool isMore = run.rows.drain(limit, drain);
-    mirror.apply(std::move(drain));
-    std::set<std::int64_t> queries;
-    for (auto& row : mirror.rows) {
-      queries.insert(testRecord(row.record).volume);
-      ASSERT_EQ(row.items[0].value, static_cast<qint64>(row.record->version()));
-    }
-    ASSERT_LE(queries.size(), 1U);
-    ASSERT_EQ(limit == SIZE_MAX && isMore, false);
-  };
-  while (run.running > 0 && !HasFatalFailure()) look(10);
-  for (std::thread& thread : threads) thread.join();
-  look(SIZE_MAX);
-  last.insert(lastOfOther.begin(), lastOfOther.end());
-  EXPECT_FALSE(last.empty());
-  ASSERT_EQ(mirror.rows.size(), last.size());
-  for (const auto& row : mirror.rows) EXPECT_EQ(row.record, last[row.record->getKey()]);
 }

@@ -230,7 +230,10 @@ struct CWriterRun {
     for (std::uint64_t query = 1; query <= ROUNDS; ++query) {
       table.setScope(scopeOf(query));
       GW::CTableBatch batch(table, scopeOf(query));
-      batch.clearFirst();
+      if (query % 2 == 0)
+        batch.clearFirst();
+      else
+        batch.dropAbsent([](const rdservice::IData&) { return true; });
       EXPECT_TRUE(batch.commit());
       announced = query;
       const std::uint64_t enough = commits + PER_ROUND;

@@ -20,6 +20,20 @@ rdservice::CStkUnClosedCompactsPtr compact(const rdservice::CAccountInfoPtr& acc
   return record;
 }
 
+rdservice::CStkClosedCompactsPtr closedCompact(const rdservice::CAccountInfoPtr& account, const std::string& number,
+                                               double repaid, char type) {
+  const auto record = boost::make_shared<rdservice::CStkClosedCompacts>();
+  record->accountInfo = account;
+  record->exchangeId = "SH";
+  record->code = "600000";
+  record->name = "浦发银行";
+  record->compactType = type;
+  record->fieldA = number;
+  record->fieldB = 2460000;
+  record->repaidAmount = repaid;
+  return record;
+}
+
 std::vector<std::string> visible(const GW::CBaseHighPerformanceTable& table, const std::vector<std::string>& titles) {
   std::vector<int> columns;
   for (const std::string& title : titles)

@@ -4,6 +4,7 @@
 #include "compacts/tables/compact_fields.h"
 #include "gw/column_delegates.h"
 #include "gw/widget_events.h"
+#include "kit/CExpectedBoxes.h"
 #include "kit/CTestRuntime.h"
 #include "kit/records.h"
 #include "luawrapper/LuaModuleCtrl.h"
@@ -169,6 +170,25 @@ TEST(CompactsColumns, sourceFilterAndDoubleClick) {
   }
 }
 
+// The rule looks at the account's counter, not at the user's.
+TEST(CompactsColumns, renewalDaysAreForCountersThatKnowThem) {
+  CTestRuntime runtime;
+  const auto table = makeTable(false);
+  const auto second = rdservice::TraderCenter::instance()->getDataCenter()->getAccountData("3.1002");
+  show(runtime, *table, {compact(1)});
+  table->onPushData(kit::compact(second->getAccountInfo(), "D1"));
+  runtime.settle();
+  table->updateTable();
+  const int column = columnOf(*table, "展期天数");
+  const auto* const days = table->columnDelegate(column);
+  kit::CExpectedBoxes boxes;
+  boxes.expect(QStringLiteral("警告"), QStringLiteral("非金正柜台不可设置展期天数!"), QMessageBox::Ok);
+  for (const int row : {0, 1}) {
+    EXPECT_TRUE(table->handleEvent(GW::EventSpinBegin, column, 0, keyOf(*table, row), nullptr));
+    EXPECT_EQ(days->isItemEnabled(keyOf(*table, row)), row == 1);
+  }
+}
+
 TEST(CompactsPages, showFiveHundredRowsEach) {
   runtime::CClientConfig config = kit::testConfig();
   config.broker.useSplitPageOfStkCompact = true;
@@ -205,8 +225,18 @@ TEST(CompactsPages, showFiveHundredRowsEach) {
          {GW::PagingNext, 3, 0, "", true, false, false},
          {GW::PagingPrevious, 2, 500, "C501", true, true, true},
          {GW::PagingFirst, 1, 500, "C1", false, true, true}});
+
+  // What was typed stands there again, also when other compacts have gone meanwhile and the rows have moved.
+  auto* const edits = table->priorityEditDelegate();
+  const QString typed = keyOf(*table, 0);
+  edits->setItemText(typed, QStringLiteral("7"));
+  check({{GW::PagingNext, 2, 500, "C501", true, true, true}, {GW::PagingPrevious, 1, 500, "C1", false, true, true}});
+  EXPECT_EQ(edits->itemText(typed), QStringLiteral("7"));
+  EXPECT_EQ(table->cellText(0, columnOf(*table, "偿还优先级设置")), QStringLiteral("7"));
+
   table->refresh("", true, true);
   runtime.settle();
+  EXPECT_TRUE(edits->isEmpty());
   data()->removeMetaData(UNCLOSED);
   runtime.counter().reply(runtime.counter().held().size() - 1, compacts(500));
   check({{0, 1, 500, "C1", false, true, true}});

@@ -61,7 +61,8 @@ class CChangeSet {
 
   std::vector<CRecord> records;
   std::vector<CItemChange> items;
-  std::function<bool(const rdservice::IData&)> belongs;  ///< with it, such rows go unless they are gathered
+  std::function<bool(const rdservice::IData&)> belongs;     ///< with it, such rows go unless they are gathered
+  std::function<bool(const rdservice::IData&)> keepsCells;  ///< null: no cells of rows that go are kept
   bool clearFirst = false;
   bool refresh = false;  ///< wake the GUI thread after the commit
 

@@ -52,7 +52,7 @@ class CKeyIndex {
   template <class F>
   void rebuild(std::size_t keys, F newSlotOf);
 
-  std::vector<CPlace> m_places;         ///< open addressing, linear probing; a power of two, at most 3/4 taken
+  std::vector<CPlace> m_places;         ///< open addressing, linear probing; a power of two, at most 13/16 taken
   std::vector<char> m_keys;             ///< one after another, by slot
   std::vector<std::uint32_t> m_begins;  ///< by slot, and the end of the last key
 };

@@ -74,6 +74,8 @@ class CSharedRows {
 
   /// Empties everything; the GUI side empties itself. GUI thread.
   void clear();
+  /// The same, but set cells wait for their records to come again.
+  void clearKeepingCells();
   /// Empties everything and refuses all that comes.
   void close();
   /// Bytes held for the rows beyond the records themselves.
@@ -124,6 +126,8 @@ class CSharedRows {
   void markDirty(int slot) TS_REQUIRES(m_mutex);
 
   void clearRows(CGarbage& garbage) TS_REQUIRES(m_mutex);
+  /// The row's set cells are early ones from now on.
+  void keepCells(int slot) TS_REQUIRES(m_mutex);
   void dropAbsent(const CChangeSet& changes, CGarbage& garbage) TS_REQUIRES(m_mutex);
   void renumber(const std::vector<int>& newSlots, int kept, CGarbage& garbage) TS_REQUIRES(m_mutex);
   void renumberDrained(const std::vector<int>& newSlots) TS_REQUIRES(m_mutex);

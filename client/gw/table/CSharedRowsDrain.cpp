@@ -81,6 +81,28 @@ void CSharedRows::clear() {
   releaseRecords(std::move(garbage), count);
 }
 
+void CSharedRows::clearKeepingCells() {
+  CGarbage garbage;
+  {
+    CMutexLock lock(m_mutex);
+    for (int slot = 0; slot < slotCount(); ++slot) keepCells(slot);
+    CEarlyItems kept = std::exchange(m_early, CEarlyItems());
+    clearRows(garbage);
+    m_early = std::move(kept);
+    m_cleared = false;
+  }
+  const std::size_t count = garbage.size();
+  releaseRecords(std::move(garbage), count);
+}
+
+void CSharedRows::keepCells(int slot) {
+  for (const auto& [id, column] : m_rows.items) {
+    if (!column.isSet(slot)) continue;
+    const std::string_view key = m_rows.keys.key(slot);
+    columnOf(m_early.items, id).copyCell(m_early.keys.findOrAdd(keyHash(key), key), column, slot);
+  }
+}
+
 void CSharedRows::close() {
   {
     CMutexLock lock(m_mutex);
@@ -109,13 +131,17 @@ void CSharedRows::dropAbsent(const CChangeSet& changes, CGarbage& garbage) {
     const int slot = m_rows.keys.find(change.hash, changes.key(change));
     if (slot >= 0) isGathered[at(slot)] = 1;
   }
-  // `belongs` is foreign code: it is through with every row before anything changes.
+  // The functions are foreign code: `belongs` is through with every row before anything changes.
   std::vector<int> newSlots(at(slotCount()), -1);
   int kept = 0;
   for (std::size_t slot = 0; slot < newSlots.size(); ++slot) {
     if (isGathered[slot] != 0 || !changes.belongs(*m_rows.records[slot])) newSlots[slot] = kept++;
   }
-  if (kept < slotCount()) renumber(newSlots, kept, garbage);
+  if (kept == slotCount()) return;
+  for (std::size_t slot = 0; changes.keepsCells && slot < newSlots.size(); ++slot) {
+    if (newSlots[slot] < 0 && changes.keepsCells(*m_rows.records[slot])) keepCells(static_cast<int>(slot));
+  }
+  renumber(newSlots, kept, garbage);
 }
 
 void CSharedRows::renumber(const std::vector<int>& newSlots, int kept, CGarbage& garbage) {

@@ -3,6 +3,10 @@
 #include "compacts/priority/CBaseTableColumnRepayPriorityTextDelegate.h"
 #include "compacts/priority/priority_rights.h"
 #include "compacts/tables/compact_fields.h"
+#include "compacts/tables/compact_records.h"
+#include "gw/CMessageBox.h"
+#include "gw/column_delegates.h"
+#include "gw/widget_events.h"
 #include "luawrapper/LuaModuleCtrl.h"
 #include "vn/CHpfDataTable.h"
 
@@ -15,6 +19,9 @@ namespace {
 constexpr int CENTRED = 132;
 constexpr int SELECT_WIDTH = 40;
 constexpr int MAX_RENEWAL_DAYS = 182;
+
+constexpr const char* WARNING_TITLE = "警告";
+constexpr const char* NO_RENEWAL_DAYS = "非金正柜台不可设置展期天数!";
 
 /// Kinds of columns, see CHpfDataColumnProperty.
 enum EColumnKind : int { KindControl = 0, KindNumberEditor = 2, KindText = 10 };
@@ -61,6 +68,7 @@ void hidePriorityField(CHpfDataTable& table) {
 }  // namespace
 
 void CCompactColumns::build(CHpfDataTable& table, bool singleSelect) {
+  m_table = &table;
   if (table.getID() != TableUnclosedCompacts) return;
   if (singleSelect) {
     if (isSpecialCounter() && !isEnabled(LuaModuleCtrl::Auth, "mdl_auth_credit_compact_order_disable_select"))
@@ -96,6 +104,56 @@ void CCompactColumns::addRenewal(CHpfDataTable& table) {
 void CCompactColumns::addPriority(CHpfDataTable& table) {
   priorityLabel = addColumn<GW::CBaseTableColumnRepayPriorityTextDelegate>(table, PRIORITY_TEXT, priorityText);
   priorityEditor = addColumn<GW::CBaseTableColumnLineeditDelegate>(table, PRIORITY_EDIT, priorityEdit);
+}
+
+void CCompactColumns::setSelectVisible(bool visible) const {
+  if (select < 0) return;
+  m_table->setColumnVisible(select, visible);
+  m_table->setColumnChoosable(select, visible);
+}
+
+void CCompactColumns::clearRadioSelection() const {
+  const QString key = radio != nullptr ? radio->checkedKey() : QString();
+  if (key.isEmpty()) return;
+  resetSelectItem(key);
+  m_table->updateTable();
+}
+
+rdservice::IDataPtr CCompactColumns::checkedRadio() const {
+  const QString key = radio != nullptr ? radio->checkedKey() : QString();
+  return key.isEmpty() ? nullptr : m_table->getDataByKey(key.toStdString());
+}
+
+QList<rdservice::IDataPtr> CCompactColumns::checkedRows() const {
+  QList<rdservice::IDataPtr> checked;
+  if (check == nullptr) return checked;
+  const int rows = m_table->rowCount();
+  checked.reserve(rows);
+  for (int row = 0; row < rows; ++row) {
+    const rdservice::IDataPtr record = m_table->getData(row);
+    if (check->isItemChecked(QString::fromStdString(record->getKey()))) checked.push_back(record);
+  }
+  return checked;
+}
+
+bool CCompactColumns::handleEvent(int type, const QString& key) const {
+  switch (type) {
+    case GW::EventSpinBegin: beginRenewalDays(key); return true;
+    case GW::EventButtonClicked:
+    case GW::EventItemClicked:
+    case GW::EventCheckChanged:
+    case GW::EventSpinChanged:
+    case GW::EventLineEditBegin: return true;
+    default: return false;
+  }
+}
+
+void CCompactColumns::beginRenewalDays(const QString& key) const {
+  const rdservice::IDataPtr record = m_table->getDataByKey(key.toStdString());
+  if (days == nullptr || !record || isRenewalCounter(counterTypeOf(*record))) return;
+  days->setItemEnabled(key, false);
+  m_table->updateTable();
+  GW::CMessageBox::warning(m_table, QString::fromUtf8(WARNING_TITLE), QString::fromUtf8(NO_RENEWAL_DAYS));
 }
 
 void CCompactColumns::resetSelectItem(const QString& key) const {

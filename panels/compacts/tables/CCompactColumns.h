@@ -2,6 +2,7 @@
 
 #include "rdservice/CStkUnClosedCompacts.h"
 
+#include <QList>
 #include <QString>
 
 namespace GW {
@@ -24,6 +25,18 @@ class CCompactColumns {
   /// Adds the columns; nothing for a table of closed compacts. GUI thread, once.
   void build(CHpfDataTable& table, bool singleSelect);
 
+  /// Shows the select column and offers it to the user, or neither.
+  void setSelectVisible(bool visible) const;
+  /// Single-select tables: nothing is selected any more.
+  void clearRadioSelection() const;
+  /// Single-select tables: the selected record; else null.
+  rdservice::IDataPtr checkedRadio() const;
+  /// Multi-select tables: the displayed records that are ticked, in order of the rows.
+  QList<rdservice::IDataPtr> checkedRows() const;
+  /// What a table's paging bar and cells report stays in it: further out, small ids mean views of the panel. True for
+  /// these events. The beginning of an edit of the renewal days is refused where the counter knows no such days.
+  bool handleEvent(int type, const QString& key) const;
+
   /// The compact's item is visible, enabled and not selected. Any thread.
   void resetSelectItem(const QString& key) const;
   /// What the compact's priority column shows. Any thread.
@@ -40,9 +53,12 @@ class CCompactColumns {
   GW::CBaseTableColumnRepayPriorityTextDelegate* priorityLabel = nullptr;
 
  private:
+  void beginRenewalDays(const QString& key) const;
   void addRadio(CHpfDataTable& table);
   void addRenewal(CHpfDataTable& table);
   void addPriority(CHpfDataTable& table);
+
+  CHpfDataTable* m_table = nullptr;
 };
 
 }  // namespace VN

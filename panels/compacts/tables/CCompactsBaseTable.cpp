@@ -1,8 +1,11 @@
 #include "compacts/tables/CCompactsBaseTable.h"
 
 #include "compacts/tables/compact_fields.h"
+#include "rdservice/TypeManager.h"
 #include "rdservice/rdservice_enums.h"
 #include "utils/CLogCenter.h"
+#include "utils/threads.h"
+#include "vn/CUserConfig.h"
 
 #include <exception>
 
@@ -64,6 +67,30 @@ void CCompactsBaseTable::postPriorityResults(const std::string& account,
   postToStrand<CCompactsBaseTable>([account, responses, labels](CCompactsBaseTable& table) {
     table.applyPriorityResults(account, responses, labels);
   });
+}
+
+bool CCompactsBaseTable::isOwnRecord(const rdservice::IDataPtr& record) const {
+  return record != nullptr && record->getBaseId() == recordTypeOfTable(getID());
+}
+
+void CCompactsBaseTable::logStale(const CReplyText& text, const GW::CTableScope& madeFor,
+                                  const GW::CTableScope& present) {
+  utils::logInfo(text.site, text.stale, madeFor.account, present.account, madeFor.type, present.type);
+}
+
+rdservice::CStkUnClosedCompactsPtr CCompactsBaseTable::doubleClickedCompact(const QString& key) const {
+  if (getID() != TableUnclosedCompacts || isRenewalCounter(CUserManager::getUserConfig()->counterType()))
+    return nullptr;
+  return boost::dynamic_pointer_cast<rdservice::CStkUnClosedCompacts>(getDataByKey(key.toStdString()));
+}
+
+void CCompactsBaseTable::filterBrushSource(int brushSource) {
+  utils::assertGui();
+  if (getID() != TableUnclosedCompacts) return;
+  const std::string name = rdservice::TypeManager::getEnumItemName("rdservice::EKVCompactBrushSource", brushSource,
+                                                                   rdservice::TraderTypeStockCredit);
+  onFilterTrigger(getColumnIdByFileId(FileIdUnclosedSource), GW::FilterValues, {QString::fromStdString(name)});
+  updateFilter();
 }
 
 void CCompactsBaseTable::postTask(std::function<void()> task) { m_strand->post(std::move(task)); }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "compacts/tables/compact_records.h"
 #include "net/RPCEngine.h"
 #include "utils/CLifeline.h"
 #include "utils/CMutex.h"
@@ -109,6 +110,15 @@ class CCompactsBaseTable : public CHpfDataTable {
       table.runTask([&] { function(static_cast<Table&>(table), std::forward<decltype(arguments)>(arguments)...); });
     });
   }
+
+  /// Whether the record is of the type that this table shows; false for null. Any thread.
+  bool isOwnRecord(const rdservice::IDataPtr& record) const;
+  /// The line of the stale-reply rule. Any thread.
+  static void logStale(const CReplyText& text, const GW::CTableScope& madeFor, const GW::CTableScope& present);
+  /// The compact of a row that was double-clicked, where that means something; else null.
+  rdservice::CStkUnClosedCompactsPtr doubleClickedCompact(const QString& key) const;
+  /// See `setBrushSourceFilter`.
+  void filterBrushSource(int brushSource);
 
  private:
   void postTask(std::function<void()> task);

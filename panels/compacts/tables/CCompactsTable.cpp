@@ -1,45 +1,19 @@
 #include "compacts/tables/CCompactsTable.h"
 
 #include "compacts/tables/compact_fields.h"
-#include "gw/column_delegates.h"
 #include "gw/widget_events.h"
 #include "rdservice/ConfigCollector.h"
-#include "rdservice/TypeManager.h"
 #include "utils/threads.h"
 #include "vn/CTradeClient.h"
 #include "vn/CUserConfig.h"
 
 #include <boost/make_shared.hpp>
 
-#include <algorithm>
-#include <iterator>
-
 namespace VN {
 
 namespace {
 
 constexpr int ALL_COMPACTS = 999999;
-
-constexpr int PAGE_SIZE = 500;
-/// Counter types whose compacts may be renewed by a number of days, and which know no repayment by double click.
-constexpr int RENEWAL_COUNTERS[] = {200, 102};
-
-bool isRenewalCounter(int counterType) {
-  return std::find(std::begin(RENEWAL_COUNTERS), std::end(RENEWAL_COUNTERS), counterType) != std::end(RENEWAL_COUNTERS);
-}
-
-/// What a table's own bar and cells report stays in it: further out, small ids mean views of the panel.
-bool isOwnEvent(int type) {
-  switch (type) {
-    case GW::EventButtonClicked:
-    case GW::EventItemClicked:
-    case GW::EventCheckChanged:
-    case GW::EventSpinChanged:
-    case GW::EventSpinBegin:
-    case GW::EventLineEditBegin: return true;
-    default: return false;
-  }
-}
 
 }  // namespace
 
@@ -107,70 +81,45 @@ void CCompactsTable::clearTable(const std::string& account) {
 
 void CCompactsTable::setSelectColumnVisible(bool visible) {
   utils::assertGui();
-  if (m_columns.select < 0) return;
-  setColumnVisible(m_columns.select, visible);
-  setColumnChoosable(m_columns.select, visible);
+  m_columns.setSelectVisible(visible);
 }
 
 void CCompactsTable::reservedHook() {}
 
 int CCompactsTable::compactIndex(const QString& key) { return arrivalIndex(key.toStdString()) + 1; }
 
-void CCompactsTable::setBrushSourceFilter(int brushSource) {
-  utils::assertGui();
-  if (getID() != TableUnclosedCompacts) return;
-  const std::string name = rdservice::TypeManager::getEnumItemName("rdservice::EKVCompactBrushSource", brushSource,
-                                                                   rdservice::TraderTypeStockCredit);
-  onFilterTrigger(getColumnIdByFileId(FileIdUnclosedSource), GW::FilterValues, {QString::fromStdString(name)});
-  updateFilter();
-}
+void CCompactsTable::setBrushSourceFilter(int brushSource) { filterBrushSource(brushSource); }
 
 void CCompactsTable::clearRadioSelection() {
   utils::assertGui();
-  if (m_columns.radio == nullptr) return;
-  const QString key = m_columns.radio->checkedKey();
-  if (!key.isEmpty()) m_columns.resetSelectItem(key);
-  updateTable();
+  m_columns.clearRadioSelection();
 }
 
 rdservice::IDataPtr CCompactsTable::currentCheckedData() {
-  if (m_columns.radio == nullptr) return nullptr;
-  const QString key = m_columns.radio->checkedKey();
-  return key.isEmpty() ? nullptr : getDataByKey(key.toStdString());
+  utils::assertGui();
+  return m_columns.checkedRadio();
 }
 
 QList<rdservice::IDataPtr> CCompactsTable::checkedDatas() {
   utils::assertGui();
-  QList<rdservice::IDataPtr> checked;
-  if (m_columns.check == nullptr) return checked;
-  const int rows = rowCount();
-  checked.reserve(rows);
-  for (int row = 0; row < rows; ++row) {
-    const rdservice::IDataPtr record = getData(row);
-    if (m_columns.check->isItemChecked(QString::fromStdString(record->getKey()))) checked.push_back(record);
-  }
-  return checked;
+  return m_columns.checkedRows();
 }
 
 GW::CBaseTableColumnLineeditDelegate* CCompactsTable::priorityEditDelegate() { return m_columns.priorityEditor; }
 
 bool CCompactsTable::handleEvent(int type, int p1, int p2, QString text, void* data) {
   utils::assertGui();
-  if (type == GW::EventRowDoubleClicked && onRowDoubleClicked(text.toStdString())) return true;
-  if (type == GW::EventButtonClicked && m_splitPage) {
-    clear();
-    postToStrand<CCompactsTable>(
-        [account = currentAccount()](CCompactsTable& table) { table.rebuildRows(account, false); });
+  if (type == GW::EventRowDoubleClicked) {
+    if (const rdservice::CStkUnClosedCompactsPtr compact = doubleClickedCompact(text)) {
+      Q_EMIT sigDoubleClickCompact(compact);
+      return true;
+    }
   }
-  return isOwnEvent(type) || CHpfDataTable::handleEvent(type, p1, p2, text, data);
-}
-
-bool CCompactsTable::onRowDoubleClicked(const std::string& key) {
-  if (getID() != TableUnclosedCompacts || isRenewalCounter(CUserManager::getUserConfig()->counterType())) return false;
-  const auto compact = boost::dynamic_pointer_cast<rdservice::CStkUnClosedCompacts>(getDataByKey(key));
-  if (!compact) return false;
-  Q_EMIT sigDoubleClickCompact(compact);
-  return true;
+  if (type == GW::EventButtonClicked && m_splitPage) {
+    clearRows();
+    postRebuild(currentAccount());
+  }
+  return m_columns.handleEvent(type, text) || CHpfDataTable::handleEvent(type, p1, p2, text, data);
 }
 
 void CCompactsTable::refreshPagingButtons() {
@@ -194,7 +143,7 @@ void CCompactsTable::slotUpdateTable() { updateTable(); }
 void CCompactsTable::slotClearTable(const std::string& account) {
   if (account != currentAccount()) return;  // another account has been chosen since the signal was emitted
   clearData(true);
-  postToStrand<CCompactsTable>([account](CCompactsTable& table) { table.rebuildRows(account, false); });
+  postRebuild(account);
 }
 
 void CCompactsTable::startQuery(bool serverQuery) {
@@ -204,8 +153,7 @@ void CCompactsTable::startQuery(bool serverQuery) {
     return;
   }
   if (!serverQuery) {
-    postToStrand<CCompactsTable>(
-        [account = scope.account](CCompactsTable& table) { table.rebuildRows(account, false); });
+    postRebuild(scope.account);
     return;
   }
   if (!m_calcCompactType) {

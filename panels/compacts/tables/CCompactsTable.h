@@ -61,8 +61,10 @@ class CCompactsTable : public CCompactsBaseTable {
  private:
   // GUI thread
   void refreshPagingButtons();
-  bool onRowDoubleClicked(const std::string& key);
   void startQuery(bool serverQuery);
+
+  /// Any thread.
+  void postRebuild(const std::string& account, bool replaced = false);
 
   // service threads
   void onQueryUnfinishCompact(const std::string& account, const utils::RDError& error,
@@ -72,13 +74,9 @@ class CCompactsTable : public CCompactsBaseTable {
                               const std::vector<rdservice::IDataPtr>& compacts, int reserved,
                               const bson::BSONObj& extra, rdservice::EKVCompactType type);
   void onCompactChange(bool replaced, const std::string& account, int dataType);
-  struct CReplyText;
   void onReply(const CReplyText& text, const std::string& account, const utils::RDError& error,
                const std::vector<rdservice::IDataPtr>& compacts, rdservice::EKVCompactType type);
   const CReplyText& rebuildText() const;
-  /// Whether the record is of the type that this table shows; false for null.
-  bool isOwnRecord(const rdservice::IDataPtr& record) const;
-  void logStale(const CReplyText& text, const GW::CTableScope& madeFor, const GW::CTableScope& present) const;
 
   // strand
   void applyReply(const CReplyText& text, const GW::CTableScope& madeFor,

@@ -2,15 +2,11 @@
 
 #include "compacts/tables/CCompactsTable.h"
 #include "compacts/tables/compact_fields.h"
-#include "rdservice/CCreditRepayPriorityResp.h"
-#include "rdservice/CStkClosedCompacts.h"
+#include "compacts/tables/compact_records.h"
 #include "rdservice/ConfigCollector.h"
-#include "rdservice/TraderCenter.h"
-#include "rdservice/stock_key.h"
 #include "utils/CLogCenter.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace VN {
 
@@ -20,44 +16,6 @@ namespace {
 
 constexpr const char* FILE_NAME = "CCompactsTable.cpp";
 constexpr const char* MODIFIED_HERE = "KV";  ///< modify tag of a compact that the client itself has changed
-constexpr const char* STALE_UNCLOSED =
-    "[unclosed compact] acc changed, data acc = {0}, current acc = {1}, data compact = {2}, cur compact = {3}.";
-constexpr const char* STALE_CLOSED =
-    "[closed compatc] acc changed : data acc = {0}, current acc = {1}, data compact = {2}, cur compact = {3}.";
-
-rdservice::CAccountDataPtr accountDataOf(const std::string& account) {
-  return rdservice::TraderCenter::instance()->getDataCenter()->getAccountData(account);
-}
-
-/// Compact type of an unclosed or closed compact; -1 for any other record.
-int compactTypeOf(const rdservice::IData& record) {
-  switch (record.getBaseId()) {
-    case rdservice::RecordStkUnClosedCompacts:
-      return static_cast<const rdservice::CStkUnClosedCompacts&>(record).compactType;
-    case rdservice::RecordStkClosedCompacts:
-      return static_cast<const rdservice::CStkClosedCompacts&>(record).compactType;
-    default: return -1;
-  }
-}
-
-rdservice::CAccountInfoPtr accountInfoOf(const rdservice::IData& record) {
-  switch (record.getBaseId()) {
-    case rdservice::RecordStkUnClosedCompacts:
-      return static_cast<const rdservice::CStkUnClosedCompacts&>(record).accountInfo;
-    case rdservice::RecordStkClosedCompacts:
-      return static_cast<const rdservice::CStkClosedCompacts&>(record).accountInfo;
-    default: return nullptr;
-  }
-}
-
-/// The records of a page counted from 1; a page behind the last one is empty.
-std::vector<IDataPtr> pageOf(const std::vector<IDataPtr>& records, int page) {
-  constexpr std::size_t PAGE_SIZE = 500;
-  const std::size_t begin = std::min(records.size(), static_cast<std::size_t>(page - 1) * PAGE_SIZE);
-  const std::size_t end = std::min(records.size(), begin + PAGE_SIZE);
-  const auto at = [&records](std::size_t index) { return records.begin() + static_cast<std::ptrdiff_t>(index); };
-  return {at(begin), at(end)};
-}
 
 /// The table that is storing a reply's records on this thread: what the store then tells it as pushes is its own echo.
 thread_local const CCompactsTable* storingTable = nullptr;
@@ -70,55 +28,33 @@ class CStoring {
   CStoring& operator=(const CStoring&) = delete;
 };
 
-bool isOfType(const rdservice::IData& record, int compactType) {
-  return compactType == rdservice::CompactTypeAll || compactTypeOf(record) == compactType;
-}
-
 }  // namespace
-
-/// Texts and location of the lines that one reply handler writes.
-struct CCompactsTable::CReplyText {
-  utils::CLogSite site;
-  const char* stale;
-  const char* success;
-  const char* failure;
-};
 
 void CCompactsTable::onQueryUnfinishCompact(const std::string& account, const utils::RDError& error,
                                             const std::vector<IDataPtr>& compacts, int, const bson::BSONObj&,
                                             rdservice::EKVCompactType type) {
-  static constexpr CReplyText TEXT{
+  static constexpr CReplyText TEXT = unclosedReplyText(
       {FILE_NAME,
        "void VN::CCompactsTable::onQueryUnfinishCompact(const std::string&, const utils::RDError&, "
-       "const std::vector<rdservice::IDataPtr>&, int, const bson::BSONObj&, rdservice::EKVCompactType)"},
-      STALE_UNCLOSED,
-      "[unclosed compact] query success, acc {0} datas {1}",
-      "[unclosed compact] query fail : acc = {0}, errmsg = {1}"};
+       "const std::vector<rdservice::IDataPtr>&, int, const bson::BSONObj&, rdservice::EKVCompactType)"});
   onReply(TEXT, account, error, compacts, type);
 }
 
 void CCompactsTable::onQueryCompleteCompact(const std::string& account, const utils::RDError& error,
                                             const std::vector<IDataPtr>& compacts, int, const bson::BSONObj&,
                                             rdservice::EKVCompactType type) {
-  static constexpr CReplyText TEXT{
+  static constexpr CReplyText TEXT = closedReplyText(
       {FILE_NAME,
        "void VN::CCompactsTable::onQueryCompleteCompact(const std::string&, const utils::RDError&, "
-       "const std::vector<rdservice::IDataPtr>&, int, const bson::BSONObj&, rdservice::EKVCompactType)"},
-      STALE_CLOSED,
-      "[closed compact] query success : data acc = {0}, data size = {1}.",
-      "[closed compact] fail : acc = {0}, errmsg = {1}."};
+       "const std::vector<rdservice::IDataPtr>&, int, const bson::BSONObj&, rdservice::EKVCompactType)"});
   onReply(TEXT, account, error, compacts, type);
 }
 
-const CCompactsTable::CReplyText& CCompactsTable::rebuildText() const {
+const CReplyText& CCompactsTable::rebuildText() const {
   static constexpr utils::CLogSite SITE{FILE_NAME, "void VN::CCompactsTable::rebuildRows(const std::string&, bool)"};
-  static constexpr CReplyText UNCLOSED{SITE, STALE_UNCLOSED, nullptr, nullptr};
-  static constexpr CReplyText CLOSED{SITE, STALE_CLOSED, nullptr, nullptr};
+  static constexpr CReplyText UNCLOSED = unclosedReplyText(SITE);
+  static constexpr CReplyText CLOSED = closedReplyText(SITE);
   return getID() == TableUnclosedCompacts ? UNCLOSED : CLOSED;
-}
-
-bool CCompactsTable::isOwnRecord(const IDataPtr& record) const {
-  return record != nullptr && record->getBaseId() == recordTypeOfTable(getID());
 }
 
 void CCompactsTable::onReply(const CReplyText& text, const std::string& account, const utils::RDError& error,
@@ -140,11 +76,6 @@ void CCompactsTable::onReply(const CReplyText& text, const std::string& account,
       [&text, madeFor, compacts](CCompactsTable& table) { table.applyReply(text, madeFor, compacts); });
 }
 
-void CCompactsTable::logStale(const CReplyText& text, const GW::CTableScope& madeFor,
-                              const GW::CTableScope& present) const {
-  utils::logInfo(text.site, text.stale, madeFor.account, present.account, madeFor.type, present.type);
-}
-
 void CCompactsTable::applyReply(const CReplyText& text, const GW::CTableScope& madeFor,
                                 const std::vector<IDataPtr>& compacts) {
   const rdservice::CAccountDataPtr store = accountDataOf(madeFor.account);
@@ -164,7 +95,12 @@ void CCompactsTable::applyReply(const CReplyText& text, const GW::CTableScope& m
   }
 
   if (m_splitPage) {  // what the page shows follows from the whole set
-    rebuildRows(madeFor.account, false);
+    if (const GW::CTableScope present = shownScope(); present != madeFor) {
+      logStale(text, madeFor, present);
+      emitQueryData();
+    } else {
+      rebuildRows(madeFor.account, false);
+    }
     return;
   }
   GW::CTableBatch batch(*this, madeFor);
@@ -186,21 +122,25 @@ void CCompactsTable::rebuildRows(const std::string& account, bool replaced) {
     emitQueryData();
     return;
   }
+  const rdservice::CAccountDataPtr store = accountDataOf(account);
   std::vector<IDataPtr> records;
-  if (const rdservice::CAccountDataPtr store = accountDataOf(account))
-    records = store->getData(recordTypeOfTable(getID()));
+  if (store) records = store->getData(recordTypeOfTable(getID()));
   records.erase(std::remove_if(records.begin(), records.end(),
                                [&](const IDataPtr& record) { return !isOfType(*record, madeFor.type); }),
                 records.end());
   const std::size_t total = records.size();
-  if (m_splitPage) records = pageOf(records, getPageNum());
+  if (m_splitPage) records = pageOf(records, getPageNum(), PAGE_SIZE);
 
   GW::CTableBatch batch(*this, madeFor);
   if (replaced || m_splitPage)
-    batch.dropAbsent([account](const rdservice::IData& row) {
-      const rdservice::CAccountInfoPtr info = accountInfoOf(row);
-      return info && info->getKey() == account;
-    });
+    batch.dropAbsent(
+        [account](const rdservice::IData& row) {
+          const rdservice::CAccountInfoPtr info = accountInfoOf(row);
+          return info && info->getKey() == account;
+        },
+        [this, store](const rdservice::IData& row) {  // it stands on another page
+          return m_splitPage && store && store->getData(row.getBaseId(), row.getKey()) != nullptr;
+        });
   for (const IDataPtr& record : records) {
     if (isClosing()) return;
     writeRow(record, EItems::Reset);
@@ -216,6 +156,10 @@ void CCompactsTable::rebuildRows(const std::string& account, bool replaced) {
 void CCompactsTable::onCompactChange(bool replaced, const std::string& account, int dataType) {
   if (dataType != recordTypeOfTable(getID()) || account != currentAccount()) return;
   emitQueryData();
+  postRebuild(account, replaced);
+}
+
+void CCompactsTable::postRebuild(const std::string& account, bool replaced) {
   postToStrand<CCompactsTable>([account, replaced](CCompactsTable& table) { table.rebuildRows(account, replaced); });
 }
 
@@ -263,25 +207,7 @@ void CCompactsTable::showPushed(const std::vector<IDataPtr>& pushes) {
 
 void CCompactsTable::applyPriorityResults(const std::string& account, const std::vector<IDataPtr>& responses,
                                           const std::map<std::string, std::string>& labels) {
-  const rdservice::CAccountDataPtr store = accountDataOf(account);
-  if (!store) return;
-  std::vector<IDataPtr> changed;
-  for (const IDataPtr& record : responses) {
-    const auto response = boost::dynamic_pointer_cast<rdservice::CCreditRepayPriorityResp>(record);
-    const auto label = response ? labels.find(response->fieldA) : labels.end();
-    if (label == labels.end()) continue;
-    const rdservice::CStockKeyParts stock = rdservice::splitStockKey(label->second);
-    const std::string key = rdservice::CStkUnClosedCompacts::genKey(
-        store->getAccountInfo(), stock.exchangeId, stock.code, std::atoi(response->fieldB.c_str()), response->fieldA);
-    const IDataPtr held =
-        store->modifyData(rdservice::RecordStkUnClosedCompacts, key, [&response](rdservice::IData& stored) {
-          auto& compact = static_cast<rdservice::CStkUnClosedCompacts&>(stored);
-          compact.repayPriority = response->repayPriority;
-          compact.modifyTag = MODIFIED_HERE;
-        });
-    if (held) changed.push_back(held);
-  }
-  showPushed(changed);
+  showPushed(storePriorities(account, responses, labels, MODIFIED_HERE));
 }
 
 void CCompactsTable::writeRow(const IDataPtr& record, EItems items) {

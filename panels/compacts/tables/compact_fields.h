@@ -18,6 +18,9 @@ enum ECompactFileId : int {
 /// Numbers of the columns that the tables add, by which saved layouts know them.
 enum ECompactColumn : int { SelectColumn = 1, RenewalDaysColumn = 2, PriorityEditColumn = 3, PriorityTextColumn = 4 };
 
+/// Rows of a page, as far as the counter sets no other limit.
+constexpr int PAGE_SIZE = 500;
+
 /// The record type that a compact table accepts.
 constexpr int recordTypeOfTable(int tableId) {
   return tableId == TableUnclosedCompacts ? rdservice::RecordStkUnClosedCompacts : rdservice::RecordStkClosedCompacts;
