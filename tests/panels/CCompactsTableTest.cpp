@@ -6,8 +6,10 @@
 #include "kit/records.h"
 #include "net/CTimerQueue.h"
 #include "rdservice/CQueryCompactReqV2.h"
-#include "rdservice/CStkClosedCompacts.h"
 #include "rdservice/TraderCenter.h"
+#include "utils/threads.h"
+#include "vn/CTradeClient.h"
+#include "vn/CUserConfig.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -32,11 +34,12 @@ const std::vector<std::string> NUMBER_AND_PRIORITY = {"合约编号", "偿还优
 
 class CCompactsTableTest : public testing::Test {
  protected:
-  explicit CCompactsTableTest(const runtime::CClientConfig& config = kit::testConfig()) : m_runtime(config) {}
+  explicit CCompactsTableTest(const runtime::CClientConfig& config = kit::testConfig(),
+                              int tableId = VN::TableUnclosedCompacts)
+      : m_tableId(tableId), m_runtime(config) {}
 
   void SetUp() override {
-    m_table =
-        std::make_unique<CCompactsTable>(0, VN::TableUnclosedCompacts, rdservice::RecordStkUnClosedCompacts, nullptr);
+    m_table = std::make_unique<CCompactsTable>(0, m_tableId, VN::recordTypeOfTable(m_tableId), nullptr);
     m_table->resize(1200, 300);
   }
   void TearDown() override { m_table.reset(); }
@@ -47,21 +50,60 @@ class CCompactsTableTest : public testing::Test {
   rdservice::CStkUnClosedCompactsPtr makeCompact(const char* key, const std::string& number, char type = '0') const {
     return compact(dataOf(key)->getAccountInfo(), number, 1000, type);
   }
+  rdservice::IDataPtr makeRecord(const char* key, const std::string& number, char type = '0') const {
+    if (m_tableId == VN::TableUnclosedCompacts) return makeCompact(key, number, type);
+    return kit::closedCompact(dataOf(key)->getAccountInfo(), number, 1000, type);
+  }
   std::size_t lastRequest() const { return m_runtime.counter().held().size() - 1; }
   void query(const char* account) {
     m_table->setAccount(account, true, false);
     m_runtime.settle();
+  }
+  /// The same while the strand is held.
+  void answerHeld(const std::vector<rdservice::IDataPtr>& records) {
+    m_runtime.settleWithoutStrand();
+    m_runtime.counter().reply(lastRequest(), records);
+  }
+  void failHeld() {
+    m_runtime.settleWithoutStrand();
+    m_runtime.counter().fail(lastRequest(), 12, "柜台繁忙");
   }
   void answer(const std::vector<rdservice::IDataPtr>& records) {
     m_runtime.counter().reply(lastRequest(), records);
     m_runtime.settle();
   }
 
+  const int m_tableId;
   CTestRuntime m_runtime;
   std::unique_ptr<CCompactsTable> m_table;
 };
 
-TEST_F(CCompactsTableTest, AsksForEverythingAndShowsTheAnswer) {
+/// What holds for unclosed and closed compacts alike, with the lines that each writes.
+struct CTableCase {
+  int tableId;
+  const char* handler;
+  const char* success;
+  const char* failure;
+  const char* stale;
+};
+
+class CBothTablesTest : public CCompactsTableTest, public testing::WithParamInterface<CTableCase> {
+ protected:
+  CBothTablesTest() : CCompactsTableTest(kit::testConfig(), GetParam().tableId) {}
+};
+
+INSTANTIATE_TEST_SUITE_P(
+    Tables, CBothTablesTest,
+    testing::Values(CTableCase{VN::TableUnclosedCompacts, "onQueryUnfinishCompact",
+                               "[unclosed compact] query success, acc 3.1001 datas 3",
+                               "[unclosed compact] query fail : acc = 3.1001, errmsg = 柜台繁忙",
+                               "[unclosed compact] acc changed, data acc = 3.1001, current acc = "},
+                    CTableCase{VN::TableClosedCompacts, "onQueryCompleteCompact",
+                               "[closed compact] query success : data acc = 3.1001, data size = 3.",
+                               "[closed compact] fail : acc = 3.1001, errmsg = 柜台繁忙.",
+                               "[closed compatc] acc changed : data acc = 3.1001, current acc = "}));
+
+TEST_P(CBothTablesTest, AsksForEverythingAndShowsTheAnswer) {
   query(A);
   const auto request = boost::dynamic_pointer_cast<rdservice::CQueryCompactReqV2>(m_runtime.counter().held().back());
   ASSERT_TRUE(request);
@@ -69,17 +111,83 @@ TEST_F(CCompactsTableTest, AsksForEverythingAndShowsTheAnswer) {
   EXPECT_EQ(request->compactType, 32);
   EXPECT_EQ(request->requestCount, 999999);
   EXPECT_EQ(request->positionString, "");
-  EXPECT_EQ(request->dataType, rdservice::RecordStkUnClosedCompacts);
+  EXPECT_EQ(request->dataType, VN::recordTypeOfTable(m_tableId));
 
-  const auto first = makeCompact(A, "C1");
-  first->repayPriority = 7;
-  answer({first, makeCompact(A, "C2", '1'), nullptr});
-  EXPECT_THAT(kit::visible(*m_table, NUMBER_AND_PRIORITY), ElementsAre("C1 | 7", "C2 | "));
-  const auto lines = m_runtime.logged("[unclosed compact] query success, acc 3.1001 datas 3");
+  answer({makeRecord(A, "C1"), makeRecord(A, "C2", '1'), nullptr});
+  EXPECT_THAT(kit::visible(*m_table, {"合约编号"}), ElementsAre("C1", "C2"));
+  const auto lines = m_runtime.logged(GetParam().success);
   ASSERT_EQ(lines.size(), 1U);
   EXPECT_EQ(lines[0].file, "CCompactsTable.cpp");
-  EXPECT_THAT(lines[0].signature, testing::StartsWith("void VN::CCompactsTable::onQueryUnfinishCompact("));
-  EXPECT_EQ(dataOf(A)->getData(rdservice::RecordStkUnClosedCompacts).size(), 2U);
+  EXPECT_EQ(lines[0].signature,
+            std::string("void VN::CCompactsTable::") + GetParam().handler +
+                "(const std::string&, const utils::RDError&, const std::vector<rdservice::IDataPtr>&, int, "
+                "const bson::BSONObj&, rdservice::EKVCompactType)");
+  EXPECT_EQ(dataOf(A)->getData(VN::recordTypeOfTable(m_tableId)).size(), 2U);
+}
+
+// The strand is held: what happens nevertheless happens on the service threads or the GUI thread, what comes when it is
+// released happens on the strand.
+TEST_P(CBothTablesTest, WhatRunsOnWhichThread) {
+  struct CCase {
+    const char* what;
+    std::function<void()> act;
+    int onGui, onService, onStrand;  ///< sigQueryData
+    std::vector<std::string> rows;   ///< afterwards
+  };
+  const auto data = dataOf(A);
+  const int type = VN::recordTypeOfTable(m_tableId);
+  const int foreign = m_tableId == VN::TableUnclosedCompacts ? rdservice::RecordStkClosedCompacts
+                                                             : rdservice::RecordStkUnClosedCompacts;
+  const auto queryAll = [](const char* account, int dataType) {
+    const auto request = boost::make_shared<rdservice::CQueryDataReq>();
+    request->accountInfo = VN::getUserConfig()->getAccountData(QString::fromLatin1(account));
+    request->dataType = dataType;
+    VN::CTradeClient::instance()->queryData(request, nullptr);
+  };
+  query(A);
+  answer({makeRecord(A, "C1")});
+  const CCase cases[] = {
+      {"the same account", [&] { m_table->setAccount(A, true, true); }, 1, 0, 0, {"C1"}},
+      {"a rebuild", [&] { m_table->refresh(A, false, false); }, 0, 0, 1, {"C1"}},
+      {"an answer", [&] { m_table->refresh(A, true, true), answerHeld({makeRecord(A, "C2")}); }, 0, 0, 1, {"C2"}},
+      {"a failure", [&] { m_table->refresh(A, true, true), failHeld(); }, 0, 1, 0, {}},
+      {"a pushed record", [&] { m_table->onPushData(makeRecord(A, "C3")); }, 0, 0, 0, {"C3"}},
+      {"a new set", [&] { queryAll(A, type), answerHeld({makeRecord(A, "C4")}); }, 0, 1, 1, {"C4"}},
+      {"no new set", [&] { queryAll(A, type), failHeld(); }, 0, 1, 1, {"C4"}},
+      {"a set of another type", [&] { queryAll(A, foreign), answerHeld({}); }, 0, 0, 0, {"C4"}},
+      {"a set of another account", [&] { queryAll("11.1003", type), answerHeld({}); }, 0, 0, 0, {"C4"}},
+      {"a stale answer",
+       [&] {
+         m_table->refresh(A, true, true), m_table->setAccount("11.1003", false, false);
+         answerHeld({makeRecord(A, "C5")});
+       },
+       0,
+       1,
+       1,
+       {}},
+      {"no account", [&] { m_table->setAccount("", true, false); }, 1, 0, 0, {}},
+  };
+  for (const CCase& c : cases) {
+    SCOPED_TRACE(c.what);
+    std::atomic<int> onGui{0};
+    std::atomic<int> elsewhere{0};
+    const auto connection = QObject::connect(
+        m_table.get(), &CCompactsTable::sigQueryData, m_table.get(),
+        [&] { ++(utils::isGuiThread() ? onGui : elsewhere); }, Qt::DirectConnection);
+    {
+      const kit::CStrandLatch latch;
+      c.act();
+      m_runtime.settleWithoutStrand();
+      EXPECT_EQ(onGui, c.onGui);
+      EXPECT_EQ(elsewhere, c.onService);
+    }
+    m_runtime.settle();
+    EXPECT_EQ(onGui, c.onGui);
+    EXPECT_EQ(elsewhere, c.onService + c.onStrand);
+    m_table->updateTable();
+    EXPECT_EQ(kit::visible(*m_table, {"合约编号"}), c.rows);
+    QObject::disconnect(connection);
+  }
 }
 
 TEST_F(CCompactsTableTest, CompactTypeFiltersRepliesPushesAndRebuilds) {
@@ -107,7 +215,7 @@ TEST_F(CCompactsTableTest, CompactTypeFiltersRepliesPushesAndRebuilds) {
   EXPECT_THAT(kit::visible(*m_table, {"合约编号"}), ElementsAre("C2"));
 }
 
-TEST_F(CCompactsTableTest, AReplyForAnotherAccountOrTypeIsDroppedAndLogged) {
+TEST_P(CBothTablesTest, AReplyForAnotherAccountOrTypeIsDroppedAndLogged) {
   struct CCase {
     const char* what;
     std::function<void()> change;
@@ -115,9 +223,8 @@ TEST_F(CCompactsTableTest, AReplyForAnotherAccountOrTypeIsDroppedAndLogged) {
   };
   const CCase cases[] = {
       {"account", [this] { m_table->setAccount("3.1003", false, false); },
-       "[unclosed compact] acc changed, data acc = 3.1001, current acc = 3.1003, data compact = 32, cur compact = 32."},
-      {"type", [this] { m_table->setCompactType('1', 0); },
-       "[unclosed compact] acc changed, data acc = 3.1001, current acc = 3.1001, data compact = 32, cur compact = 49."},
+       "3.1003, data compact = 32, cur compact = 32."},
+      {"type", [this] { m_table->setCompactType('1', 0); }, "3.1001, data compact = 32, cur compact = 49."},
   };
   for (const CCase& c : cases) {
     SCOPED_TRACE(c.what);
@@ -129,25 +236,28 @@ TEST_F(CCompactsTableTest, AReplyForAnotherAccountOrTypeIsDroppedAndLogged) {
     c.change();
     m_runtime.settle();
     kit::CSignalCount done(m_table.get(), &CCompactsTable::sigQueryData);
-    m_runtime.counter().reply(request, {makeCompact(A, "C1")});
+    m_runtime.counter().reply(request, {makeRecord(A, "C1")});
     m_runtime.settle();
-    EXPECT_EQ(m_runtime.logged(c.line).size(), 1U);
+    EXPECT_EQ(m_runtime.logged(std::string(GetParam().stale) + c.line).size(), 1U);
     EXPECT_EQ(done.count(), 1);
     EXPECT_EQ(m_table->rowCount(), 0);
   }
 }
 
-TEST_F(CCompactsTableTest, AFailureIsLoggedAndKeepsTheRows) {
+TEST_P(CBothTablesTest, AFailureIsLoggedAndKeepsTheRows) {
   query(A);
-  m_table->onPushData(makeCompact(A, "C1"));
-  m_table->onPushData(boost::make_shared<rdservice::CStkClosedCompacts>());  // not this table's type
+  m_table->onPushData(makeRecord(A, "C1"));
+  // Not this table's type.
+  m_table->onPushData(makeCompact(A, "C8"));
+  m_table->onPushData(kit::closedCompact(dataOf(A)->getAccountInfo(), "C9"));
   m_runtime.settle();
   kit::CSignalCount done(m_table.get(), &CCompactsTable::sigQueryData);
   m_runtime.counter().fail(lastRequest(), 12, "柜台繁忙");
   m_runtime.settle();
-  EXPECT_EQ(m_runtime.logged("[unclosed compact] query fail : acc = 3.1001, errmsg = 柜台繁忙").size(), 1U);
+  EXPECT_EQ(m_runtime.logged(GetParam().failure).size(), 1U);
   EXPECT_EQ(done.count(), 1);
-  EXPECT_THAT(kit::visible(*m_table, {"合约编号"}), ElementsAre("C1"));
+  EXPECT_THAT(kit::visible(*m_table, {"合约编号"}),
+              ElementsAre("C1", m_tableId == VN::TableUnclosedCompacts ? "C8" : "C9"));
 }
 
 TEST_F(CCompactsTableTest, RecordsAlreadyHeldAreSkippedOnlyForACounterThatRepeats) {
