@@ -61,6 +61,11 @@ void IBaseTable::resetPageNum(int page) {
   m_d->bar->setPage(m_d->page);
 }
 
+void IBaseTable::setPagingNote(const QString& text) {
+  utils::assertGui();
+  m_d->bar->setNote(text);
+}
+
 void IBaseTable::setPagingTotal(int rows) {
   utils::assertGui();
   m_d->bar->setTotal(rows);

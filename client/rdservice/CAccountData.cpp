@@ -8,6 +8,7 @@
 
 #include <boost/smart_ptr/make_shared.hpp>
 
+#include <algorithm>
 #include <cassert>
 #include <utility>
 
@@ -46,7 +47,11 @@ std::vector<IDataPtr> CAccountData::updateDatas(const std::vector<IDataPtr>& rec
 }
 
 void CAccountData::updateCompacts(int typeId, const std::vector<IDataPtr>& records) {
-  m_d->replaceAll(typeId, records, Private::ALWAYS);
+  // A set that several replies brought knows of nothing that came after the first request.
+  std::uint64_t mark = Private::ALWAYS;
+  for (const IDataPtr& record : records)
+    if (record != nullptr && CDataVersion::mark(*record) != 0) mark = std::min(mark, CDataVersion::mark(*record));
+  m_d->replaceAll(typeId, records, mark);
 }
 
 CAccountData::Private::CListeners& CAccountData::Private::listenersOf(int typeId) {

@@ -18,15 +18,15 @@ namespace {
 constexpr std::size_t SLICE = 2048;
 
 /// For each record of `fresh`, under the key at the same place in `keys`: the record of `held` that has the same
-/// values or is newer than the mark, null when it has none.
+/// values or is newer, null when it has none.
 std::vector<IDataPtr> unchangedRecords(const CTypeStore& fresh, const std::vector<std::string>& keys,
-                                       const CTypeStore& held, std::uint64_t mark) {
+                                       const CTypeStore& held) {
   std::vector<IDataPtr> unchanged(fresh.size());
   for (std::size_t i = 0; i < fresh.size(); ++i) {
     const std::size_t place = held.find(keys[i]);
     if (place == CTypeStore::NONE) continue;
     const IDataPtr& record = held.at(place);
-    if (held.basis(place) > mark || sameFields(*record, *fresh.records()[i])) unchanged[i] = record;
+    if (held.basis(place) > fresh.basis(i) || sameFields(*record, *fresh.records()[i])) unchanged[i] = record;
   }
   return unchanged;
 }
@@ -109,13 +109,15 @@ void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& 
   for (const IDataPtr& record : records) {
     if (record == nullptr) continue;
     assert(record->getBaseId() == typeId);
+    const std::uint64_t own = CDataVersion::mark(*record);  // of the reply that brought it
+    const std::uint64_t basis = own != 0 ? own : mark;
     std::string key = record->getKey();
     const std::size_t place = fresh.find(key);
     if (place != CTypeStore::NONE) {
-      fresh.replace(place, record, 0);
+      fresh.replace(place, record, basis);
       continue;
     }
-    fresh.append(key, record, 0);
+    fresh.append(key, record, basis);
     keys.push_back(std::move(key));
   }
 
@@ -127,20 +129,20 @@ void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& 
     const auto type = types.find(typeId);
     if (type != types.end()) {
       generation = type->second.generation;
-      unchanged = unchangedRecords(fresh, keys, type->second.store, mark);
+      unchanged = unchangedRecords(fresh, keys, type->second.store);
     }
   }
   std::vector<IDataPtr> changed(fresh.size());
   {
     const utils::CWriteLock lock(mutex);
     CTypeEntry& entry = types[typeId];
-    if (entry.generation != generation) unchanged = unchangedRecords(fresh, keys, entry.store, mark);
+    if (entry.generation != generation) unchanged = unchangedRecords(fresh, keys, entry.store);
     for (std::size_t i = 0; i < fresh.size(); ++i) {
       if (unchanged[i] == nullptr) changed[i] = publish(fresh.records()[i], true);
       const IDataPtr& held = unchanged[i] == nullptr ? changed[i] : unchanged[i];
       const std::size_t before = entry.store.find(keys[i]);
       const std::uint64_t basis = before == CTypeStore::NONE ? 0 : entry.store.basis(before);
-      fresh.replace(i, held, std::max(basis, mark != ALWAYS ? mark : lastVersion.load()));
+      fresh.replace(i, held, std::max(basis, fresh.basis(i) != ALWAYS ? fresh.basis(i) : lastVersion.load()));
     }
     for (std::size_t i = 0; mark != ALWAYS && i < entry.store.size(); ++i) {
       if (entry.store.basis(i) <= mark) continue;

@@ -43,7 +43,8 @@ struct CAccountData::Private {
   /// Mark of a set that replaces whatever is there.
   static constexpr std::uint64_t ALWAYS = std::numeric_limits<std::uint64_t>::max();
 
-  /// See CAccountData::updateCompacts; records that are newer than `mark` stay.
+  /// See CAccountData::updateCompacts; records that are newer than `mark`, or than the mark noted with the record that
+  /// would replace them, stay.
   void replaceAll(int typeId, const std::vector<IDataPtr>& records, std::uint64_t mark);
 
   static Private& of(CAccountData& account) { return *account.m_d; }

@@ -43,6 +43,8 @@ class HOST_API IBaseTable : public CBaseWidget {
   void resetPageNum(int page);
   /// Number of rows of all pages; -1: unknown.
   void setPagingTotal(int rows);
+  /// A text behind the bar's buttons, such as how far a query is; empty for none.
+  void setPagingNote(const QString& text);
   void setPagingQueryBtnEnable(int button, bool enabled);
   bool isPagingQueryBtnEnabled(int button) const;
 

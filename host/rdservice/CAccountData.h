@@ -41,7 +41,8 @@ class HOST_API CAccountData {
   std::vector<IDataPtr> updateDatas(const std::vector<IDataPtr>& records);
 
   /// Replaces the whole set of a type; records that are not in `records` are gone. Subscribers hear of new and
-  /// changed records.
+  /// changed records. When `records` came with replies to compact queries, what was pushed or modified since their
+  /// requests is newer and stays.
   void updateCompacts(int typeId, const std::vector<IDataPtr>& records);
 
   /// Drops all records of a type. Subscribers are not told.

@@ -3,12 +3,14 @@
 #include "compacts/CCompactsPanel.h"
 
 #include "compacts/panel_ids.h"
+#include "compacts/tables/CCompactsPageTable.h"
 #include "compacts/tables/CCompactsTable.h"
 #include "compacts/tables/compact_fields.h"
 #include "gw/containers.h"
 #include "gw/controls.h"
 #include "gw/widget_events.h"
 #include "host_api.h"
+#include "rdservice/ConfigCollector.h"
 #include "utils/CLogCenter.h"
 #include "utils/threads.h"
 #include "vn/CCountDownButton.h"
@@ -16,6 +18,8 @@
 
 #include <QStringList>
 #include <QTimer>
+
+#include <type_traits>
 
 namespace VN {
 
@@ -97,10 +101,16 @@ void CCompactsPanel::createUi() {
   handleButtonClicked(ViewUnclosed);
 }
 
-CCompactsTable* CCompactsPanel::createTable(int tableId, QWidget* parent) {
-  auto* table = new CCompactsTable(m_mode, tableId, recordTypeOfTable(tableId), parent);
-  connect(table, &CCompactsTable::sigQueryData, this, &CCompactsPanel::slotQueryData);
-  return table;
+CCompactsBaseTable* CCompactsPanel::createTable(int tableId, QWidget* parent) {
+  const auto connected = [this](auto* table) -> CCompactsBaseTable* {
+    connect(table, &std::remove_pointer_t<decltype(table)>::sigQueryData, this, &CCompactsPanel::slotQueryData);
+    return table;
+  };
+  const rdservice::ConfigCollector& broker = *rdservice::ConfigCollector::instance();
+  const int type = recordTypeOfTable(tableId);
+  if (broker.useSplitPageOfStkCompact() && broker.calcCompactType())
+    return connected(new CCompactsPageTable(m_mode, tableId, type, parent));
+  return connected(new CCompactsTable(m_mode, tableId, type, parent));
 }
 
 QString CCompactsPanel::param() const {

@@ -21,7 +21,7 @@ class CRadioButtonGroup;
 
 namespace VN {
 
-class CCompactsTable;
+class CCompactsBaseTable;
 class CCountDownButton;
 
 /// The dockable panel that shows the compacts of a credit account. GUI thread, unless a member says otherwise.
@@ -59,7 +59,7 @@ class PANELS_API CCompactsPanel : public ITradeDockableWidget {
   // frame
   void createUi();
   /// A table of unclosed (id 0) or closed (id 1) compacts.
-  CCompactsTable* createTable(int tableId, QWidget* parent);
+  CCompactsBaseTable* createTable(int tableId, QWidget* parent);
 
   // accounts
   void requestAccount(const std::string& accountKey);
@@ -82,8 +82,8 @@ class PANELS_API CCompactsPanel : public ITradeDockableWidget {
   GW::CComboBox* m_accountCombo = nullptr;
   GW::CRadioButtonGroup* m_radioGroup = nullptr;
   CCountDownButton* m_refreshButton = nullptr;
-  CCompactsTable* m_unclosedTable = nullptr;
-  CCompactsTable* m_closedTable = nullptr;
+  CCompactsBaseTable* m_unclosedTable = nullptr;
+  CCompactsBaseTable* m_closedTable = nullptr;
   /// By account key; dropping a handle ends its calls of onStkUnClosedCompacts, onStkClosedCompacts.
   QMap<QString, utils::CSubscriptionPtr> m_unclosedSubscriptions;
   QMap<QString, utils::CSubscriptionPtr> m_closedSubscriptions;

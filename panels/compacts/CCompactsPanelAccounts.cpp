@@ -2,7 +2,7 @@
 
 #include "compacts/CCompactsPanel.h"
 #include "compacts/panel_ids.h"
-#include "compacts/tables/CCompactsTable.h"
+#include "compacts/tables/CCompactsBaseTable.h"
 #include "gw/controls.h"
 #include "rdservice/TraderCenter.h"
 #include "utils/CLogCenter.h"

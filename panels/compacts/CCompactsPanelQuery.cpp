@@ -2,7 +2,7 @@
 
 #include "compacts/CCompactsPanel.h"
 #include "compacts/panel_ids.h"
-#include "compacts/tables/CCompactsTable.h"
+#include "compacts/tables/CCompactsBaseTable.h"
 #include "gw/containers.h"
 #include "gw/controls.h"
 #include "rdservice/ConfigCollector.h"
@@ -50,7 +50,7 @@ void CCompactsPanel::handleButtonClicked(int id) {
 
 void CCompactsPanel::switchView(int id) {
   if (m_toolbar != nullptr) m_toolbar->updateItemLength();
-  const auto show = [](CCompactsTable* table, bool isShown) {
+  const auto show = [](CCompactsBaseTable* table, bool isShown) {
     if (table == nullptr) return;
     table->setVisible(isShown);
     if (isShown) table->refresh(std::string(), true, false);

@@ -1,7 +1,9 @@
 // The page book: named cases, and random orders of everything that may happen to it against a list kept by the rules.
 
 #include "compacts/tables/CPageBook.h"
+#include "compacts/tables/compact_fields.h"
 #include "kit/records.h"
+#include "rdservice/CDataVersion.h"
 #include "rdservice/rdservice_enums.h"
 
 #include <gtest/gtest.h>
@@ -106,116 +108,41 @@ struct CNamedCase {
   int pageSize;
   int compactType;
   bool repeats;
-  std::vector<std::pair<const char*, const char*>> steps;
+  std::string play;  ///< step>outcome, ...
 };
 
 TEST(PageBook, NamedCases) {
   const std::vector<CNamedCase> cases = {
-      {"500 a page and 1,000 cached",
-       0,
-       ALL,
-       false,
-       {{"q", "query @"},
-        {"r1-500", "1-500 on 1 --N"},
-        {"n", "query @500"},
-        {"n", "nothing"},
-        {"r501-1000", "501-1000 on 2 FPN"},
-        {"1", "1-500 on 1 --N"},
-        {"n", "501-1000 on 2 FPN"},
-        {"n", "query @1000"},
-        {"r1001-1003", "1001-1003 on 3 FP-"},
-        {"p", "501-1000 on 2 FPN"}}},
-      {"previous on page 1", 4, ALL, false, {{"q", "query @"}, {"r1-3", "1-3 on 1 ---"}, {"p", "1-3 on 1 ---"}}},
-      {"exactly one full page, then an empty batch or a failure",
-       4,
-       ALL,
-       false,
-       {{"q", "query @"},
-        {"r1-4", "1-4 on 1 --N"},
-        {"n", "query @4"},
-        {"e", "1-4 on 1 --N"},
-        {"e", "stale"},
-        {"n", "query @4"},
-        {"f", "1-4 on 1 --N"},
-        {"f", "stale"}}},
-      {"nothing at all",
-       4,
-       ALL,
-       false,
-       {{"q", "query @"}, {"e", "none on 1 ---"}, {"q", "query @"}, {"f", "none on 1 ---"}}},
-      {"a counter that repeats",
-       4,
-       ALL,
-       true,
-       {{"q", "query @"},
-        {"r1-4", "1-4 on 1 --N"},
-        {"n", "query @4"},
-        {"r4-8", "5-8 on 2 FPN"},
-        {"n", "query @8"},
-        {"r7-8", "5-8 on 2 FPN"},
-        {"n", "query @8"}}},
-      {"only known records of a counter that should not repeat",
-       4,
-       ALL,
-       false,
-       {{"q", "query @"}, {"r1-4", "1-4 on 1 --N"}, {"n", "query @4"}, {"r2-3", "1-4 on 1 --N"}, {"n", "query @3"}}},
-      {"the reply of an older query",
-       4,
-       ALL,
-       false,
-       {{"q", "query @"},
-        {"q", "query @"},
-        {"o1-2", "stale"},
-        {"r1-3", "1-3 on 1 ---"},
-        {"r1-3", "stale"},
-        {"q", "query @3"},
-        {"C", "nothing"},
-        {"r4-5", "stale"},
-        {"o4-5", "stale"}}},
-      {"records of another type, the last one too",
-       2,
-       FINANCING,
-       false,
-       {{"q", "query @"},
-        {"r1-4", "1-3 on 1 --N"},
-        {"n", "query @4"},
-        {"r6-6", "1-3 on 1 --N"},
-        {"n", "query @6"},
-        {"r7-8", "7-7 on 2 FP-"},
-        {"p", "reload"},
-        {"l1-12", "1-3 on 1 --N"},
-        {"n", "5-7 on 2 FPN"},
-        {"n", "9-11 on 3 FPN"},
-        {"n", "query @8"}}},
-      {"a refresh that keeps the cache",
-       2,
-       ALL,
-       false,
-       {{"q", "query @"},
-        {"r1-2", "1-2 on 1 --N"},
-        {"n", "query @2"},
-        {"r3-4", "3-4 on 2 FPN"},
-        {"c", "nothing"},
-        {"n", "3-4 on 2 FPN"},
-        {"n", "query @"},
-        {"r1-2", "1-2 on 1 --N"}}},
-      {"a page that is gone after a reload",
-       2,
-       FINANCING,
-       false,
-       {{"q", "query @"},
-        {"r1-9", "1-3 on 1 --N"},
-        {"n", "5-7 on 2 FPN"},
-        {"n", "9-9 on 3 FP-"},
-        {"p", "reload"},
-        {"l1-2", "1-1 on 1 ---"}}},
+      {"500 a page and 1,000 cached", 0, ALL, false,
+       "q>query @, r1-500>1-500 on 1 --N, n>query @500, n>nothing, r501-1000>501-1000 on 2 FPN, 1>1-500 on 1 --N, "
+       "n>501-1000 on 2 FPN, n>query @1000, r1001-1003>1001-1003 on 3 FP-, p>501-1000 on 2 FPN"},
+      {"previous on page 1", 4, ALL, false, "q>query @, r1-3>1-3 on 1 ---, p>1-3 on 1 ---"},
+      {"exactly one full page, then an empty batch or a failure", 4, ALL, false,
+       "q>query @, r1-4>1-4 on 1 --N, n>query @4, e>1-4 on 1 --N, e>stale, n>query @4, f>1-4 on 1 --N, f>stale"},
+      {"nothing at all", 4, ALL, false, "q>query @, e>none on 1 ---, q>query @, f>none on 1 ---"},
+      {"a counter that repeats", 4, ALL, true,
+       "q>query @, r1-4>1-4 on 1 --N, n>query @4, r4-8>5-8 on 2 FPN, n>query @8, r7-8>5-8 on 2 FPN, n>query @8"},
+      {"only known records of a counter that should not repeat", 4, ALL, false,
+       "q>query @, r1-4>1-4 on 1 --N, n>query @4, r2-3>1-4 on 1 --N, n>query @3"},
+      {"the reply of an older query", 4, ALL, false,
+       "q>query @, q>query @, o1-2>stale, r1-3>1-3 on 1 ---, r1-3>stale, q>query @3, C>nothing, r4-5>stale, "
+       "o4-5>stale"},
+      {"records of another type, the last one too", 2, FINANCING, false,
+       "q>query @, r1-4>1-3 on 1 --N, n>query @4, r6-6>1-3 on 1 --N, n>query @6, r7-8>7-7 on 2 FP-, p>reload, "
+       "l1-12>1-3 on 1 --N, n>5-7 on 2 FPN, n>9-11 on 3 FPN, n>query @8"},
+      {"a refresh that keeps the cache", 2, ALL, false,
+       "q>query @, r1-2>1-2 on 1 --N, n>query @2, r3-4>3-4 on 2 FPN, c>nothing, n>3-4 on 2 FPN, n>query @, "
+       "r1-2>1-2 on 1 --N"},
+      {"a page that is gone after a reload", 2, FINANCING, false,
+       "q>query @, r1-9>1-3 on 1 --N, n>5-7 on 2 FPN, n>9-9 on 3 FP-, p>reload, l1-2>1-1 on 1 ---"},
   };
   for (const CNamedCase& named : cases) {
     CPlay play(named.pageSize, named.compactType, named.repeats);
-    std::string before;
-    for (const auto& [step, expected] : named.steps) {
-      before += std::string(" ") + step;
-      ASSERT_EQ(play.act(step), expected) << named.name << ":" << before;
+    for (std::size_t at = 0, end = 0; at < named.play.size(); at = end + 2) {
+      end = std::min(named.play.find(", ", at), named.play.size());
+      const std::size_t mark = named.play.find('>', at);
+      ASSERT_EQ(play.act(named.play.substr(at, mark - at)), named.play.substr(mark + 1, end - mark - 1))
+          << named.name << ": " << named.play.substr(0, end);
     }
   }
 }
@@ -285,7 +212,7 @@ class CRandomPlay {
   explicit CRandomPlay(unsigned seed) : m_random(seed) {}
 
   void run() {
-    for (int i = 0; i < 400 && !testing::Test::HasFailure(); ++i) {
+    for (int i = 0; i < 300 && !testing::Test::HasFailure(); ++i) {
       if (pick(10) == 0) m_pageSize = 1 + pick(7);
       act();
       compare();
@@ -419,10 +346,11 @@ class CRandomPlay {
                           m_naive.cache.size() >= std::size_t(m_pageSize * m_naive.page)};
     if (m_naive.isOut) expected = {};
     EXPECT_EQ(textOf(m_book.buttons(m_pageSize)), textOf(expected));
-    for (int key = 0; key < 45; ++key) {
-      const std::string text = record(key, {})->getKey();
-      const std::size_t place = m_naive.placeOf(text);
-      EXPECT_EQ(m_book.indexOf(text), m_naive.isVoid || place == m_naive.cache.size() ? 0 : int(place) + 1);
+    for (std::size_t place = 0; place < m_naive.cache.size(); ++place)
+      EXPECT_EQ(m_book.indexOf(m_naive.cache[place]->getKey()), m_naive.isVoid ? 0 : int(place) + 1);
+    const std::string any = randomRecord(false)->getKey();
+    if (m_naive.placeOf(any) == m_naive.cache.size()) {
+      EXPECT_EQ(m_book.indexOf(any), 0);
     }
   }
 
@@ -437,10 +365,26 @@ class CRandomPlay {
 };
 
 TEST(PageBook, RandomOrdersGoByTheRules) {
-  for (unsigned seed = 1; seed <= 400; ++seed) {
+  for (unsigned seed = 1; seed <= 300; ++seed) {
     CRandomPlay(seed).run();
     ASSERT_FALSE(testing::Test::HasFailure()) << "seed " << seed;
   }
+}
+
+TEST(PageBook, OnlyLaterVersionsOfCachedRecordsAreTakenOver) {
+  CPageBook book;
+  const std::uint64_t number = book.beginQuery().number;
+  const auto version = [](int key, std::uint64_t value) {
+    const IDataPtr made = record(key, {});
+    rdservice::CDataVersion::stamp(*made, value);
+    return made;
+  };
+  const IDataPtr later = version(2, 6);
+  const std::vector<IDataPtr> received{version(1, 5), version(2, 5)};
+  const CPageStep step = book.accept(number, *book.sift(number, received, rules(ALL, false)), VN::PAGE_SIZE);
+  for (const IDataPtr& data : {version(1, 4), later, version(3, 6)}) book.renew(data);
+  EXPECT_EQ(book.records(step), (std::vector<IDataPtr>{received[0], later}));
+  EXPECT_EQ(book.size(), 2U);
 }
 
 TEST(PageBook, CostsLittleBesideItsRecords) {

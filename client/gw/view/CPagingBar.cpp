@@ -42,6 +42,7 @@ struct CPagingBar::Private {
   QLabel* pageLabel;
   QLabel* totalLabel;
   QLabel* sizeLabel;
+  QLabel* note;
   CComboBox* sizes;
   int page = 1;
   int total = -1;
@@ -73,6 +74,7 @@ CPagingBar::CPagingBar(QWidget* parent) : CAutoExpandToolBar(parent), m_d(std::m
   m_d->sizes = new CComboBox(SIZES_ID, this);
   m_d->sizes->setEventReceiver(this);
   addWidget(m_d->sizes);
+  m_d->note = addLabel();
   onUiResourceChanged();
   setPageSizes({});
   setTotal(-1);
@@ -119,6 +121,8 @@ void CPagingBar::setTotal(int total) {
   m_d->showLast(pageSize());
 }
 
+void CPagingBar::setNote(const QString& text) { m_d->note->setText(text); }
+
 int CPagingBar::total() const { return m_d->total; }
 
 void CPagingBar::setButtonEnabled(int button, bool enabled) {
@@ -156,7 +160,7 @@ bool CPagingBar::handleEvent(int type, int p1, int p2, QString text, void* data)
 }
 
 void CPagingBar::onUiResourceChanged() {
-  for (QLabel* label : {m_d->pageLabel, m_d->totalLabel, m_d->sizeLabel}) {
+  for (QLabel* label : {m_d->pageLabel, m_d->totalLabel, m_d->sizeLabel, m_d->note}) {
     QPalette colors = label->palette();
     colors.setColor(QPalette::WindowText, CUiResource::getColor(QStringLiteral("clr_table_text")));
     colors.setColor(QPalette::Disabled, QPalette::WindowText,

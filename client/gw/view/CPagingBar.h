@@ -29,6 +29,8 @@ class CPagingBar : public CAutoExpandToolBar {
   /// Number of records; -1 when unknown.
   void setTotal(int total);
   int total() const;
+  /// A text behind everything else; empty for none.
+  void setNote(const QString& text);
   /// `button` is an `EPagingButton`; others are ignored. Last is never enabled while total or page size is unknown.
   void setButtonEnabled(int button, bool enabled);
   bool isButtonEnabled(int button) const;

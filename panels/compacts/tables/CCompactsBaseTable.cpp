@@ -39,14 +39,14 @@ std::string CCompactsBaseTable::currentAccount() const {
 
 GW::CTableScope CCompactsBaseTable::shownScope() const {
   const utils::CReadLock lock(m_accountLock);
-  return {m_account, m_compactType, 0};
+  return {m_account, m_compactType, m_query};
 }
 
 bool CCompactsBaseTable::storeAccount(const std::string& account) {
   const utils::CWriteLock lock(m_accountLock);
   if (account == m_account) return false;
   m_account = account;
-  setScope({m_account, m_compactType, 0});
+  setScope({m_account, m_compactType, m_query});
   return true;
 }
 
@@ -54,8 +54,14 @@ bool CCompactsBaseTable::storeCompactType(int compactType) {
   const utils::CWriteLock lock(m_accountLock);
   if (compactType == m_compactType) return false;
   m_compactType = compactType;
-  setScope({m_account, m_compactType, 0});
+  setScope({m_account, m_compactType, m_query});
   return true;
+}
+
+void CCompactsBaseTable::setShownQuery(std::uint64_t query) {
+  const utils::CWriteLock lock(m_accountLock);
+  m_query = query;
+  setScope({m_account, m_compactType, m_query});
 }
 
 void CCompactsBaseTable::applyPriorityResults(const std::string&, const std::vector<rdservice::IDataPtr>&,

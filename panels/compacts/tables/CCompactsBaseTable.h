@@ -9,6 +9,7 @@
 #include <QList>
 #include <QString>
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <string>
@@ -91,7 +92,9 @@ class CCompactsBaseTable : public CHpfDataTable {
   bool storeAccount(const std::string& account);
   /// Stores the compact type; false when it is the one shown already.
   bool storeCompactType(int compactType);
-  /// Account and compact type shown, read together. Any thread.
+  /// Paged tables: what is shown from now on is of that query or page. Any thread.
+  void setShownQuery(std::uint64_t query);
+  /// Account, compact type and query shown, read together. Any thread.
   GW::CTableScope shownScope() const;
 
   /// Runs `task` on the strand while the table lives. When it throws, that is logged and the query ends with
@@ -129,6 +132,7 @@ class CCompactsBaseTable : public CHpfDataTable {
   mutable utils::CSharedMutex m_accountLock;
   std::string m_account TS_GUARDED_BY(m_accountLock);
   int m_compactType TS_GUARDED_BY(m_accountLock);
+  std::uint64_t m_query TS_GUARDED_BY(m_accountLock) = 0;
   CSignals m_signals;
   utils::CLifeline<CCompactsBaseTable> m_lifeline;
 };
