@@ -84,6 +84,17 @@ std::vector<IDataPtr> CCompactWriter::write(const CSqlConnection& connection, co
 
 std::vector<IDataPtr> CCompactWriter::close(const CSqlConnection& connection, const std::string& accountKey,
                                             const std::string& compactKey, std::int32_t closeDate) {
+  return closeChosen(connection, accountKey, closeDate, [&](std::string&) { return std::vector{compactKey}; });
+}
+
+std::vector<IDataPtr> CCompactWriter::closeFirst(const CSqlConnection& connection, const std::string& accountKey,
+                                                 int count, std::int32_t closeDate) {
+  return closeChosen(connection, accountKey, closeDate,
+                     [&](std::string& error) { return firstCompacts(connection, accountKey, count, error); });
+}
+
+std::vector<IDataPtr> CCompactWriter::closeChosen(const CSqlConnection& connection, const std::string& accountKey,
+                                                  std::int32_t closeDate, const CChoice& choose) {
   if (!connection.isOpen()) return {};  // said when it was opened
   // The number of a removed row may be given to another.
   m_rowIds.clear();
@@ -94,11 +105,16 @@ std::vector<IDataPtr> CCompactWriter::close(const CSqlConnection& connection, co
   if (error.empty()) {
     CSqlTransaction transaction(connection);
     error = transaction.error();
-    if (error.empty()) moved = moveToClosed(connection, account, compactKey, closeDate, error);
+    const auto keys = error.empty() ? choose(error) : std::vector<std::string>();
+    for (auto key = keys.begin(); error.empty() && key != keys.end(); ++key) {
+      const auto both = moveToClosed(connection, account, *key, closeDate, error);
+      moved.insert(moved.end(), both.begin(), both.end());
+      if (!error.empty()) error = *key + ": " + error;
+    }
     if (error.empty()) transaction.commit(error);
   }
   if (error.empty()) return moved;
-  utils::logError(SITE, "compact {0} not closed: {1}", compactKey, error);
+  utils::logError(SITE, "no compact of account {0} closed: {1}", accountKey, error);
   return {};
 }
 

@@ -120,6 +120,12 @@ void CSqlCounter::closeCompact(const std::string& accountKey, const std::string&
   });
 }
 
+void CSqlCounter::closeFirstCompacts(const std::string& accountKey, int count, std::int32_t closeDate) {
+  m_d->writer.post([d = m_d.get(), accountKey, count, closeDate](const auto& connection) {
+    d->push(d->compactWriter.closeFirst(connection, accountKey, count, closeDate));
+  });
+}
+
 void CSqlCounter::changeRandomCompacts(const std::string& accountKey, int count, unsigned seed) {
   m_d->writer.post([d = m_d.get(), accountKey, count, seed](const auto& connection) {
     d->push(d->compactWriter.changeRandom(connection, accountKey, count, seed));

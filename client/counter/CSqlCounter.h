@@ -60,6 +60,10 @@ class CSqlCounter final : public ICounter {
   /// at once.
   void closeCompact(const std::string& accountKey, const std::string& compactKey, std::int32_t closeDate);
 
+  /// The same for the account's first `count` compacts in the order of their position strings, or for all when it has
+  /// fewer: in one transaction and one push, for each compact the unclosed one and the closed one.
+  void closeFirstCompacts(const std::string& accountKey, int count, std::int32_t closeDate);
+
   /// Changes interest and unpaid amount of `count` unclosed compacts of the account a little and pushes them. The same
   /// seed on the same book makes the same changes. Any thread; returns at once.
   void changeRandomCompacts(const std::string& accountKey, int count, unsigned seed);

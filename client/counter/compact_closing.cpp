@@ -45,17 +45,22 @@ bool runToRow(QSqlQuery& query, const QString& statement, const std::vector<QVar
   return ok && query.next();
 }
 
-/// Row number of the account's unclosed compact with the key; 0 with an `error` when there is none.
-qlonglong findRow(const CSqlConnection& connection, const CRecordKind& kind, const std::string& accountKey,
-                  const std::string& compactKey, std::string& error) {
-  // The parts in the order of CStkUnClosedCompacts::genKey. They all stand in the table's key, which answers this.
+/// An unclosed compact's key as an SQL term. Its columns all stand in the table's key, which finds a row by it.
+QString keyTerm() {
+  // The parts in the order of CStkUnClosedCompacts::genKey.
   QString key;
   for (const char* part : {"account", "exchange", "code", "open_date", "compact_no"})
     key += (key.isEmpty() ? QString() : QStringLiteral(" || '____' || ")) + CSqlTable::column(part);
+  return key;
+}
+
+/// Row number of the account's unclosed compact with the key; 0 with an `error` when there is none.
+qlonglong findRow(const CSqlConnection& connection, const CRecordKind& kind, const std::string& accountKey,
+                  const std::string& compactKey, std::string& error) {
   auto query = connection.makeQuery();
   if (runToRow(query,
                QStringLiteral("SELECT rowid FROM %1 WHERE %2 = ? AND %3 = ?")
-                   .arg(CSqlTable::column(kind.des.name()), CSqlTable::column(kind.accountField()->name), key),
+                   .arg(CSqlTable::column(kind.des.name()), CSqlTable::column(kind.accountField()->name), keyTerm()),
                {QString::fromStdString(accountKey), QString::fromStdString(compactKey)}, error))
     return query.value(0).toLongLong();
   if (error.empty()) error = "the account has no such unclosed compact";
@@ -115,6 +120,19 @@ void settle(CStkUnClosedCompacts& compact) {
 }
 
 }  // namespace
+
+std::vector<std::string> firstCompacts(const CSqlConnection& connection, const std::string& accountKey, int count,
+                                       std::string& error) {
+  const auto& kind = *recordKind(rdservice::RecordStkUnClosedCompacts);
+  const auto statement = QStringLiteral("SELECT %1 FROM %2 WHERE %3 = ? ORDER BY %4 LIMIT ?")
+                             .arg(keyTerm(), CSqlTable::column(kind.des.name()),
+                                  CSqlTable::column(kind.accountField()->name), CSqlTable::column(kind.position));
+  std::vector<std::string> keys;
+  auto query = connection.makeQuery();
+  bool found = runToRow(query, statement, {QString::fromStdString(accountKey), std::max(count, 0)}, error);
+  for (; found; found = query.next()) keys.push_back(query.value(0).toString().toStdString());
+  return keys;
+}
 
 std::vector<rdservice::IDataPtr> moveToClosed(const CSqlConnection& connection, const CAccountInfoPtr& account,
                                               const std::string& compactKey, std::int32_t closeDate,

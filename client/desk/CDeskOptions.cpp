@@ -15,7 +15,7 @@ bool readDeskOptions(const QStringList& arguments, CDeskOptions& options) {
   const QString share = QCoreApplication::applicationDirPath() + QStringLiteral("/../share/PanelCompacts");
   const QCommandLineOption book(QStringLiteral("book"), QStringLiteral("Load the book of CSV files in <dir> first."),
                                 QStringLiteral("dir"));
-  const QCommandLineOption data(QStringLiteral("data"), QStringLiteral("Keep database and log in <dir>."),
+  const QCommandLineOption data(QStringLiteral("data"), QStringLiteral("Keep database, log and layout in <dir>."),
                                 QStringLiteral("dir"), defaultData);
   const QCommandLineOption config(QStringLiteral("config"), QStringLiteral("Read the configuration files in <dir>."),
                                   QStringLiteral("dir"), share + QStringLiteral("/config"));

@@ -6,7 +6,7 @@
 /// What the command line asks for.
 struct CDeskOptions {
   QString book;    ///< folder of CSV files to load first; empty: keep the database, or the sample book without one
-  QString data;    ///< folder of the database and the log
+  QString data;    ///< folder of the database, the log and the layout
   QString config;  ///< folder of the configuration files
   QString shots;   ///< folder for pictures: walk through every view, save them and end; empty: run normally
 };

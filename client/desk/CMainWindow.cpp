@@ -1,14 +1,14 @@
 #include "CMainWindow.h"
 
+#include "CBrokerPane.h"
+#include "CLayoutKeeper.h"
 #include "CLogView.h"
 #include "CMessageView.h"
 #include "CPanelHost.h"
 #include "compacts/CCompactsPanel.h"
-#include "gw/controls.h"
 #include "runtime/CClientRuntime.h"
 #include "vn/CTradeClient.h"
 
-#include <QActionGroup>
 #include <QDockWidget>
 #include <QLabel>
 #include <QMenu>
@@ -19,8 +19,6 @@ namespace {
 
 constexpr int METER_PERIOD_MS = 1000;
 constexpr int FIRST_PANEL_ID = 1;
-constexpr int LATENCIES_MS[] = {0, 200, 1000, 3000};
-constexpr int PUSH_COUNTS[] = {1, 20, 200};
 
 QString loginText(const rdservice::CAccountInfo& account, rdservice::EBROKER_LOGIN_STATUS status,
                   const std::string& why) {
@@ -39,22 +37,22 @@ QString loginText(const rdservice::CAccountInfo& account, rdservice::EBROKER_LOG
 
 }  // namespace
 
-CMainWindow::CMainWindow() {
+CMainWindow::CMainWindow(const QString& layoutFile) {
   setWindowTitle(QStringLiteral("融资融券交易台"));
   resize(1280, 760);
   setDockNestingEnabled(true);
   m_viewMenu = menuBar()->addMenu(QStringLiteral("视图(&V)"));
-  m_counterMenu = menuBar()->addMenu(QStringLiteral("柜台(&C)"));
-  m_counterMenu->setEnabled(false);
   m_state = new QLabel(this);
   m_gap = new QLabel(this);
   m_gap->setToolTip(QStringLiteral("界面线程未响应的最长时间"));
   statusBar()->addWidget(m_state, 1);
   statusBar()->addPermanentWidget(m_gap);
+  if (!layoutFile.isEmpty()) m_layout = std::make_unique<CLayoutKeeper>(*this, layoutFile);
   startTimer(METER_PERIOD_MS);
 }
 
 CMainWindow::~CMainWindow() {
+  m_layout.reset();  // saves what the docks still show
   // First nothing new may arrive; panels and views use the client's services to their last moment.
   if (m_client) m_client->stop();
   qDeleteAll(findChildren<QDockWidget*>(QString(), Qt::FindDirectChildrenOnly));
@@ -73,63 +71,56 @@ QDockWidget* CMainWindow::addDock(const QString& name, const QString& title, QWi
 
 void CMainWindow::startClient(std::unique_ptr<runtime::CClientRuntime> client) {
   m_client = std::move(client);
-
-  m_panel = new VN::CCompactsPanel(FIRST_PANEL_ID, this, 0);
-  QDockWidget* compacts =
-      addDock(QStringLiteral("compacts1"), m_panel->dockInfo().title, m_panel, Qt::TopDockWidgetArea);
-  new CPanelHost(m_panel);
-  m_messages = new CMessageView(this);
-  QDockWidget* messages =
-      addDock(QStringLiteral("messages"), QStringLiteral("消息"), m_messages, Qt::BottomDockWidgetArea);
-  QDockWidget* log =
-      addDock(QStringLiteral("log"), QStringLiteral("日志"), new CLogView(this), Qt::BottomDockWidgetArea);
-  QMetaObject::invokeMethod(
-      this,
-      [this, compacts, messages, log] {
-        resizeDocks({compacts, messages}, {500, 180}, Qt::Vertical);
-        resizeDocks({messages, log}, {420, 860}, Qt::Horizontal);
-        m_meter.reset();
-      },
-      Qt::QueuedConnection);  // once the docks have their places
-
-  connect(VN::CTradeClient::instance(), &VN::CTradeClient::sigLoginStatus, m_messages,
-          [this](const rdservice::CAccountInfoPtr& account, rdservice::EBROKER_LOGIN_STATUS status,
-                 const std::string& why) { m_messages->addMessage(loginText(*account, status, why)); });
-  connect(VN::CTradeClient::instance(), &VN::CTradeClient::sigAccountsChanged, this,
-          [this] { showState(QStringLiteral("柜台已连接")); });
-  connect(VN::CTradeClient::instance(), &VN::CTradeClient::sigStartFailed, this, [this](const QString& reason) {
-    showState(QStringLiteral("柜台不可用: %1").arg(reason));
-    m_messages->addMessage(QStringLiteral("柜台不可用: %1").arg(reason));
-    m_startFailure = reason;
-  });
+  addDocks();
   m_viewMenu->addSeparator();
   QAction* dark = m_viewMenu->addAction(QStringLiteral("深色配色"));
   dark->setCheckable(true);
   dark->setChecked(runtime::CClientRuntime::isDarkTheme());
   connect(dark, &QAction::toggled, this, [](bool on) { runtime::CClientRuntime::setDarkTheme(on); });
-  buildCounterMenu();
+  listenToClient();
   showState(QStringLiteral("正在连接柜台…"));
   m_client->start();
 }
 
-void CMainWindow::buildCounterMenu() {
-  QMenu* latency = m_counterMenu->addMenu(QStringLiteral("应答延迟"));
-  auto* group = new QActionGroup(latency);
-  for (const int ms : LATENCIES_MS) {
-    QAction* action = latency->addAction(QStringLiteral("%1 毫秒").arg(ms));
-    action->setCheckable(true);
-    group->addAction(action);
-    connect(action, &QAction::triggered, this, [this, ms] { m_client->setCounterLatency(ms); });
-  }
-  for (const int count : PUSH_COUNTS)
-    connect(m_counterMenu->addAction(QStringLiteral("推送当前账号的 %1 条合约变动").arg(count)), &QAction::triggered,
-            this, [this, count] { changeShownAccount(count); });
-  m_counterMenu->setEnabled(true);
+void CMainWindow::addDocks() {
+  m_panel = new VN::CCompactsPanel(FIRST_PANEL_ID, this, 0);
+  new CPanelHost(m_panel);
+  QDockWidget* compacts =
+      addDock(QStringLiteral("compacts1"), m_panel->dockInfo().title, m_panel, Qt::TopDockWidgetArea);
+  QDockWidget* broker = addDock(QStringLiteral("broker"), QStringLiteral("柜台"), new CBrokerPane(*m_client, this),
+                                Qt::TopDockWidgetArea);
+  m_messages = new CMessageView(this);
+  QDockWidget* messages =
+      addDock(QStringLiteral("messages"), QStringLiteral("消息"), m_messages, Qt::BottomDockWidgetArea);
+  QDockWidget* log =
+      addDock(QStringLiteral("log"), QStringLiteral("日志"), new CLogView(this), Qt::BottomDockWidgetArea);
+
+  const bool isRestored =
+      m_layout && m_layout->restore({m_panel}, [this](const QString& text) { m_messages->addMessage(text); });
+  QMetaObject::invokeMethod(
+      this,
+      [this, isRestored, compacts, broker, messages, log] {
+        if (!isRestored) {
+          resizeDocks({compacts, messages}, {540, 150}, Qt::Vertical);
+          resizeDocks({compacts, broker}, {1280, 1}, Qt::Horizontal);  // the broker's side takes what it needs
+          resizeDocks({messages, log}, {420, 860}, Qt::Horizontal);
+        }
+        m_meter.reset();
+      },
+      Qt::QueuedConnection);  // once the docks have their places
 }
 
-void CMainWindow::changeShownAccount(int compacts) {
-  if (const auto* combo = m_panel->findChild<GW::CComboBox*>())
-    m_client->changeSomeCompacts(combo->currentKey().toStdString(), compacts);
+void CMainWindow::listenToClient() {
+  VN::CTradeClient* client = VN::CTradeClient::instance();
+  connect(client, &VN::CTradeClient::sigLoginStatus, m_messages,
+          [this](const rdservice::CAccountInfoPtr& account, rdservice::EBROKER_LOGIN_STATUS status,
+                 const std::string& why) { m_messages->addMessage(loginText(*account, status, why)); });
+  connect(client, &VN::CTradeClient::sigAccountsChanged, this, [this] { showState(QStringLiteral("柜台已连接")); });
+  connect(client, &VN::CTradeClient::sigStartFailed, this, [this](const QString& reason) {
+    showState(QStringLiteral("柜台不可用: %1").arg(reason));
+    m_messages->addMessage(QStringLiteral("柜台不可用: %1").arg(reason));
+    m_startFailure = reason;
+  });
 }
 
 void CMainWindow::timerEvent(QTimerEvent*) {

@@ -6,6 +6,7 @@
 
 #include <memory>
 
+class CLayoutKeeper;
 class CMessageView;
 class QDockWidget;
 class QLabel;
@@ -18,10 +19,11 @@ namespace VN {
 class CCompactsPanel;
 }
 
-/// The desk's window: docks the compacts panel beside messages and log. Empty until a client runs.
+/// The desk's window: docks the compacts panel beside the broker's side, messages and log. Empty until a client runs.
 class CMainWindow : public QMainWindow {
  public:
-  CMainWindow();
+  /// `layoutFile` keeps where window and docks are; empty: they are where they are at first, and nothing is kept.
+  explicit CMainWindow(const QString& layoutFile = QString());
   ~CMainWindow() override;
 
   /// Text of the status bar.
@@ -45,14 +47,14 @@ class CMainWindow : public QMainWindow {
 
  private:
   QDockWidget* addDock(const QString& name, const QString& title, QWidget* widget, Qt::DockWidgetArea area);
-  void buildCounterMenu();
-  void changeShownAccount(int compacts);
+  void addDocks();
+  void listenToClient();
 
   std::unique_ptr<runtime::CClientRuntime> m_client;  ///< outlives the panels, which the destructor deletes first
   VN::CCompactsPanel* m_panel = nullptr;
   CMessageView* m_messages = nullptr;
+  std::unique_ptr<CLayoutKeeper> m_layout;
   QMenu* m_viewMenu = nullptr;
-  QMenu* m_counterMenu = nullptr;
   QString m_startFailure;
   QLabel* m_state = nullptr;
   QLabel* m_gap = nullptr;

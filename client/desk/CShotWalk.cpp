@@ -7,8 +7,10 @@
 #include "vn/CCountDownButton.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QDir>
 #include <QPixmap>
+#include <QTableWidget>
 
 #include <algorithm>
 #include <cstdio>
@@ -17,6 +19,7 @@ namespace {
 
 constexpr int POLL_MS = 20;
 constexpr int STEP_LIMIT_MS = 30000;
+constexpr int PUSHES_MS = 2000;
 constexpr int CHOICE_MS = 300;  // what a user takes at least between choosing an account and pressing the button
 
 }  // namespace
@@ -35,17 +38,46 @@ CShotWalk::CShotWalk(CMainWindow& window, const QString& folder, QObject* parent
 
 /// Each account of the combo box: choose it, refresh, wait for the answer.
 void CShotWalk::addAccountSteps() {
+  const int accounts = m_window.panel()->findChild<GW::CComboBox*>()->count();
+  for (int i = 0; i < accounts; ++i) {
+    addChoice(i);
+    addRefresh(QStringLiteral("%1-account-%2").arg(i + 2, 2, 10, QLatin1Char('0')).arg(i + 1));
+  }
+  addChoice(0);
+  addRefresh(QString());
+  addPushSteps(QStringLiteral("%1-pushes").arg(accounts + 2, 2, 10, QLatin1Char('0')));
+}
+
+void CShotWalk::addChoice(int account) {
+  auto* combo = m_window.panel()->findChild<GW::CComboBox*>();
+  auto* refresh = m_window.panel()->findChild<VN::CCountDownButton*>();
+  m_steps.push_back({QString(), [combo, account] { combo->setCurrentIndex(account); },
+                     [this, refresh] { return !refresh->isLocked() && m_waited.elapsed() > CHOICE_MS; }});
+}
+
+void CShotWalk::addRefresh(const QString& picture) {
   auto* combo = m_window.panel()->findChild<GW::CComboBox*>();
   auto* refresh = m_window.panel()->findChild<VN::CCountDownButton*>();
   auto* table = m_window.panel()->findChild<QWidget*>(QStringLiteral("compactsTable0"));
   auto* rows = dynamic_cast<GW::CBaseHighPerformanceTable*>(table);
-  for (int i = 0; i < combo->count(); ++i) {
-    const QString name = QStringLiteral("%1-account-%2").arg(i + 2, 2, 10, QLatin1Char('0')).arg(i + 1);
-    m_steps.push_back({QString(), [combo, i] { combo->setCurrentIndex(i); },
-                       [this, refresh] { return !refresh->isLocked() && m_waited.elapsed() > CHOICE_MS; }});
-    m_steps.push_back({name, [refresh] { refresh->click(); },
-                       [combo, rows] { return combo->isEnabled() && (rows == nullptr || rows->isUpToDate()); }});
-  }
+  m_steps.push_back({picture, [refresh] { refresh->click(); },
+                     [combo, rows] { return combo->isEnabled() && (rows == nullptr || rows->isUpToDate()); }});
+}
+
+/// The broker changes compacts of the shown account all the while.
+void CShotWalk::addPushSteps(const QString& picture) {
+  auto* combo = m_window.panel()->findChild<GW::CComboBox*>();
+  auto* pane = m_window.findChild<QWidget*>(QStringLiteral("broker"));
+  auto* accounts = pane->findChild<QTableWidget*>();
+  auto* steady = pane->findChild<QCheckBox*>();
+  m_steps.push_back({picture,
+                     [combo, accounts, steady] {
+                       for (int row = 0; row < accounts->rowCount(); ++row)
+                         if (accounts->item(row, 0)->data(Qt::UserRole) == combo->currentKey())
+                           accounts->selectRow(row);
+                       steady->setChecked(true);
+                     },
+                     [this] { return m_waited.elapsed() > PUSHES_MS; }});
 }
 
 void CShotWalk::timerEvent(QTimerEvent*) {

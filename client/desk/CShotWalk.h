@@ -27,6 +27,9 @@ class CShotWalk : public QObject {
   };
 
   void addAccountSteps();
+  void addChoice(int account);
+  void addRefresh(const QString& picture);
+  void addPushSteps(const QString& picture);
   bool save(const QString& picture);
   void finish(int exitCode);
 

@@ -105,7 +105,8 @@ int main(int argc, char** argv) {
     return EXIT_INPUT;
   }
 
-  CMainWindow window;
+  // The walk shows the same each time: it neither takes up a layout nor leaves one.
+  CMainWindow window(options.shots.isEmpty() ? QDir(options.data).filePath(QStringLiteral("layout.json")) : QString());
   CBookLoading loading;
   window.show();
   const QString database = QDir(options.data).filePath(QStringLiteral("counter.db"));

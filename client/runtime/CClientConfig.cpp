@@ -11,7 +11,7 @@ namespace runtime {
 namespace {
 
 constexpr int MAX_INT = std::numeric_limits<int>::max();
-constexpr int NO_ID = -1;
+constexpr int WRONG_ID = -1;
 
 struct CRight {
   int level;
@@ -55,24 +55,27 @@ std::map<int, std::set<std::string>> readRights(const std::string& path, std::ve
 void readCounterTypes(const utils::CConfigFile& file, CCounterSettings& settings) {
   std::set<int> ids;
   for (const utils::CConfigSection& section : file.getSections("counter_type")) {
-    const int id = section.getInt("id", 0, MAX_INT, NO_ID);
     const int most = section.getInt("max_compacts", 0, MAX_INT, 0);
     const bool repeats = section.getBool("repeats_records", false);
-    if (!section.has("id"))
+    const int id = section.getInt("id", 0, MAX_INT, WRONG_ID);
+    if (!section.has("id")) {
       section.addError("id", "is missing; every counter type needs its number");
-    else if (id != NO_ID && !ids.insert(id).second)
+    } else if (id != WRONG_ID && !ids.insert(id).second) {
       section.addError("id", "is used twice; every counter type needs a number of its own");
-    if (most > 0) settings.maxCompacts.emplace(id, most);
-    if (repeats) settings.repeatingTypes.insert(id);
+    } else if (id != WRONG_ID) {
+      if (most > 0) settings.maxCompacts.emplace(id, most);
+      if (repeats) settings.repeatingTypes.insert(id);
+    }
   }
 }
 
 CCounterSettings readCounterSettings(const std::string& path, std::vector<utils::CConfigError>& errors) {
   CCounterSettings settings;
   const utils::CConfigFile file(path, errors);
-  settings.latencyMs = file.getInt("latency_ms", 0, 60000, settings.latencyMs);
-  settings.failEvery = file.getInt("fail_every", 0, 1000000, settings.failEvery);
-  settings.silentEvery = file.getInt("silent_every", 0, 1000000, settings.silentEvery);
+  CCounterBehaviour& behaviour = settings.behaviour;
+  behaviour.latencyMs = file.getInt("latency_ms", 0, behaviour.MAX_LATENCY_MS, behaviour.latencyMs);
+  behaviour.failEvery = file.getInt("fail_every", 0, behaviour.MAX_EVERY, behaviour.failEvery);
+  behaviour.silentEvery = file.getInt("silent_every", 0, behaviour.MAX_EVERY, behaviour.silentEvery);
   settings.requestTimeoutMs = file.getInt("request_timeout_ms", 100, 600000, settings.requestTimeoutMs);
   readCounterTypes(file, settings);
   file.reportUnknownKeys();

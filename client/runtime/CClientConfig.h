@@ -1,6 +1,7 @@
 #pragma once
 
 #include "rdservice/broker_config.h"
+#include "runtime/CCounterBehaviour.h"
 #include "utils/CConfigFile.h"
 #include "vn/user_settings.h"
 
@@ -13,9 +14,7 @@ namespace runtime {
 
 /// Contents of counter.toml: how the embedded counter behaves, and how long the client waits for it.
 struct CCounterSettings {
-  int latencyMs = 0;               ///< every reply comes that much later
-  int failEvery = 0;               ///< every n-th request fails; 0 never
-  int silentEvery = 0;             ///< every n-th request is not answered; 0 never
+  CCounterBehaviour behaviour;
   int requestTimeoutMs = 15000;    ///< the client gives a request up after that
   std::map<int, int> maxCompacts;  ///< by counter type: most compacts in one reply; a type left out has no limit
   std::set<int> repeatingTypes;    ///< counter types whose replies begin with the last record of the reply before

@@ -37,6 +37,7 @@ struct CClientRuntime::Private {
   std::unique_ptr<rdservice::TraderCenter> trader;
   std::unique_ptr<counter::ICounter> theCounter;
   counter::CSqlCounter* sqlCounter = nullptr;  ///< `theCounter`, when it is the embedded one
+  CCounterBehaviour behaviour;
   std::unique_ptr<VN::CTradeClient> client;
 };
 
@@ -56,6 +57,7 @@ CClientRuntime::CClientRuntime(const CClientConfig& config, std::unique_ptr<coun
   m_d->trader = rdservice::makeTraderCenter();
   m_d->sqlCounter = dynamic_cast<counter::CSqlCounter*>(theCounter.get());
   m_d->theCounter = std::move(theCounter);
+  m_d->behaviour = config.counter.behaviour;
   m_d->client = VN::makeTradeClient(*m_d->theCounter, std::chrono::milliseconds(config.counter.requestTimeoutMs));
 }
 
@@ -68,9 +70,9 @@ std::unique_ptr<CClientRuntime> CClientRuntime::open(const CPaths& paths, std::v
   if (!found.empty()) return nullptr;
   counter::CSqlCounterOptions options;
   options.databasePath = paths.database;
-  options.latency = std::chrono::milliseconds(config.counter.latencyMs);
-  options.failEvery = config.counter.failEvery;
-  options.silentEvery = config.counter.silentEvery;
+  options.latency = std::chrono::milliseconds(config.counter.behaviour.latencyMs);
+  options.failEvery = config.counter.behaviour.failEvery;
+  options.silentEvery = config.counter.behaviour.silentEvery;
   options.maxCompacts = config.counter.maxCompacts;
   options.repeatingTypes = config.counter.repeatingTypes;
   return std::make_unique<CClientRuntime>(config, std::make_unique<counter::CSqlCounter>(options), paths.logFile);
@@ -101,12 +103,30 @@ CClientRuntime::CLoadedBook CClientRuntime::loadBook(const std::string& folder, 
   return result;
 }
 
+CCounterBehaviour CClientRuntime::counterBehaviour() const { return m_d->behaviour; }
+
 void CClientRuntime::setCounterLatency(int milliseconds) {
+  m_d->behaviour.latencyMs = milliseconds;
   if (m_d->sqlCounter != nullptr) m_d->sqlCounter->setLatency(std::chrono::milliseconds(milliseconds));
+}
+
+void CClientRuntime::setCounterFailEvery(int requests) {
+  m_d->behaviour.failEvery = requests;
+  if (m_d->sqlCounter != nullptr) m_d->sqlCounter->setFailEvery(requests);
+}
+
+void CClientRuntime::setCounterSilentEvery(int requests) {
+  m_d->behaviour.silentEvery = requests;
+  if (m_d->sqlCounter != nullptr) m_d->sqlCounter->setSilentEvery(requests);
 }
 
 void CClientRuntime::changeSomeCompacts(const std::string& accountKey, int count) {
   if (m_d->sqlCounter != nullptr) m_d->sqlCounter->changeRandomCompacts(accountKey, count, std::random_device()());
+}
+
+void CClientRuntime::closeSomeCompacts(const std::string& accountKey, int count) {
+  const auto today = static_cast<std::int32_t>(QDate::currentDate().toJulianDay());
+  if (m_d->sqlCounter != nullptr) m_d->sqlCounter->closeFirstCompacts(accountKey, count, today);
 }
 
 void CClientRuntime::setDarkTheme(bool dark) { GW::setUiTheme(dark ? GW::EUiTheme::Dark : GW::EUiTheme::Light); }

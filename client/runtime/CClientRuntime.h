@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host_api.h"
+#include "runtime/CCounterBehaviour.h"
 
 #include <atomic>
 #include <memory>
@@ -56,10 +57,19 @@ class HOST_API CClientRuntime {
   /// becomes true it ends soon, and the database is as it was.
   static CLoadedBook loadBook(const std::string& folder, const std::string& database, const std::atomic<bool>& giveUp);
 
-  /// Embedded counter only: replies come that much later from now on. Milliseconds.
+  // The broker's side: on another than the embedded counter these do nothing.
+  /// At first as counter.toml has it.
+  CCounterBehaviour counterBehaviour() const;
+  /// For requests from now on. Milliseconds.
   void setCounterLatency(int milliseconds);
-  /// Embedded counter only: changes some of the account's compacts at the counter, which pushes them.
+  /// Every so many requests, counted from now on, one fails, or is not answered at all; 0 never.
+  void setCounterFailEvery(int requests);
+  void setCounterSilentEvery(int requests);
+  /// Changes some of the account's compacts at the counter, which pushes them.
   void changeSomeCompacts(const std::string& accountKey, int count);
+  /// Closes the account's first unclosed compacts at the counter today, which pushes them, owing nothing, and the
+  /// closed ones.
+  void closeSomeCompacts(const std::string& accountKey, int count);
 
   /// Colours of the whole application, at first as user.toml has them. GUI thread.
   static void setDarkTheme(bool dark);
