@@ -7,30 +7,23 @@
 #include "utils/threads.h"
 #include "vn/CUserConfig.h"
 
-#include <exception>
-
 namespace VN {
 
 namespace {
 
-constexpr const char* STRAND_NAME = "hpfmodel";
 constexpr int MENU_FLAGS = 255;
-constexpr utils::CLogSite TASK_SITE{"CCompactsTable.cpp",
-                                    "void VN::CCompactsBaseTable::runTask(const std::function<void()>&)"};
+constexpr utils::CLogSite TASK_SITE{"CCompactsTable.cpp", "void VN::CCompactsBaseTable::endFailed(const std::string&)"};
 
 }  // namespace
 
 CCompactsBaseTable::CCompactsBaseTable(int tableId, int secondId, QWidget* parent)
     : CHpfDataTable(tableId, secondId, parent, MENU_FLAGS),
-      m_strand(net::RPCEngine::instance()->getStrand(STRAND_NAME)),
       m_compactType(rdservice::CompactTypeAll),
-      m_lifeline(this) {
+      m_tasks([this](const std::string& what) { endFailed(what); }) {
   setScope({std::string(), rdservice::CompactTypeAll, 0});
 }
 
 CCompactsBaseTable::~CCompactsBaseTable() = default;
-
-void CCompactsBaseTable::close() { m_lifeline.close(); }
 
 std::string CCompactsBaseTable::currentAccount() const {
   const utils::CReadLock lock(m_accountLock);
@@ -70,9 +63,7 @@ void CCompactsBaseTable::applyPriorityResults(const std::string&, const std::vec
 void CCompactsBaseTable::postPriorityResults(const std::string& account,
                                              const std::vector<rdservice::IDataPtr>& responses,
                                              const std::map<std::string, std::string>& labels) {
-  postToStrand<CCompactsBaseTable>([account, responses, labels](CCompactsBaseTable& table) {
-    table.applyPriorityResults(account, responses, labels);
-  });
+  postToStrand([this, account, responses, labels] { applyPriorityResults(account, responses, labels); });
 }
 
 bool CCompactsBaseTable::isOwnRecord(const rdservice::IDataPtr& record) const {
@@ -99,18 +90,7 @@ void CCompactsBaseTable::filterBrushSource(int brushSource) {
   updateFilter();
 }
 
-void CCompactsBaseTable::postTask(std::function<void()> task) { m_strand->post(std::move(task)); }
-
-void CCompactsBaseTable::runTask(const std::function<void()>& task) {
-  std::string what;
-  try {
-    task();
-    return;
-  } catch (const std::exception& e) {
-    what = e.what();
-  } catch (...) {
-    what = "unknown exception";
-  }
+void CCompactsBaseTable::endFailed(const std::string& what) const {
   utils::logError(TASK_SITE, "{0} task failed : acc = {1}, what = {2}",
                   getID() == TableUnclosedCompacts ? "[unclosed compact]" : "[closed compact]", currentAccount(), what);
   emitQueryData();

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "compacts/tables/CTableTasks.h"
 #include "compacts/tables/compact_records.h"
-#include "net/RPCEngine.h"
-#include "utils/CLifeline.h"
 #include "utils/CMutex.h"
 #include "vn/CHpfDataTable.h"
 
@@ -85,8 +84,8 @@ class CCompactsBaseTable : public CHpfDataTable {
   void emitUpdateTable() const { m_signals.updateTable(); }
 
   /// First line of the final class's destructor: afterwards no callback and no strand task runs, and none begins.
-  void close();
-  bool isClosing() const { return m_lifeline.isClosing(); }
+  void close() { m_tasks.close(); }
+  bool isClosing() const { return m_tasks.isClosing(); }
 
   /// Stores the account; false when it is the one shown already.
   bool storeAccount(const std::string& account);
@@ -99,19 +98,15 @@ class CCompactsBaseTable : public CHpfDataTable {
 
   /// Runs `task` on the strand while the table lives. When it throws, that is logged and the query ends with
   /// `sigQueryData()`, so that the panel's controls come back. Any thread.
-  template <class Table, class F>
+  template <class F>
   void postToStrand(F task) {
-    postTask(m_lifeline.guard([task = std::move(task)](CCompactsBaseTable& table) mutable {
-      table.runTask([&] { task(static_cast<Table&>(table)); });
-    }));
+    m_tasks.post(std::move(task));
   }
 
-  /// A callable for a service's reply that runs `function(table, ...)` while the table lives, with the same barrier.
-  template <class Table, class F>
+  /// A callable for a service's reply that runs `function` while the table lives, with the same barrier.
+  template <class F>
   auto guarded(F function) {
-    return m_lifeline.guard([function = std::move(function)](CCompactsBaseTable& table, auto&&... arguments) mutable {
-      table.runTask([&] { function(static_cast<Table&>(table), std::forward<decltype(arguments)>(arguments)...); });
-    });
+    return m_tasks.guarded(std::move(function));
   }
 
   /// Whether the record is of the type that this table shows; false for null. Any thread.
@@ -124,17 +119,15 @@ class CCompactsBaseTable : public CHpfDataTable {
   void filterBrushSource(int brushSource);
 
  private:
-  void postTask(std::function<void()> task);
-  void runTask(const std::function<void()>& task);
+  void endFailed(const std::string& what) const;
 
-  net::CStrandPtr m_strand;
   /// Taken before the mutex of the rows, never inside it.
   mutable utils::CSharedMutex m_accountLock;
   std::string m_account TS_GUARDED_BY(m_accountLock);
   int m_compactType TS_GUARDED_BY(m_accountLock);
   std::uint64_t m_query TS_GUARDED_BY(m_accountLock) = 0;
   CSignals m_signals;
-  utils::CLifeline<CCompactsBaseTable> m_lifeline;
+  CTableTasks m_tasks;
 };
 
 }  // namespace VN

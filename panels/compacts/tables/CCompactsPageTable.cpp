@@ -81,7 +81,7 @@ void CCompactsPageTable::startQuery(bool direct, bool fullQuery) {
   if (account.empty())
     emitQueryData();
   else if (!direct)
-    postToStrand<CCompactsPageTable>([account](CCompactsPageTable& table) { table.queryPage(account); });
+    postToStrand([this, account] { queryPage(account); });
   else if (fullQuery)
     queryEverything(account);
   else
@@ -100,20 +100,19 @@ void CCompactsPageTable::queryEverything(const std::string& account) {
   const bool unclosed = getID() == TableUnclosedCompacts;
   postStep(shownScope(), std::move(step));
   refreshPagingButtons();
-  auto complete = guarded<CCompactsPageTable>([account, type, unclosed, query](CCompactsPageTable& table, bool success,
-                                                                               std::vector<rdservice::IDataPtr> records,
-                                                                               const std::string& errorText) {
+  auto complete = guarded([this, account, type, unclosed, query](bool success, std::vector<rdservice::IDataPtr> records,
+                                                                 const std::string& errorText) {
     if (unclosed)
-      table.onFullQueryUnfinishCompact(account, type, success, std::move(records), errorText, query);
+      onFullQueryUnfinishCompact(account, type, success, std::move(records), errorText, query);
     else
-      table.onFullQueryfinishCompact(account, type, success, std::move(records), errorText, query);
+      onFullQueryfinishCompact(account, type, success, std::move(records), errorText, query);
   });
-  auto progress = guarded<CCompactsPageTable>([query](CCompactsPageTable& table, std::size_t records) {
-    if (query != table.shownScope().query) return;
-    table.m_received = records;
-    if (!table.m_isProgressPosted.exchange(true))
+  auto progress = guarded([this, query](std::size_t records) {
+    if (query != shownScope().query) return;
+    m_received = records;
+    if (!m_isProgressPosted.exchange(true))
       QMetaObject::invokeMethod(
-          &table, [&table] { table.showProgress(); }, Qt::QueuedConnection);
+          this, [this] { showProgress(); }, Qt::QueuedConnection);
   });
   std::make_shared<CCompactQueryModel>(info, recordTypeOfTable(getID()), std::move(complete), std::move(progress))
       ->start();
@@ -135,14 +134,13 @@ void CCompactsPageTable::sendQuery(const GW::CTableScope& scope, const std::stri
   request->accountKey = scope.account;
   const auto type = static_cast<rdservice::EKVCompactType>(scope.type);
   const bool unclosed = getID() == TableUnclosedCompacts;
-  auto reply = guarded<CCompactsPageTable>([account = scope.account, type, unclosed, query = scope.query](
-                                               CCompactsPageTable& table, const utils::RDError& error,
-                                               const std::vector<rdservice::IDataPtr>& compacts, int reserved,
-                                               const bson::BSONObj& extra) {
+  auto reply = guarded([this, account = scope.account, type, unclosed, query = scope.query](
+                           const utils::RDError& error, const std::vector<rdservice::IDataPtr>& compacts, int reserved,
+                           const bson::BSONObj& extra) {
     if (unclosed)
-      table.onQueryUnfinishCompact(account, error, compacts, reserved, extra, type, query);
+      onQueryUnfinishCompact(account, error, compacts, reserved, extra, type, query);
     else
-      table.onQueryCompleteCompact(account, error, compacts, reserved, extra, type, query);
+      onQueryCompleteCompact(account, error, compacts, reserved, extra, type, query);
   });
   if (unclosed)
     CTradeClient::instance()->queryUnclosedCompacts(request, reply);

@@ -69,11 +69,10 @@ void CCompactsPageTable::postRefreshOfButtons() {
 void CCompactsPageTable::postStep(const GW::CTableScope& scope, CPageStep step) {
   const bool isShown = step.what == CPageStep::Show || step.what == CPageStep::Reload;
   if (!isShown && step.dropped.empty()) return;
-  postToStrand<CCompactsPageTable>(
-      [scope, step = std::make_shared<CPageStep>(std::move(step)), isShown](CCompactsPageTable& table) {
-        if (isShown) table.doStep(table.pageText(), scope, *step);
-        step->dropped.clear();
-      });
+  postToStrand([this, scope, step = std::make_shared<CPageStep>(std::move(step)), isShown] {
+    if (isShown) doStep(pageText(), scope, *step);
+    step->dropped.clear();
+  });
 }
 
 void CCompactsPageTable::onQueryUnfinishCompact(const std::string& account, const utils::RDError& error,
@@ -135,11 +134,10 @@ void CCompactsPageTable::onReply(const CReplyText& text, const GW::CTableScope& 
     endStale(text, madeFor);
   } else if (error.isSuccess()) {
     utils::logInfo(text.site, text.success, madeFor.account, compacts.size());
-    postToStrand<CCompactsPageTable>(
-        [&text, madeFor, compacts](CCompactsPageTable& table) { table.appendBatch(text, madeFor, compacts); });
+    postToStrand([this, &text, madeFor, compacts] { appendBatch(text, madeFor, compacts); });
   } else {
     utils::logInfo(text.site, text.failure, madeFor.account, error.errorMsg());
-    postToStrand<CCompactsPageTable>([&text, madeFor](CCompactsPageTable& table) { table.finish(text, madeFor); });
+    postToStrand([this, &text, madeFor] { finish(text, madeFor); });
   }
 }
 
@@ -148,12 +146,10 @@ void CCompactsPageTable::onFullReply(const CReplyText& text, const GW::CTableSco
   if (madeFor != shownScope()) {
     endStale(text, madeFor);
   } else if (success) {
-    postToStrand<CCompactsPageTable>([&text, madeFor, records = std::move(records)](CCompactsPageTable& table) {
-      table.replaceAll(text, madeFor, records);
-    });
+    postToStrand([this, &text, madeFor, records = std::move(records)] { replaceAll(text, madeFor, records); });
   } else {
     utils::logInfo(text.site, text.failure, madeFor.account, errorText);
-    postToStrand<CCompactsPageTable>([&text, madeFor](CCompactsPageTable& table) { table.finish(text, madeFor); });
+    postToStrand([this, &text, madeFor] { finish(text, madeFor); });
   }
 }
 

@@ -32,8 +32,8 @@ CCompactsTable::CCompactsTable(int singleSelect, int tableId, int secondId, QWid
     setSimplePagingQueryType(GW::PagingPartPages | GW::PagingPartLast | GW::PagingPartTotal);
   }
   m_changeSubscription = CTradeClient::instance()->subscribeCompactChange(
-      guarded<CCompactsTable>([](CCompactsTable& table, bool replaced, const std::string& account, int dataType) {
-        table.onCompactChange(replaced, account, dataType);
+      guarded([this](bool replaced, const std::string& account, int dataType) {
+        onCompactChange(replaced, account, dataType);
       }));
   m_columns.build(*this, singleSelect != 0);
 }
@@ -173,15 +173,14 @@ void CCompactsTable::startQuery(bool serverQuery) {
   request->requestCount = ALL_COMPACTS;
   const auto type = static_cast<rdservice::EKVCompactType>(scope.type);
   const bool unclosed = getID() == TableUnclosedCompacts;
-  auto reply = guarded<CCompactsTable>(
-      [account = scope.account, type, unclosed](CCompactsTable& table, const utils::RDError& error,
-                                                const std::vector<rdservice::IDataPtr>& compacts, int reserved,
-                                                const bson::BSONObj& extra) {
-        if (unclosed)
-          table.onQueryUnfinishCompact(account, error, compacts, reserved, extra, type);
-        else
-          table.onQueryCompleteCompact(account, error, compacts, reserved, extra, type);
-      });
+  auto reply = guarded([this, account = scope.account, type, unclosed](const utils::RDError& error,
+                                                                       const std::vector<rdservice::IDataPtr>& compacts,
+                                                                       int reserved, const bson::BSONObj& extra) {
+    if (unclosed)
+      onQueryUnfinishCompact(account, error, compacts, reserved, extra, type);
+    else
+      onQueryCompleteCompact(account, error, compacts, reserved, extra, type);
+  });
   if (unclosed)
     CTradeClient::instance()->queryUnclosedCompacts(request, reply);
   else

@@ -72,8 +72,7 @@ void CCompactsTable::onReply(const CReplyText& text, const std::string& account,
     return;
   }
   utils::logInfo(text.site, text.success, account, compacts.size());
-  postToStrand<CCompactsTable>(
-      [&text, madeFor, compacts](CCompactsTable& table) { table.applyReply(text, madeFor, compacts); });
+  postToStrand([this, &text, madeFor, compacts] { applyReply(text, madeFor, compacts); });
 }
 
 void CCompactsTable::applyReply(const CReplyText& text, const GW::CTableScope& madeFor,
@@ -160,7 +159,7 @@ void CCompactsTable::onCompactChange(bool replaced, const std::string& account, 
 }
 
 void CCompactsTable::postRebuild(const std::string& account, bool replaced) {
-  postToStrand<CCompactsTable>([account, replaced](CCompactsTable& table) { table.rebuildRows(account, replaced); });
+  postToStrand([this, account, replaced] { rebuildRows(account, replaced); });
 }
 
 void CCompactsTable::onPushData(IDataPtr data) {
@@ -170,7 +169,7 @@ void CCompactsTable::onPushData(IDataPtr data) {
     m_pushes.push_back(std::move(data));
     if (m_pushes.size() > 1) return;  // the task posted for the first one takes this one along
   }
-  postToStrand<CCompactsTable>([](CCompactsTable& table) { table.applyPushes(); });
+  postToStrand([this] { applyPushes(); });
 }
 
 void CCompactsTable::applyPushes() {
