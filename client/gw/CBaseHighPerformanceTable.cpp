@@ -27,8 +27,8 @@ constexpr double TAKING_NS = 5e6;
 constexpr int BUSY_WAIT_MS = 1;
 constexpr std::size_t ROWS_PER_STEP = 2048;
 constexpr std::size_t ROWS_PER_TURN = 25600;
-/// Fewer tell little about what a row takes.
-constexpr std::size_t MEASURED_FROM = 256;
+/// Fewer are left for the next turn.
+constexpr double LEAST_ROWS = 256;
 
 }  // namespace
 
@@ -79,31 +79,28 @@ void CBaseHighPerformanceTable::Private::rowsChanged(const CRowsChange& change) 
   face.rowsChanged(change);  // last: a slot of its signals may change the rows again
 }
 
-std::size_t CBaseHighPerformanceTable::Private::rowsPerTurn() const {
-  return std::clamp(static_cast<std::size_t>(TAKING_NS / nsPerRow), ROWS_PER_STEP, ROWS_PER_TURN);
-}
-
 bool CBaseHighPerformanceTable::Private::takeTurn() {
-  std::size_t left = rowsPerTurn();
+  const auto begin = steady_clock::now();
+  const auto spent = [begin] { return std::chrono::duration<double, std::nano>(steady_clock::now() - begin).count(); };
+  std::size_t left = ROWS_PER_TURN;
+  std::size_t limit = ROWS_PER_STEP;  // the first rows of a turn tell how many more there may be
   bool isMore = true;
   isWriterBusy = false;
-  while (isMore && left > 0 && !isWriterBusy) {
-    const auto begin = steady_clock::now();
+  while (isMore && limit > 0 && !isWriterBusy) {
     CRowsDrain drain;
     // Only dropped rows part what is taken at once.
     std::size_t taken = 0;
     do {
-      isMore = shared->drain(left - taken, drain);
+      isMore = shared->drain(limit - taken, drain);
       if (drain.slots.size() == taken) break;
       taken = drain.slots.size();
-    } while (isMore && taken < left && !drain.isBusy);
+    } while (isMore && taken < limit && !drain.isBusy);
     isWriterBusy = drain.isBusy;
     if (!drain.isEmpty()) rows.apply(std::move(drain));
     left -= taken;
-    if (taken >= MEASURED_FROM) {
-      const std::chrono::duration<double, std::nano> spent = steady_clock::now() - begin;
-      nsPerRow = (nsPerRow + spent.count() / static_cast<double>(taken)) / 2;
-    }
+    const double nsPerRow = spent() / static_cast<double>(ROWS_PER_TURN - left + 1);
+    const double rowsLeft = (TAKING_NS - spent()) / nsPerRow;
+    limit = rowsLeft < LEAST_ROWS ? 0 : std::min(left, static_cast<std::size_t>(rowsLeft));
   }
   return !isMore;
 }
@@ -170,6 +167,8 @@ void CBaseHighPerformanceTable::clear() {
   m_d->shared->clear();
   m_d->rows.clear();
 }
+
+void CBaseHighPerformanceTable::finishEditing() { m_d->view->controls().finish(); }
 
 void CBaseHighPerformanceTable::clearRows() {
   utils::assertGui();

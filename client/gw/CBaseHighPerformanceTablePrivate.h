@@ -31,8 +31,6 @@ struct CBaseHighPerformanceTable::Private : IRowsObserver {
   void onSortRequested(int columnId, bool extend);
   void openFilterMenu(int columnId, const QRect& section);
 
-  /// How many rows a turn may take to stay within its time, by what the last ones took.
-  std::size_t rowsPerTurn() const;
   /// Takes what was handed over, within one turn; true when nothing is left.
   bool takeTurn();
 
@@ -50,7 +48,6 @@ struct CBaseHighPerformanceTable::Private : IRowsObserver {
   bool isAskedAgain = false;  ///< meanwhile, so that what came since is not forgotten
   bool isWriterBusy = false;  ///< the last turn ended because a writer held the rows
   bool isGoingOn = false;     ///< the next turn of updateTable is on its way
-  double nsPerRow = 195;      ///< measured while rows are taken
 };
 
 }  // namespace GW

@@ -3,6 +3,7 @@
 #include "utils/threads.h"
 
 #include <QAbstractButton>
+#include <QPointer>
 
 namespace GW {
 
@@ -23,12 +24,14 @@ constexpr CButtonText BUTTON_TEXTS[] = {
 int show(QMessageBox::Icon icon, QWidget* parent, const QString& title, const QString& text,
          QMessageBox::StandardButtons buttons) {
   utils::assertGui();
-  QMessageBox box(icon, title, text, buttons, parent);
-  box.setTextFormat(Qt::PlainText);  // texts quote answers of the counter
+  const QPointer<QMessageBox> box = new QMessageBox(icon, title, text, buttons, parent);  // may go with its parent
+  box->setTextFormat(Qt::PlainText);  // texts quote answers of the counter
   for (const CButtonText& row : BUTTON_TEXTS) {
-    if (QAbstractButton* button = box.button(row.button)) button->setText(QString::fromUtf8(row.text));
+    if (QAbstractButton* button = box->button(row.button)) button->setText(QString::fromUtf8(row.text));
   }
-  return box.exec();
+  const int answer = box->exec();
+  delete box.data();
+  return answer;
 }
 
 }  // namespace

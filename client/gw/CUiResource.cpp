@@ -201,7 +201,7 @@ QString smallButtonStyle() {
   return QStringLiteral(
              "QPushButton { border: 1px solid %1; border-radius: 3px; padding: 2px 10px; color: %5;"
              " background: qlineargradient(x1:0, y1:0, x2:0, y2:1, stop:0 %2, stop:1 %3); }"
-             "QPushButton:focus, QPushButton:hover { border-color: %6; }"
+             "QPushButton:default, QPushButton:focus, QPushButton:hover { border-color: %6; }"
              "QPushButton:hover { color: %6; }"
              "QPushButton:pressed { color: %7; background: %4; }"
              "QPushButton:disabled, QPushButton[locked=\"true\"] { color: %8; background: %9; border-color: %1; }")

@@ -6,6 +6,7 @@
 #include "utils/threads.h"
 
 #include <QAction>
+#include <QPointer>
 
 #include <algorithm>
 #include <atomic>
@@ -26,6 +27,9 @@ IBaseTable::IBaseTable(int tableId, QWidget* parent)
     : CBaseWidget(parent), m_d(new Private{tableId, new CPagingBar(this)}) {
   m_d->bar->hide();
   connect(m_d->bar, &CPagingBar::sigButton, this, [this](int button) {
+    const QPointer<IBaseTable> table = this;
+    finishEditing();
+    if (!table) return;
     m_d->page = m_d->bar->page();
     handleEvent(EventButtonClicked, button, 0, QString(), nullptr);
   });

@@ -20,6 +20,7 @@ using rdservice::IDataPtr;
 
 namespace {
 
+constexpr const char* STOPPED = "查询已取消";
 constexpr const char* NO_CLIENT = "客户端已停止";
 constexpr const char* ONLY_KNOWN = "柜台重复返回已有的合约,查询中止";
 constexpr const char* SAME_POSITION = "柜台返回的合约位置没有前进,查询中止";
@@ -57,6 +58,7 @@ struct CCompactQueryModel::Private {
   int batchSize = BATCH_SIZE;
 
   std::atomic<bool> isStarted{false};
+  std::atomic<bool> isStopped{false};
   std::vector<IDataPtr> records;
   GW::CKeyIndex keys;  ///< slots are places in `records`
   std::string position;
@@ -88,6 +90,8 @@ void CCompactQueryModel::start() {
   m_d->ask(self);
 }
 
+void CCompactQueryModel::stop() { m_d->isStopped = true; }
+
 void CCompactQueryModel::Private::ask(const std::shared_ptr<CCompactQueryModel>& self) {
   CTradeClient* client = CTradeClient::instance();
   if (client == nullptr) return finish(false, NO_CLIENT);
@@ -109,6 +113,7 @@ void CCompactQueryModel::Private::ask(const std::shared_ptr<CCompactQueryModel>&
 void CCompactQueryModel::Private::take(const std::shared_ptr<CCompactQueryModel>& self, const utils::RDError& error,
                                        const std::vector<IDataPtr>& batch) {
   if (!error.isSuccess()) return finish(false, error.errorMsg());
+  if (isStopped) return finish(false, STOPPED);
   const CGain gain = add(batch);
   if (batch.empty() || (repeats && gain.fresh == 0)) return finish(true, std::string());
   if (gain.fresh == 0) return finish(false, ONLY_KNOWN);

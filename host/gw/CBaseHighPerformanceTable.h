@@ -52,7 +52,7 @@ class HOST_API CBaseHighPerformanceTable : public IBaseTable {
   void clearRows();
 
   /// Shows what was handed over since the last call, working at most 8 ms and going on in the next turn of the event
-  /// loop. Up to about 25,000 changed rows it is complete on return.
+  /// loop. Up to about 2,000 changed rows it is complete on return, with more as far as the time allows.
   void updateTable();
   /// True when everything handed over is shown.
   bool isUpToDate() const;
@@ -129,6 +129,8 @@ class HOST_API CBaseHighPerformanceTable : public IBaseTable {
   std::size_t memory() const;
 
  protected:
+  void finishEditing() override;
+
   /// A column without a record field; its cells are a delegate's. `number`, at least 1, is how saved layouts know it.
   /// Returns its id.
   int addPlainColumn(int number, const QString& title, Qt::Alignment alignment);

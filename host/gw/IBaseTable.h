@@ -65,6 +65,9 @@ class HOST_API IBaseTable : public CBaseWidget {
   virtual void adjustVisibleRowsColumnWidth() = 0;
 
  protected:
+  /// Commits what the user is typing into a cell, before a page is turned. Whoever is told may destroy the table.
+  virtual void finishEditing() = 0;
+
   /// For the table's layout, under its rows.
   QWidget* pagingBar() const;
 

@@ -24,6 +24,20 @@ class HOST_API CSmallNoNormalButton : public QPushButton, public CEventDeliverer
   int m_id;
 };
 
+/// A text button of dialogs; reports EventButtonClicked with its id. As a dialog's default button it stands out. GUI
+/// thread.
+class HOST_API CMediumNormalButton : public QPushButton, public CEventDeliverer {
+  Q_OBJECT
+ public:
+  CMediumNormalButton(int id, const QString& text, QWidget* parent);
+  ~CMediumNormalButton() override;
+
+  int id() const;
+
+ private:
+  int m_id;
+};
+
 /// A combo box whose items carry a key (role Qt::UserRole); reports EventComboChanged with its id whenever its current
 /// key really changes, whoever changed it, also to none. GUI thread.
 class HOST_API CComboBox : public QComboBox, public CEventDeliverer {

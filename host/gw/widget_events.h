@@ -15,7 +15,7 @@ enum EWidgetEvent : int {
   /// The user begins to edit a line edit cell; no editor is there yet, and none opens when the receiver disables or
   /// hides the cell. p1: column id, text: row key.
   EventLineEditBegin = 45,
-  /// A cell of a plain table was edited. text: the edited text, data: the cell, which knows its row and column.
+  /// The user has edited a cell of a plain table; it shows the text. text: the edited text, data: `CPlainCell*`.
   EventDialogCellEdited = 48,
   /// The check box in a column's header was clicked. p1: column id, p2: 1 checked, 0 unchecked.
   EventHeaderCheckBox = 65,

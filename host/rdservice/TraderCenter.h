@@ -11,7 +11,7 @@
 
 namespace rdservice {
 
-/// The client's records: one store for each account, and the instruments. Any thread.
+/// The client's records: one store for each account, the instruments and their quotes. Any thread.
 class HOST_API CDataCenter {
  public:
   struct Private;
@@ -26,6 +26,9 @@ class HOST_API CDataCenter {
   CInstrumentInfoPtr getInstrument(std::string_view exchangeId, std::string_view code) const;
   /// Every instrument, in the counter's order.
   std::vector<CInstrumentInfoPtr> getInstruments() const;
+
+  /// The store of what belongs to no account: the quotes (CPriceData). Never null; it has no account information.
+  CAccountDataPtr getMarketData() const;
 
   /// Makes a store for each account that has none; known accounts keep theirs. Called by the trade client.
   void setAccounts(const std::vector<CAccountInfoPtr>& accounts);

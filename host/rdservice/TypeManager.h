@@ -25,4 +25,7 @@ class HOST_API TypeManager {
   static const std::vector<CEnumItem>& enumItems(std::string_view typeName);
 };
 
+/// Name of an operation (EOperationType) as users see it; the decimal text of an unknown one. Any thread.
+HOST_API std::string operationValueToString(int operationType);
+
 }  // namespace rdservice

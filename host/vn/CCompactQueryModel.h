@@ -43,6 +43,8 @@ class HOST_API CCompactQueryModel : public std::enable_shared_from_this<CCompact
 
   /// Begins; once. Any thread.
   void start();
+  /// Asks for no more batches: when the one that is out has come, the query ends as failed. Any thread.
+  void stop();
 
  private:
   struct Private;

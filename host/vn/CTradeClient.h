@@ -8,6 +8,7 @@
 #include "rdservice/rdservice_enums.h"
 #include "utils/CSubscription.h"
 #include "utils/RDError.h"
+#include "vn/CPlaceCommandParameter.h"
 
 #include <QObject>
 
@@ -19,6 +20,9 @@
 namespace VN {
 
 /// The client's connection to its counter. Requests may be made from any thread.
+///
+/// When an account has logged in, the client fetches its positions, statistics and orders into the account's store, and
+/// subscribes to the quotes of every instrument.
 ///
 /// Every request is answered exactly once: by the counter's first reply, by a time-out error when the counter is
 /// silent (`RDError::TimedOut`), or by `RDError::Stopped` when the client ends. Replies are called on a service
@@ -51,10 +55,17 @@ class HOST_API CTradeClient : public QObject {
   void queryUnclosedCompacts(const rdservice::CQueryCompactReqV2Ptr& request, CCompactReply reply);
   void queryClosedCompacts(const rdservice::CQueryCompactReqV2Ptr& request, CCompactReply reply);
 
-  /// The generic query: every record of the request's type that the account has. Compacts are stored in the account's
-  /// data centre as its new set and announced to `subscribeCompactChange`, failures too. `reply` may be null; it comes
-  /// after the announcement. The last two arguments are for the client, 0 by default.
+  /// The generic query: every record of the request's type that the account has. Compacts, statistics, positions and
+  /// orders are stored in the account's data centre as its new set, change details are not; compacts are announced to
+  /// `subscribeCompactChange`, failures too. `reply` may be null; it comes after that. The last two arguments are for
+  /// the client, 0 by default.
   void queryData(const rdservice::CQueryDataReqPtr& request, CDataReply reply, int reserved1 = 0, int reserved2 = 0);
+
+  /// Sends one order request for each order of the batch and account, and returns. What becomes of them shows in the
+  /// accounts' stores as CStkOrder records (RecordStkOrder). False, and nothing is sent, when there is no order, or
+  /// one of them is for an account that the client does not know, names no security, or comes to less than one share,
+  /// or when the batch asks for what this client does not place.
+  bool placeCommands(const CPlaceCommandParameter& parameter);
 
   /// Called on a service thread.
   [[nodiscard]] utils::CSubscriptionPtr subscribeCompactChange(CCompactChange callback);

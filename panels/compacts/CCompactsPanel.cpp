@@ -3,13 +3,16 @@
 #include "compacts/CCompactsPanel.h"
 
 #include "compacts/panel_ids.h"
+#include "compacts/tables/CCompactsChangeTable.h"
 #include "compacts/tables/CCompactsPageTable.h"
+#include "compacts/tables/CCompactsStaticsTable.h"
 #include "compacts/tables/CCompactsTable.h"
 #include "compacts/tables/compact_fields.h"
 #include "gw/containers.h"
 #include "gw/controls.h"
 #include "gw/widget_events.h"
 #include "host_api.h"
+#include "luawrapper/LuaModuleCtrl.h"
 #include "rdservice/ConfigCollector.h"
 #include "utils/CLogCenter.h"
 #include "utils/threads.h"
@@ -28,12 +31,26 @@ namespace {
 constexpr int REFRESH_PERIOD_MS = 100;
 constexpr QChar PARAM_SEPARATOR = u'|';
 
+constexpr const char* CHANGE_DETAIL_MODULE = "mdl_order_credit_compact_change_detail";
+
 struct CViewButton {
   int id;
   const char* text;
+  const char* module;  ///< right that it needs; null for none
 };
 
-constexpr CViewButton VIEW_BUTTONS[] = {{ViewUnclosed, "未了结合约"}, {ViewClosed, "已了结合约"}};
+// In the order of the toolbar.
+constexpr CViewButton VIEW_BUTTONS[] = {
+    {ViewUnclosed, "未了结合约", nullptr},
+    {ViewClosed, "已了结合约", nullptr},
+    {ViewStatistics, "负债统计", nullptr},
+    {ViewChanges, "负债变动明细", CHANGE_DETAIL_MODULE},
+};
+
+bool isAllowed(const char* module) {
+  using luawrapper::LuaModuleCtrl;
+  return module == nullptr || LuaModuleCtrl::instance()->checkModule(LuaModuleCtrl::Order, module);
+}
 
 QString typeKeyText() { return QStringLiteral("cpt"); }
 QString refreshText() { return QStringLiteral("刷新"); }
@@ -82,7 +99,8 @@ void CCompactsPanel::createUi() {
   m_toolbar->addSeparator();
   initAccountCombobox();
 
-  for (const CViewButton& view : VIEW_BUTTONS) m_radioGroup->addButton(view.id, QString::fromUtf8(view.text));
+  for (const CViewButton& view : VIEW_BUTTONS)
+    if (isAllowed(view.module)) m_radioGroup->addButton(view.id, QString::fromUtf8(view.text));
   m_toolbar->addWidget(m_radioGroup);
   list->addFixedWidget(m_toolbar);
 
@@ -95,6 +113,18 @@ void CCompactsPanel::createUi() {
   m_closedTable->setAccount(account, false, false);
   m_closedTable->hide();
   list->addStretchWidget(m_closedTable);
+  m_staticsTable = new CCompactsStaticsTable(list);
+  m_staticsTable->setAccount(account, false, false);
+  m_staticsTable->hide();
+  connect(m_staticsTable, &CCompactsStaticsTable::sigQueryData, this, &CCompactsPanel::slotQueryData);
+  list->addStretchWidget(m_staticsTable);
+  if (isAllowed(CHANGE_DETAIL_MODULE)) {
+    m_changeTable = new CCompactsChangeTable(list);
+    m_changeTable->setAccount(account, false, false);
+    m_changeTable->hide();
+    connect(m_changeTable, &CCompactsChangeTable::sigQueryData, this, &CCompactsPanel::slotQueryData);
+    list->addStretchWidget(m_changeTable);
+  }
 
   setInnerWidget(list);
   m_radioGroup->setChecked(ViewUnclosed);
@@ -120,6 +150,8 @@ QString CCompactsPanel::param() const {
   if (m_closedTable != nullptr) fields << m_closedTable->saveConfigStr();
   fields << QString();
   if (m_radioGroup != nullptr) fields << QString::number(m_radioGroup->checkedId());
+  if (m_changeTable != nullptr) fields << m_changeTable->saveConfigStr();
+  if (m_staticsTable != nullptr) fields << m_staticsTable->saveConfigStr();
   return fields.join(PARAM_SEPARATOR);
 }
 
@@ -138,12 +170,22 @@ void CCompactsPanel::setParam(const QString& param) {
       handleButtonClicked(view);
     }
   }
+  if (m_changeTable != nullptr && fields.size() > ParamChangeTable)
+    m_changeTable->loadConfigStr(fields.at(ParamChangeTable));
+  if (m_staticsTable != nullptr && fields.size() > ParamStaticsTable)
+    m_staticsTable->loadConfigStr(fields.at(ParamStaticsTable));
 }
 
 void CCompactsPanel::clear() {
   utils::assertGui();
   if (m_unclosedTable != nullptr) m_unclosedTable->clearData(true);
   if (m_closedTable != nullptr) m_closedTable->clearData(true);
+  if (m_changeTable != nullptr) m_changeTable->clear();
+  if (m_staticsTable != nullptr) {
+    m_staticsTable->clear();
+    m_staticsTable->setSortColumn(m_staticsTable->getColumnIdByFileId(FileIdStatisticsCode), Qt::AscendingOrder);
+    m_staticsTable->updateTable();
+  }
   constexpr utils::CLogSite SITE{"CCompactsPanel.cpp", "virtual void VN::CCompactsPanel::clear()"};
   utils::logInfo(SITE, "[CCompactsPanel] clear");
   m_requestedAccounts.clear();

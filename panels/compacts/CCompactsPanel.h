@@ -22,6 +22,8 @@ class CRadioButtonGroup;
 namespace VN {
 
 class CCompactsBaseTable;
+class CCompactsChangeTable;
+class CCompactsStaticsTable;
 class CCountDownButton;
 
 /// The dockable panel that shows the compacts of a credit account. GUI thread, unless a member says otherwise.
@@ -34,7 +36,8 @@ class PANELS_API CCompactsPanel : public ITradeDockableWidget {
   CCompactsPanel(int panelId, QWidget* parent, int mode);
   ~CCompactsPanel() override;
 
-  /// Fields joined by "|": the unclosed table's layout, the closed table's, an empty one, the view's number.
+  /// Fields joined by "|": the unclosed table's layout, the closed table's, an empty one, the view's number, the change
+  /// table's layout, the statistics table's. Those of a table that is not there are left out, but read at these places.
   void setParam(const QString& param) override;
   QString param() const override;
   void requestAccount(const rdservice::CAccountInfo& account) override;
@@ -84,6 +87,8 @@ class PANELS_API CCompactsPanel : public ITradeDockableWidget {
   CCountDownButton* m_refreshButton = nullptr;
   CCompactsBaseTable* m_unclosedTable = nullptr;
   CCompactsBaseTable* m_closedTable = nullptr;
+  CCompactsChangeTable* m_changeTable = nullptr;  ///< only with the right to change details
+  CCompactsStaticsTable* m_staticsTable = nullptr;
   /// By account key; dropping a handle ends its calls of onStkUnClosedCompacts, onStkClosedCompacts.
   QMap<QString, utils::CSubscriptionPtr> m_unclosedSubscriptions;
   QMap<QString, utils::CSubscriptionPtr> m_closedSubscriptions;

@@ -3,6 +3,8 @@
 #include "compacts/CCompactsPanel.h"
 #include "compacts/panel_ids.h"
 #include "compacts/tables/CCompactsBaseTable.h"
+#include "compacts/tables/CCompactsChangeTable.h"
+#include "compacts/tables/CCompactsStaticsTable.h"
 #include "gw/controls.h"
 #include "rdservice/TraderCenter.h"
 #include "utils/CLogCenter.h"
@@ -119,6 +121,8 @@ void CCompactsPanel::setAccount(const std::string& accountKey, bool query, bool 
   const bool allowed = query && startQuery(false);
   if (m_unclosedTable != nullptr) m_unclosedTable->setAccount(accountKey, allowed, userChosen);
   if (m_closedTable != nullptr) m_closedTable->setAccount(accountKey, allowed, userChosen);
+  if (m_changeTable != nullptr) m_changeTable->setAccount(accountKey, false, userChosen);
+  if (m_staticsTable != nullptr) m_staticsTable->setAccount(accountKey, allowed, userChosen);
 }
 
 void CCompactsPanel::slotLoginStatus(const rdservice::CAccountInfoPtr& account, rdservice::EBROKER_LOGIN_STATUS,

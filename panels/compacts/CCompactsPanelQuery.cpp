@@ -3,6 +3,8 @@
 #include "compacts/CCompactsPanel.h"
 #include "compacts/panel_ids.h"
 #include "compacts/tables/CCompactsBaseTable.h"
+#include "compacts/tables/CCompactsChangeTable.h"
+#include "compacts/tables/CCompactsStaticsTable.h"
 #include "gw/containers.h"
 #include "gw/controls.h"
 #include "rdservice/ConfigCollector.h"
@@ -32,7 +34,7 @@ bool CCompactsPanel::startQuery(bool byRefreshButton) {
 }
 
 void CCompactsPanel::handleButtonClicked(int id) {
-  if (id == ViewUnclosed || id == ViewClosed) {
+  if (id >= ViewUnclosed && id <= ViewStatistics) {
     switchView(id);
   } else if (id == IdRefreshButton) {
     const bool query = startQuery(true);
@@ -50,18 +52,24 @@ void CCompactsPanel::handleButtonClicked(int id) {
 
 void CCompactsPanel::switchView(int id) {
   if (m_toolbar != nullptr) m_toolbar->updateItemLength();
-  const auto show = [](CCompactsBaseTable* table, bool isShown) {
+  const auto show = [](auto* table, bool isShown, auto query) {
     if (table == nullptr) return;
     table->setVisible(isShown);
-    if (isShown) table->refresh(std::string(), true, false);
+    if (isShown) query(*table);
   };
-  show(m_unclosedTable, id == ViewUnclosed);
-  show(m_closedTable, id == ViewClosed);
+  const auto queryCompacts = [](CCompactsBaseTable& table) { table.refresh(std::string(), true, false); };
+  show(m_unclosedTable, id == ViewUnclosed, queryCompacts);
+  show(m_closedTable, id == ViewClosed, queryCompacts);
+  show(m_staticsTable, id == ViewStatistics, [](CCompactsStaticsTable& table) { table.refresh(std::string(), true); });
+  show(m_changeTable, id == ViewChanges, [](CCompactsChangeTable& table) { table.refresh(std::string()); });
 }
 
 void CCompactsPanel::refreshTablesData(const std::string& accountKey) {
-  if (m_unclosedTable != nullptr && m_unclosedTable->isVisible()) m_unclosedTable->refresh(accountKey, true, true);
-  if (m_closedTable != nullptr && m_closedTable->isVisible()) m_closedTable->refresh(accountKey, true, true);
+  const auto isShown = [](const QWidget* table) { return table != nullptr && table->isVisible(); };
+  if (isShown(m_unclosedTable)) m_unclosedTable->refresh(accountKey, true, true);
+  if (isShown(m_closedTable)) m_closedTable->refresh(accountKey, true, true);
+  if (isShown(m_changeTable)) m_changeTable->refresh(accountKey);
+  if (isShown(m_staticsTable)) m_staticsTable->refresh(accountKey, true);
 }
 
 void CCompactsPanel::slotTimeout() {

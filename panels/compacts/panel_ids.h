@@ -9,9 +9,15 @@ enum ECompactsPanelId : int {
 };
 
 /// Views of the compacts panel: ids of the radio buttons, also kept in the parameter string.
-enum ECompactsView : int { ViewUnclosed = 0, ViewClosed = 1 };
+enum ECompactsView : int { ViewUnclosed = 0, ViewClosed = 1, ViewChanges = 2, ViewStatistics = 3 };
 
 /// Where the parameter string keeps what.
-enum ECompactsParamField : int { ParamUnclosedTable = 0, ParamClosedTable = 1, ParamView = 3 };
+enum ECompactsParamField : int {
+  ParamUnclosedTable = 0,
+  ParamClosedTable = 1,
+  ParamView = 3,
+  ParamChangeTable = 4,
+  ParamStaticsTable = 5,
+};
 
 }  // namespace VN

@@ -131,6 +131,10 @@ TEST(Controls, messageBoxesReturnTheirButton) {
   using FBox = int (*)(QWidget*, const QString&, const QString&, QMessageBox::StandardButtons);
   const QString title = QString::fromUtf8("提示");
   const QString text = QStringLiteral("<b>1</b>");
+  // A box goes with its parent.
+  auto parent = std::make_unique<QWidget>();
+  QTimer::singleShot(0, parent.get(), [&parent] { parent.reset(); });
+  EXPECT_EQ(GW::CMessageBox::warning(parent.get(), title, text), 0);
   kit::CExpectedBoxes boxes;
   for (const FBox box : {&GW::CMessageBox::information, &GW::CMessageBox::warning, &GW::CMessageBox::question}) {
     for (const auto answer : {QMessageBox::Yes, QMessageBox::No}) {

@@ -409,15 +409,6 @@ TEST(KeyIndex, findsWhatWasAddedThroughGrowthAndRenumbering) {
   EXPECT_GT(high.size(), 99985U);
 }
 
-namespace {
-
-constexpr std::uint64_t ROUNDS = 60;
-constexpr std::uint64_t PER_ROUND = 20;
-
-/// Two writers answer for the query last announced, while a switcher goes on to the next one.
-
-}  // namespace
-
 // Each prepares its rows while the table is empty; only one of them can hand them over as a whole.
 TEST(SharedRows, keepEveryRowOfWritersThatMeetInAnEmptyTable) {
   constexpr int RECORDS = 400;

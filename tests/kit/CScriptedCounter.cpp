@@ -1,10 +1,30 @@
 #include "kit/CScriptedCounter.h"
 
+#include "rdservice/CQueryDataReq.h"
+#include "rdservice/CStructDes.h"
 #include "rdservice/service_requests.h"
+
+#include <algorithm>
+#include <iterator>
 
 namespace kit {
 
 using rdservice::IDataPtr;
+
+namespace {
+
+/// What the client fetches by itself when an account has logged in.
+constexpr int FETCHED_TYPES[] = {rdservice::RecordPositionStatics, rdservice::RecordStkUnClosedCompactsStatics,
+                                 rdservice::RecordStkOrder};
+
+/// Null for a record that belongs to no account.
+rdservice::CAccountInfoPtr accountOf(const rdservice::IData& record) {
+  for (const rdservice::CFieldDes& field : record.getStructDes())
+    if (field.type == rdservice::EFieldType::Account) return field.get<rdservice::CAccountInfoPtr>(record);
+  return nullptr;
+}
+
+}  // namespace
 
 CScriptedCounter::CScriptedCounter(std::vector<rdservice::CAccountInfoPtr> accounts,
                                    std::vector<rdservice::CInstrumentInfoPtr> instruments)
@@ -69,6 +89,13 @@ void CScriptedCounter::request(const IDataPtr& request, counter::CCounterReply r
       return setLogin(login.accountKey,
                       login.login != 0 ? rdservice::LoginStatusReady : rdservice::LoginStatusLoggedOut);
     }
+    case rdservice::RequestSubscribeQuotes: return replyKept(rdservice::RecordPriceData, nullptr, reply);
+    case rdservice::RequestQueryData: {
+      const auto& query = static_cast<const rdservice::CQueryDataReq&>(*request);
+      if (std::find(std::begin(FETCHED_TYPES), std::end(FETCHED_TYPES), query.dataType) != std::end(FETCHED_TYPES))
+        return replyKept(query.dataType, query.accountInfo, reply);
+      [[fallthrough]];
+    }
     default: {
       const utils::CMutexLock lock(m_mutex);
       m_held.push_back({request, std::move(reply)});
@@ -90,11 +117,31 @@ counter::CCounterReply CScriptedCounter::replyOf(std::size_t number) const {
   return m_held.at(number).reply;
 }
 
-void CScriptedCounter::reply(std::size_t number, const std::vector<IDataPtr>& records) {
+void CScriptedCounter::keep(const std::vector<IDataPtr>& records) {
+  const utils::CMutexLock lock(m_mutex);
+  m_kept = records;
+}
+
+void CScriptedCounter::replyKept(int dataType, const rdservice::CAccountInfoPtr& account,
+                                 const counter::CCounterReply& reply) {
+  std::vector<IDataPtr> fresh;
+  {
+    const utils::CMutexLock lock(m_mutex);
+    for (const IDataPtr& record : m_kept) {
+      if (record->getBaseId() != dataType) continue;
+      const auto owner = accountOf(*record);
+      if (owner == nullptr || (account != nullptr && owner->getKey() == account->getKey()))
+        fresh.push_back(record->copy());
+    }
+  }
+  call([reply, fresh] { reply({}, fresh, {}); });
+}
+
+void CScriptedCounter::reply(std::size_t number, const std::vector<IDataPtr>& records, const bson::BSONObj& extra) {
   // A counter hands out records of its own, each time anew.
   std::vector<IDataPtr> fresh;
   for (const IDataPtr& record : records) fresh.push_back(record ? record->copy() : nullptr);
-  call([reply = replyOf(number), fresh] { reply({}, fresh, {}); });
+  call([reply = replyOf(number), fresh, extra] { reply({}, fresh, extra); });
 }
 
 void CScriptedCounter::fail(std::size_t number, int code, const std::string& text) {

@@ -14,9 +14,9 @@
 
 namespace kit {
 
-/// A counter that does what a test tells it: answers accounts, instruments and log-ins by itself, and holds every other
-/// request until the test releases a reply, in any order, late, twice, failed or never. Replies and pushes are called
-/// on its service thread. The members of a test's side run on the test's thread.
+/// A counter that does what a test tells it: answers accounts, instruments, log-ins and what the client fetches then by
+/// itself, and holds every other request until the test releases a reply, in any order, late, twice, failed or never.
+/// Replies and pushes are called on its service thread. The members of a test's side run on the test's thread.
 class CScriptedCounter final : public counter::ICounter {
  public:
   CScriptedCounter(std::vector<rdservice::CAccountInfoPtr> accounts,
@@ -30,8 +30,11 @@ class CScriptedCounter final : public counter::ICounter {
   /// Requests held so far, in order of arrival; their place is the number that `reply` and `fail` take.
   std::vector<rdservice::IDataPtr> held() const;
 
+  /// Positions, statistics, orders and quotes that it answers with from now on; at first it has none.
+  void keep(const std::vector<rdservice::IDataPtr>& records);
+
   /// Answers a held request; again for a duplicate.
-  void reply(std::size_t number, const std::vector<rdservice::IDataPtr>& records);
+  void reply(std::size_t number, const std::vector<rdservice::IDataPtr>& records, const bson::BSONObj& extra = {});
   void fail(std::size_t number, int code, const std::string& text);
   void push(const std::vector<rdservice::IDataPtr>& records);
   void setLogin(const std::string& accountKey, rdservice::EBROKER_LOGIN_STATUS status);
@@ -48,6 +51,7 @@ class CScriptedCounter final : public counter::ICounter {
   };
 
   void call(std::function<void()> function);
+  void replyKept(int dataType, const rdservice::CAccountInfoPtr& account, const counter::CCounterReply& reply);
   void run();
   counter::CCounterReply replyOf(std::size_t number) const;
 
@@ -57,6 +61,7 @@ class CScriptedCounter final : public counter::ICounter {
   mutable utils::CMutex m_mutex;
   std::condition_variable m_changed;
   counter::ICounterSink* m_sink TS_GUARDED_BY(m_mutex) = nullptr;
+  std::vector<rdservice::IDataPtr> m_kept TS_GUARDED_BY(m_mutex);
   std::vector<CHeld> m_held TS_GUARDED_BY(m_mutex);
   std::deque<std::function<void()>> m_calls TS_GUARDED_BY(m_mutex);
   bool m_calling TS_GUARDED_BY(m_mutex) = false;

@@ -34,6 +34,12 @@ rdservice::CStkClosedCompactsPtr closedCompact(const rdservice::CAccountInfoPtr&
   return record;
 }
 
+int columnOf(const GW::CBaseHighPerformanceTable& table, const std::string& title) {
+  int id = table.columnCount() - 1;
+  while (id >= 0 && table.columnTitle(id).toStdString() != title) --id;
+  return id;
+}
+
 std::vector<std::string> visible(const GW::CBaseHighPerformanceTable& table, const std::vector<std::string>& titles) {
   std::vector<int> columns;
   for (const std::string& title : titles)

@@ -20,6 +20,9 @@ rdservice::CStkUnClosedCompactsPtr compact(const rdservice::CAccountInfoPtr& acc
 rdservice::CStkClosedCompactsPtr closedCompact(const rdservice::CAccountInfoPtr& account, const std::string& number,
                                                double repaid = 1000, char type = '0');
 
+/// Id of the column with that title; -1 when there is none.
+int columnOf(const GW::CBaseHighPerformanceTable& table, const std::string& title);
+
 /// The displayed texts of the columns with those titles, a line each row, cells joined by " | ".
 std::vector<std::string> visible(const GW::CBaseHighPerformanceTable& table, const std::vector<std::string>& titles);
 

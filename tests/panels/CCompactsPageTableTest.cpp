@@ -4,6 +4,7 @@
 
 #include "compacts/tables/compact_fields.h"
 #include "gw/column_delegates.h"
+#include "gw/controls.h"
 #include "gw/widget_events.h"
 #include "kit/CSignalCount.h"
 #include "kit/CTestRuntime.h"
@@ -11,6 +12,9 @@
 #include "rdservice/CCreditRepayPriorityResp.h"
 #include "rdservice/CQueryCompactReqV2.h"
 #include "rdservice/TraderCenter.h"
+
+#include <QAbstractScrollArea>
+#include <QTest>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -20,10 +24,12 @@
 #include <algorithm>
 #include <optional>
 #include <random>
+#include <stdexcept>
 
 namespace {
 
 using kit::CTestRuntime;
+using testing::Contains;
 using testing::ElementsAre;
 using VN::CCompactsPageTable;
 
@@ -338,6 +344,53 @@ TEST_P(CPageTableTest, EveryOrderEndsWithWholePages) {
   }
 }
 
+/// A compact that cannot even tell its key.
+template <class Compact>
+class CBroken : public Compact {
+ public:
+  std::string getKey() const override { throw std::runtime_error("broken record"); }
+  rdservice::IDataPtr copy() const override { return boost::make_shared<CBroken>(*this); }
+};
+
+TEST_P(CPageTableTest, AReplyThatCannotBeTakenInEndsTheQuery) {
+  m_runtime.expectError("task failed");
+  m_table->setAccount(PLAIN, true, false);
+  answer();
+  press(GW::PagingNext);
+  m_runtime.settle();
+  if (GetParam() == VN::TableUnclosedCompacts)
+    m_runtime.counter().reply(requests() - 1, {boost::make_shared<CBroken<rdservice::CStkUnClosedCompacts>>()});
+  else
+    m_runtime.counter().reply(requests() - 1, {boost::make_shared<CBroken<rdservice::CStkClosedCompacts>>()});
+  m_runtime.settle();
+  press(GW::PagingNext);
+  answer();
+  EXPECT_THAT(shown(), ElementsAre("C03", "C04", "C05"));
+}
+
+TEST_P(CPageTableTest, OnlyTheNewestQueryOfSeveralIsMade) {
+  m_table->setAccount(PLAIN, true, false);
+  answer();
+  {
+    const kit::CStrandLatch latch;
+    m_table->setCompactType('0', 0);  // from the strand, which is held
+    m_table->refresh("", true, true);
+  }
+  std::size_t first = requests();
+  serveFrom(first - 1);
+  EXPECT_THAT(shown(), ElementsAre("C00", "C01", "C03"));
+  EXPECT_EQ(dataOf(PLAIN)->getData(VN::recordTypeOfTable(GetParam())).size(), std::size_t(COMPACTS));
+
+  // A full query that nobody waits for any more asks for no second batch.
+  m_table->refresh("", true, true);
+  m_runtime.settle();
+  first = requests() - 1;
+  m_table->refresh("", true, false);
+  serveFrom(first);
+  EXPECT_EQ(requests() - first, 2U);
+  EXPECT_THAT(shown(), ElementsAre("C00", "C01", "C03"));
+}
+
 class CUnclosedPageTest : public CPageTableTest {};
 INSTANTIATE_TEST_SUITE_P(Tables, CUnclosedPageTest, testing::Values(VN::TableUnclosedCompacts));
 
@@ -374,6 +427,25 @@ TEST_P(CUnclosedPageTest, PriorityAnswersPushesAndEdits) {
   press(GW::PagingNext);
   m_runtime.settle();
   EXPECT_THAT(kit::visible(*m_table, {"偿还优先级设置"}), ElementsAre("5", "", ""));
+
+  // What is being typed is committed by a click on the bar.
+  m_table->resize(1600, 300);
+  m_table->show();
+  const int column = kit::columnOf(*m_table, "偿还优先级设置");
+  m_table->moveColumn(column, 0);
+  m_table->selectRow(1);
+  auto* const view = m_table->findChild<QAbstractScrollArea*>();
+  QTest::mouseClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(20, 40));
+  QWidget* const editor = m_table->priorityEditDelegate()->editor();
+  ASSERT_NE(editor, nullptr);
+  QTest::keyClicks(editor, QStringLiteral("9"));
+  const QList<GW::CSmallNoNormalButton*> buttons = m_table->findChildren<GW::CSmallNoNormalButton*>();
+  for (GW::CSmallNoNormalButton* button : buttons)
+    if (button->text() == QStringLiteral("上一页")) QTest::mouseClick(button, Qt::LeftButton);
+  m_runtime.settle();
+  press(GW::PagingNext);
+  m_runtime.settle();
+  EXPECT_THAT(kit::visible(*m_table, {"偿还优先级设置"}), Contains("9"));
 }
 
 }  // namespace

@@ -20,6 +20,7 @@
 
 namespace {
 
+using kit::columnOf;
 using kit::CTestRuntime;
 using luawrapper::LuaModuleCtrl;
 using testing::ElementsAre;
@@ -45,12 +46,6 @@ std::vector<rdservice::IDataPtr> compacts(int count) {
 }
 
 QString keyOf(const CCompactsTable& table, int row) { return QString::fromStdString(table.getData(row)->getKey()); }
-
-int columnOf(const CCompactsTable& table, const char* title) {
-  int id = table.columnCount() - 1;
-  while (id >= 0 && table.columnTitle(id) != QString::fromUtf8(title)) --id;
-  return id;
-}
 
 /// Shows the records as a rebuild from the data centre does.
 void show(CTestRuntime& runtime, CCompactsTable& table, const std::vector<rdservice::IDataPtr>& records) {
@@ -233,6 +228,16 @@ TEST(CompactsPages, showFiveHundredRowsEach) {
   check({{GW::PagingNext, 2, 500, "C501", true, true, true}, {GW::PagingPrevious, 1, 500, "C1", false, true, true}});
   EXPECT_EQ(edits->itemText(typed), QStringLiteral("7"));
   EXPECT_EQ(table->cellText(0, columnOf(*table, "偿还优先级设置")), QStringLiteral("7"));
+
+  // The bar goes no further than there are pages, and pushes of other pages make no rows here.
+  table->resetPageNum(3);
+  table->handleEvent(GW::EventButtonClicked, GW::PagingNext, 0, QString(), nullptr);
+  EXPECT_FALSE(table->isPagingQueryBtnEnabled(GW::PagingNext));
+  check({{GW::PagingPrevious, 2, 500, "C501", true, true, true}});
+  for (const int number : {3, 600, 1001}) table->onPushData(data()->updateData(compact(number, '1'), false));
+  runtime.settle();
+  check({{0, 2, 500, "C501", true, true, true}});
+  EXPECT_EQ(table->getDataByKey(compact(600)->getKey()), data()->getData(UNCLOSED, compact(600)->getKey()));
 
   table->refresh("", true, true);
   runtime.settle();

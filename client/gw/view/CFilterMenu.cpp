@@ -47,6 +47,28 @@ void showOutlines(QPalette& colors) {
                   CUiResource::getColor(QStringLiteral("clr_table_control_border")).lighter(DARKENING));
 }
 
+/// A column of a record table.
+class CRowsSource : public IFilterSource {
+ public:
+  CRowsSource(CShownRows& rows, int columnId) : m_rows(rows), m_columnId(columnId) {
+    m_rows.holdValues(m_columnId, true);
+  }
+  ~CRowsSource() override { m_rows.holdValues(m_columnId, false); }
+
+  std::vector<CShownRows::CValue> values() override { return m_rows.values(m_columnId); }
+  QString text(std::uint32_t code) const override { return m_rows.valueText(m_columnId, code); }
+  void setFilter(const std::optional<std::vector<std::uint32_t>>& codes) override {
+    if (codes)
+      m_rows.setFilterByCodes(m_columnId, *codes);
+    else
+      m_rows.setFilter(m_columnId, std::nullopt);
+  }
+
+ private:
+  CShownRows& m_rows;
+  const int m_columnId;
+};
+
 /// The whole line of a value is its box.
 class CValueDelegate : public QStyledItemDelegate {
  public:
@@ -91,10 +113,12 @@ QListView* makeList(QAbstractItemModel* values, QWidget* parent) {
 }  // namespace
 
 CFilterMenu::CFilterMenu(CShownRows& rows, int columnId, QWidget* view)
+    : CFilterMenu(std::make_unique<CRowsSource>(rows, columnId), columnId, view) {}
+
+CFilterMenu::CFilterMenu(std::unique_ptr<IFilterSource> source, int columnId, QWidget* view)
     : QFrame(view, Qt::Popup),
-      m_rows(rows),
       m_columnId(columnId),
-      m_values(new CFilterValues(rows, columnId, this)),
+      m_values(new CFilterValues(std::move(source), this)),
       m_text(new QLineEdit(this)),
       m_all(new QCheckBox(QString::fromUtf8(TEXT_ALL), this)),
       m_state(new QLabel(this)),

@@ -5,6 +5,8 @@
 #include <QFrame>
 #include <QTimer>
 
+#include <memory>
+
 class QCheckBox;
 class QLabel;
 class QLineEdit;
@@ -15,6 +17,7 @@ class QRect;
 namespace GW {
 
 class CFilterValues;
+class IFilterSource;
 
 /// The pop-up under a header section with the column's values to choose from: a type-ahead, a box for all that it
 /// shows, and the values with their numbers of rows. Rows may come, go and move meanwhile: the values remain those of
@@ -26,6 +29,7 @@ class CFilterMenu : public QFrame {
  public:
   /// `rows` outlives the view.
   CFilterMenu(CShownRows& rows, int columnId, QWidget* view);
+  CFilterMenu(std::unique_ptr<IFilterSource> source, int columnId, QWidget* view);
   ~CFilterMenu() override;
 
   /// Under the section (global coordinates), or above it when there is no room.
@@ -51,7 +55,6 @@ class CFilterMenu : public QFrame {
   void reload();
   void accept();
 
-  CShownRows& m_rows;
   const int m_columnId;
   CFilterValues* m_values;
   QLineEdit* m_text;

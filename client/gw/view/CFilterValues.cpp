@@ -22,15 +22,13 @@ QString counted(int rows) {
 
 }  // namespace
 
-CFilterValues::CFilterValues(CShownRows& rows, int columnId, QObject* parent)
-    : QAbstractListModel(parent), m_rows(rows), m_columnId(columnId), m_task(nullptr) {
-  m_rows.holdValues(m_columnId, true);
-}
+CFilterValues::CFilterValues(std::unique_ptr<IFilterSource> source, QObject* parent)
+    : QAbstractListModel(parent), m_source(std::move(source)), m_task(nullptr) {}
 
-CFilterValues::~CFilterValues() { m_rows.holdValues(m_columnId, false); }
+CFilterValues::~CFilterValues() = default;
 
 void CFilterValues::load() {
-  std::vector<CShownRows::CValue> values = m_rows.values(m_columnId);
+  std::vector<CShownRows::CValue> values = m_source->values();
   const auto isTicked = [](const CShownRows::CValue& value) { return value.isAccepted; };
   if (!m_values.empty()) m_isNewTicked = std::all_of(m_values.begin(), m_values.end(), isTicked);
   for (const CShownRows::CValue& value : m_values) m_ticks[value.code] = value.isAccepted;
@@ -48,7 +46,7 @@ void CFilterValues::load() {
 }
 
 QString CFilterValues::label(std::uint32_t code) const {
-  const QString text = m_rows.valueText(m_columnId, code);
+  const QString text = m_source->text(code);
   return text.isEmpty() ? QString::fromUtf8(TEXT_BLANK) : text;
 }
 
@@ -104,7 +102,7 @@ Qt::CheckState CFilterValues::shownState() const {
 
 void CFilterValues::apply() {
   if (at(m_ticked) == m_values.size()) {
-    m_rows.setFilter(m_columnId, std::nullopt);
+    m_source->setFilter(std::nullopt);
     return;
   }
   std::vector<std::uint32_t> codes;
@@ -112,7 +110,7 @@ void CFilterValues::apply() {
   for (const int place : m_shown) {
     if (m_values[at(place)].isAccepted) codes.push_back(m_values[at(place)].code);
   }
-  m_rows.setFilterByCodes(m_columnId, codes);
+  m_source->setFilter(codes);
 }
 
 int CFilterValues::rowCount(const QModelIndex& parent) const {

@@ -1,11 +1,12 @@
 #pragma once
 
-#include "gw/table/CShownRows.h"
 #include "gw/view/CSlicedTask.h"
+#include "gw/view/IFilterSource.h"
 
 #include <QAbstractListModel>
 #include <QString>
 
+#include <memory>
 #include <unordered_map>
 #include <vector>
 
@@ -17,8 +18,7 @@ class CFilterValues : public QAbstractListModel {
   Q_OBJECT
 
  public:
-  /// `rows` outlives the list.
-  CFilterValues(CShownRows& rows, int columnId, QObject* parent);
+  CFilterValues(std::unique_ptr<IFilterSource> source, QObject* parent);
   ~CFilterValues() override;
 
   /// Reads the values anew. Ticks stay on their values; new values are ticked if every one was, and at first as the
@@ -49,8 +49,7 @@ class CFilterValues : public QAbstractListModel {
   bool findNext();
   void show(std::vector<int> shown);
 
-  CShownRows& m_rows;
-  const int m_columnId;
+  const std::unique_ptr<IFilterSource> m_source;
   bool m_isLoaded = false;
   std::unordered_map<std::uint32_t, bool> m_ticks;  ///< by code, of values read before
   bool m_isNewTicked = true;

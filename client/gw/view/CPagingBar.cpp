@@ -80,6 +80,7 @@ CPagingBar::CPagingBar(QWidget* parent) : CAutoExpandToolBar(parent), m_d(std::m
   setTotal(-1);
   setPage(1);
   setParts(0);
+  setNote(QString());
 }
 
 CPagingBar::~CPagingBar() = default;
@@ -121,7 +122,10 @@ void CPagingBar::setTotal(int total) {
   m_d->showLast(pageSize());
 }
 
-void CPagingBar::setNote(const QString& text) { m_d->note->setText(text); }
+void CPagingBar::setNote(const QString& text) {
+  m_d->note->setText(text);
+  m_d->note->setVisible(!text.isEmpty());
+}
 
 int CPagingBar::total() const { return m_d->total; }
 

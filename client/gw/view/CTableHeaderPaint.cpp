@@ -2,11 +2,11 @@
 
 #include "gw/view/CControlPainter.h"
 #include "gw/view/CTableHeader.h"
+#include "gw/view/header_marks.h"
 #include "gw/view/pixel_lines.h"
 
 #include <QPaintEvent>
 #include <QPainter>
-#include <QPainterPath>
 
 #include <algorithm>
 
@@ -19,23 +19,6 @@ constexpr int LEAST_MARGIN = 2;    ///< of narrow sections
 constexpr int MARK_GAP = 3;
 constexpr int TITLE_MARGIN = 4;    ///< above and below
 constexpr qreal RANK_SCALE = 0.7;  ///< of a rank's font to the title's
-
-/// Shapes in a square whose side is 1.
-constexpr QPointF RISING[] = {{0.5, 0.25}, {0.95, 0.75}, {0.05, 0.75}};
-constexpr QPointF FALLING[] = {{0.5, 0.75}, {0.95, 0.25}, {0.05, 0.25}};
-constexpr QPointF FUNNEL[] = {{0.0, 0.08}, {1.0, 0.08}, {0.62, 0.5}, {0.62, 0.95}, {0.38, 0.8}, {0.38, 0.5}};
-
-template <std::size_t N>
-void fillShape(QPainter& painter, const QRect& place, const QPointF (&points)[N], const QColor& color) {
-  QPolygonF shape;
-  for (const QPointF& point : points)
-    shape << QPointF(place.x() + point.x() * place.width(), place.y() + point.y() * place.height());
-  QPainterPath path;
-  path.addPolygon(shape);
-  painter.setRenderHint(QPainter::Antialiasing);
-  painter.fillPath(path, color);
-  painter.setRenderHint(QPainter::Antialiasing, false);
-}
 
 }  // namespace
 
@@ -130,17 +113,14 @@ void CTableHeader::paintSection(QPainter* painter, const QRect& section, int col
                       fontMetrics().elidedText(title(columnId), Qt::ElideRight, at.title.width()));
   }
   if (!at.sort.isNull()) {
-    if (shown.order == Qt::AscendingOrder)
-      fillShape(*painter, at.sort, RISING, m_colors.mark);
-    else
-      fillShape(*painter, at.sort, FALLING, m_colors.mark);
+    paintSortMark(*painter, at.sort, shown.order, m_colors.mark);
   }
   if (!at.rank.isNull()) {
     painter->setFont(rankFont());
     painter->setPen(m_colors.mark);
     painter->drawText(at.rank, Qt::AlignCenter | Qt::TextDontClip, QString::number(shown.sortRank));
   }
-  if (!at.filter.isNull()) fillShape(*painter, at.filter, FUNNEL, shown.isFiltered ? m_colors.mark : m_colors.idleMark);
+  if (!at.filter.isNull()) paintFilterMark(*painter, at.filter, shown.isFiltered ? m_colors.mark : m_colors.idleMark);
 }
 
 }  // namespace GW

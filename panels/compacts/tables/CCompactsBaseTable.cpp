@@ -12,7 +12,8 @@ namespace VN {
 namespace {
 
 constexpr int MENU_FLAGS = 255;
-constexpr utils::CLogSite TASK_SITE{"CCompactsTable.cpp", "void VN::CCompactsBaseTable::endFailed(const std::string&)"};
+constexpr utils::CLogSite TASK_SITE{"CCompactsTable.cpp",
+                                    "void VN::CCompactsBaseTable::endFailed(const std::string&) const"};
 
 }  // namespace
 
@@ -93,6 +94,7 @@ void CCompactsBaseTable::filterBrushSource(int brushSource) {
 void CCompactsBaseTable::endFailed(const std::string& what) const {
   utils::logError(TASK_SITE, "{0} task failed : acc = {1}, what = {2}",
                   getID() == TableUnclosedCompacts ? "[unclosed compact]" : "[closed compact]", currentAccount(), what);
+  if (m_signals.taskFailed) m_signals.taskFailed();
   emitQueryData();
 }
 

@@ -78,6 +78,7 @@ class CCompactsBaseTable : public CHpfDataTable {
   struct CSignals {
     std::function<void()> queryData;
     std::function<void()> updateTable;
+    std::function<void()> taskFailed{};  ///< a strand task or reply handler threw; `queryData` follows
   };
   void setSignals(CSignals emitters) { m_signals = std::move(emitters); }
   void emitQueryData() const { m_signals.queryData(); }

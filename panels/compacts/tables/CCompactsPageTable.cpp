@@ -22,7 +22,7 @@ constexpr const char* PROGRESS = "已查询 %1 条…";
 
 CCompactsPageTable::CCompactsPageTable(int singleSelect, int tableId, int secondId, QWidget* parent)
     : CCompactsBaseTable(tableId, secondId, parent) {
-  setSignals({[this] { Q_EMIT sigQueryData(); }, [this] { Q_EMIT sigUpdateTable(); }});
+  setSignals({[this] { Q_EMIT sigQueryData(); }, [this] { Q_EMIT sigUpdateTable(); }, [this] { abandonQuery(); }});
   setObjectName(QStringLiteral("compactsPageTable%1").arg(tableId));
   setTradeType(rdservice::TraderTypeStockCredit);
   connect(this, &CCompactsPageTable::sigQueryData, this, &CCompactsPageTable::slotQueryData);
@@ -35,6 +35,7 @@ CCompactsPageTable::CCompactsPageTable(int singleSelect, int tableId, int second
 
 CCompactsPageTable::~CCompactsPageTable() {
   close();
+  stopFullQuery();
   disconnect(this, &CCompactsPageTable::sigQueryData, this, &CCompactsPageTable::slotQueryData);
 }
 
@@ -61,6 +62,7 @@ void CCompactsPageTable::setAccount(const std::string& account, bool queryIfChan
 void CCompactsPageTable::clearData(bool dropCache) {
   utils::assertGui();
   postStep(shownScope(), turnBook([dropCache](CPageBook& book) { return book.reset(dropCache); }));
+  stopFullQuery();
   m_received = 0;
   showProgress();
   refreshPagingButtons();
@@ -81,11 +83,11 @@ void CCompactsPageTable::startQuery(bool direct, bool fullQuery) {
   if (account.empty())
     emitQueryData();
   else if (!direct)
-    postToStrand([this, account] { queryPage(account); });
+    postToStrand([this, account, number = shownScope().query] { queryPage(account, number); });
   else if (fullQuery)
     queryEverything(account);
   else
-    queryPage(account);
+    queryPage(account, shownScope().query);
 }
 
 void CCompactsPageTable::queryEverything(const std::string& account) {
@@ -114,8 +116,15 @@ void CCompactsPageTable::queryEverything(const std::string& account) {
       QMetaObject::invokeMethod(
           this, [this] { showProgress(); }, Qt::QueuedConnection);
   });
-  std::make_shared<CCompactQueryModel>(info, recordTypeOfTable(getID()), std::move(complete), std::move(progress))
-      ->start();
+  const auto model =
+      std::make_shared<CCompactQueryModel>(info, recordTypeOfTable(getID()), std::move(complete), std::move(progress));
+  m_fullQuery = model;
+  model->start();
+}
+
+void CCompactsPageTable::stopFullQuery() {
+  if (const auto model = m_fullQuery.lock()) model->stop();
+  m_fullQuery.reset();
 }
 
 /// Only a full query has received anything: other queries leave the footer's line empty.

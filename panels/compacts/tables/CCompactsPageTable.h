@@ -13,11 +13,14 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace VN {
+
+class CCompactQueryModel;
 
 /// The compact table that shows its account's compacts page by page and asks the counter for a page at a time, from the
 /// position where the last one ended: unclosed compacts (table id 0) or closed ones (table id 1).
@@ -66,6 +69,8 @@ class CCompactsPageTable : public CCompactsBaseTable {
   // GUI thread
   void startQuery(bool direct, bool fullQuery);
   void queryEverything(const std::string& account);
+  /// A query of everything that nobody waits for any more.
+  void stopFullQuery();
   void refreshPagingButtons();
   void pressed(GW::EPagingButton button);
   void showProgress();
@@ -74,8 +79,10 @@ class CCompactsPageTable : public CCompactsBaseTable {
   /// Rows of a page: the limit of the account's counter, or 500.
   static int pageSizeOf(const std::string& account);
   CPageRules rulesFor(const GW::CTableScope& scope) const;
-  /// The next batch, unless the table shows another account by now.
-  void queryPage(const std::string& account);
+  /// The next batch, unless something else has been asked of the table since it was at `number`.
+  void queryPage(const std::string& account, std::uint64_t number);
+  /// The query that is out brings nothing.
+  void abandonQuery();
   void sendQuery(const GW::CTableScope& scope, const std::string& position);
   /// What `turn` makes of the book is what the table shows from now on; `turn` runs under the book's mutex.
   CPageStep turnBook(const std::function<CPageStep(CPageBook&)>& turn);
@@ -125,6 +132,7 @@ class CCompactsPageTable : public CCompactsBaseTable {
   CPageBook m_book TS_GUARDED_BY(m_bookMutex);
   /// Records that the full query under way has brought so far.
   std::atomic<std::size_t> m_received{0};
+  std::weak_ptr<CCompactQueryModel> m_fullQuery;  ///< GUI thread
   std::atomic<bool> m_isProgressPosted{false};
 };
 

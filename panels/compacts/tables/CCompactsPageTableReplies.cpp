@@ -42,20 +42,27 @@ CPageStep CCompactsPageTable::turnBook(const std::function<CPageStep(CPageBook&)
   return step;
 }
 
-void CCompactsPageTable::queryPage(const std::string& account) {
+void CCompactsPageTable::queryPage(const std::string& account, std::uint64_t number) {
   GW::CTableScope scope;
-  const CPageStep step = turnBook([&](CPageBook& book) {
+  CPageStep step = turnBook([&](CPageBook& book) {
     scope = shownScope();
-    return scope.account == account ? book.beginQuery() : CPageStep();
+    return scope.account == account && book.isCurrent(number) ? book.beginQuery() : CPageStep();
   });
-  if (step.what != CPageStep::Query) {  // the query for the account shown now is on its way
+  if (step.what != CPageStep::Query) {  // the query for what is shown now is on its way
     emitQueryData();
     return;
   }
   scope.query = step.number;
   postRefreshOfButtons();
   sendQuery(scope, step.position);
-  postStep(scope, step);
+  postStep(scope, std::move(step));
+}
+
+void CCompactsPageTable::abandonQuery() {
+  m_received = 0;
+  const int pageSize = pageSizeOf(currentAccount());
+  const utils::CMutexLock lock(m_bookMutex);
+  m_book.fail(m_book.number(), pageSize);
 }
 
 void CCompactsPageTable::postRefreshOfButtons() {
@@ -117,7 +124,8 @@ void CCompactsPageTable::onFullQueryfinishCompact(const std::string& account, in
 
 const CReplyText& CCompactsPageTable::pageText() const {
   static constexpr utils::CLogSite SITE{
-      FILE_NAME, "void VN::CCompactsPageTable::showPage(const GW::CTableScope&, const VN::CPageStep&)"};
+      FILE_NAME,
+      "void VN::CCompactsPageTable::showPage(const VN::CReplyText&, const GW::CTableScope&, const VN::CPageStep&)"};
   static constexpr CReplyText UNCLOSED = unclosedReplyText(SITE);
   static constexpr CReplyText CLOSED = closedReplyText(SITE);
   return getID() == TableUnclosedCompacts ? UNCLOSED : CLOSED;
@@ -203,6 +211,13 @@ void CCompactsPageTable::replaceAll(const CReplyText& text, const GW::CTableScop
 
 void CCompactsPageTable::rebuildBook(const CReplyText& text, const GW::CTableScope& madeFor,
                                      std::optional<std::string> position) {
+  {
+    const utils::CMutexLock lock(m_bookMutex);
+    if (!m_book.isCurrent(madeFor.query)) {  // another page has been asked for since
+      emitQueryData();
+      return;
+    }
+  }
   std::vector<IDataPtr> stored;
   if (const rdservice::CAccountDataPtr store = accountDataOf(madeFor.account))
     stored = store->getData(recordTypeOfTable(getID()));

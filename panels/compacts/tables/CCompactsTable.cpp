@@ -63,6 +63,7 @@ void CCompactsTable::clearData(bool) {
   utils::assertGui();
   resetPageNum(1);
   m_total = 0;
+  refreshPagingButtons();
   clear();
   emitUpdateTable();
 }
@@ -117,6 +118,7 @@ bool CCompactsTable::handleEvent(int type, int p1, int p2, QString text, void* d
   }
   if (type == GW::EventButtonClicked && m_splitPage) {
     clearRows();
+    refreshPagingButtons();  // there is no page behind the last one
     postRebuild(currentAccount());
   }
   return m_columns.handleEvent(type, text) || CHpfDataTable::handleEvent(type, p1, p2, text, data);

@@ -83,7 +83,11 @@ class CCompactsTable : public CCompactsBaseTable {
                   const std::vector<rdservice::IDataPtr>& compacts);
   void rebuildRows(const std::string& account, bool replaced);
   void applyPushes();
-  void showPushed(const std::vector<rdservice::IDataPtr>& records);
+  void showPushed(std::vector<rdservice::IDataPtr> pushes);
+  /// With local pages: a push of a compact that stands on another page makes no row here.
+  void removeOtherPages(std::vector<rdservice::IDataPtr>& pushes) const;
+  /// What the data centre holds of the scope's account and type, on all pages.
+  std::vector<rdservice::IDataPtr> recordsOf(const GW::CTableScope& scope) const;
   enum class EItems : unsigned char { Keep, Reset };
   /// The row and its priority text; `Reset` also its select item.
   void writeRow(const rdservice::IDataPtr& record, EItems items);

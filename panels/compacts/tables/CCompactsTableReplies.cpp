@@ -7,6 +7,7 @@
 #include "utils/CLogCenter.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace VN {
 
@@ -112,6 +113,16 @@ void CCompactsTable::applyReply(const CReplyText& text, const GW::CTableScope& m
   emitQueryData();
 }
 
+std::vector<IDataPtr> CCompactsTable::recordsOf(const GW::CTableScope& scope) const {
+  std::vector<IDataPtr> records;
+  if (const rdservice::CAccountDataPtr store = accountDataOf(scope.account))
+    records = store->getData(recordTypeOfTable(getID()));
+  records.erase(std::remove_if(records.begin(), records.end(),
+                               [&](const IDataPtr& record) { return !isOfType(*record, scope.type); }),
+                records.end());
+  return records;
+}
+
 void CCompactsTable::rebuildRows(const std::string& account, bool replaced) {
   const CReplyText& text = rebuildText();
   const GW::CTableScope shown = shownScope();
@@ -122,11 +133,7 @@ void CCompactsTable::rebuildRows(const std::string& account, bool replaced) {
     return;
   }
   const rdservice::CAccountDataPtr store = accountDataOf(account);
-  std::vector<IDataPtr> records;
-  if (store) records = store->getData(recordTypeOfTable(getID()));
-  records.erase(std::remove_if(records.begin(), records.end(),
-                               [&](const IDataPtr& record) { return !isOfType(*record, madeFor.type); }),
-                records.end());
+  std::vector<IDataPtr> records = recordsOf(madeFor);
   const std::size_t total = records.size();
   if (m_splitPage) records = pageOf(records, getPageNum(), PAGE_SIZE);
 
@@ -181,7 +188,8 @@ void CCompactsTable::applyPushes() {
   showPushed(pushes);
 }
 
-void CCompactsTable::showPushed(const std::vector<IDataPtr>& pushes) {
+void CCompactsTable::showPushed(std::vector<IDataPtr> pushes) {
+  if (m_splitPage) removeOtherPages(pushes);
   const bool filtered = getID() == TableUnclosedCompacts;
   // What a query of another panel brought is for the account shown alone, as any reply; a push is not.
   const auto write = [&](bool ofReply, const GW::CTableScope& shown) {
@@ -202,6 +210,19 @@ void CCompactsTable::showPushed(const std::vector<IDataPtr>& pushes) {
   GW::CTableBatch batch(*this, shown);
   write(true, shown);
   [[maybe_unused]] const bool isShown = batch.commit();  // refused: another account is shown by now
+}
+
+void CCompactsTable::removeOtherPages(std::vector<IDataPtr>& pushes) const {
+  const GW::CTableScope shown = shownScope();
+  const rdservice::CAccountDataPtr store = accountDataOf(shown.account);
+  const auto isElsewhere = [&](const IDataPtr& record) {
+    return !getDataByKey(record->getKey()) && store && store->getData(record->getBaseId(), record->getKey()) != nullptr;
+  };
+  if (std::none_of(pushes.begin(), pushes.end(), isElsewhere)) return;
+  std::unordered_set<std::string> page;
+  for (const IDataPtr& record : pageOf(recordsOf(shown), getPageNum(), PAGE_SIZE)) page.insert(record->getKey());
+  const auto isOther = [&](const IDataPtr& record) { return isElsewhere(record) && page.count(record->getKey()) == 0; };
+  pushes.erase(std::remove_if(pushes.begin(), pushes.end(), isOther), pushes.end());
 }
 
 void CCompactsTable::applyPriorityResults(const std::string& account, const std::vector<IDataPtr>& responses,

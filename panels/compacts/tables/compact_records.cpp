@@ -50,6 +50,13 @@ bool isOfType(const rdservice::IData& record, int compactType) {
   }
 }
 
+rdservice::CPositionStaticsPtr positionOf(const rdservice::CAccountDataPtr& store, const std::string& exchangeId,
+                                          const std::string& code) {
+  return rdservice::CPositionStaticsHelper::getPosition(store, exchangeId, code, rdservice::EntrustDirectionBuy,
+                                                        rdservice::HedgeFlagSpeculation, rdservice::PositionKindHeld,
+                                                        std::string(), '0');
+}
+
 bool isRenewalCounter(int counterType) {
   return std::find(std::begin(RENEWAL_COUNTERS), std::end(RENEWAL_COUNTERS), counterType) != std::end(RENEWAL_COUNTERS);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "rdservice/CAccountData.h"
+#include "rdservice/CPositionStatics.h"
 #include "rdservice/CStkUnClosedCompacts.h"
 #include "utils/CLogCenter.h"
 
@@ -20,6 +21,10 @@ int counterTypeOf(const rdservice::IData& record);
 
 /// Whether an unclosed or closed compact is of that type; any is when it is `CompactTypeAll`.
 bool isOfType(const rdservice::IData& record, int compactType);
+
+/// What the account holds of a security to return or to repay with; null when it holds none. Any thread.
+rdservice::CPositionStaticsPtr positionOf(const rdservice::CAccountDataPtr& store, const std::string& exchangeId,
+                                          const std::string& code);
 
 /// Whether the counter lets compacts be renewed by a number of days, and knows no repayment by double click.
 bool isRenewalCounter(int counterType);

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "compacts/tables/CTableTasks.h"
+#include "rdservice/CAccountData.h"
+#include "rdservice/CStkUnClosedCompactsStatics.h"
+#include "utils/CMutex.h"
+#include "vn/CHpfDataTable.h"
+
+#include <atomic>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace VN {
+
+class CCompactQueryModel;
+
+/// An account's liabilities per security, compact type and source, folded from its unclosed compacts, with the present
+/// holding and the security's name. Its menu turns them into baskets. GUI thread unless a member says otherwise.
+class CCompactsStaticsTable : public CHpfDataTable {
+  Q_OBJECT
+ public:
+  using CStatisticMap = std::map<std::string, rdservice::CStkUnClosedCompactsStaticsPtr>;
+
+  explicit CCompactsStaticsTable(QWidget* parent);
+  ~CCompactsStaticsTable() override;
+
+  /// Shows an account, and queries it if `query`; otherwise the table is empty. The same one again only notifies, if
+  /// `notifyIfSame`.
+  void setAccount(const std::string& account, bool query, bool notifyIfSame);
+  /// Empties and computes anew; nothing when `account` is neither empty nor the one shown. `force`: from a query of
+  /// every compact, else from what the data centre holds.
+  void refresh(const std::string& account, bool force);
+
+  /// Answer to the query of every compact. Service threads.
+  void onQueryUnfinishCompact(const std::string& account, bool success, const std::vector<rdservice::IDataPtr>& records,
+                              const std::string& errorMessage);
+  /// Folds the compacts, of which null and other records are skipped, and shows the statistics. Strand; on the GUI
+  /// thread only for compacts of the data centre.
+  void doUpdateUnfinishCompactStatics(const std::string& account, const std::vector<rdservice::IDataPtr>& compacts);
+
+  /// Asks how many of the borrowed shares that `statics` owe and the account holds shall be returned, and places the
+  /// orders.
+  void returnSecurities(const CStatisticMap& statics);
+  /// The table's own map; nothing adds to it.
+  const CStatisticMap& statisticMap() const { return m_statics; }
+
+ Q_SIGNALS:
+  /// An answer has been taken in, or there was nothing to query. Emitted on any thread.
+  void sigQueryData();
+
+ public Q_SLOTS:
+  void slotQueryData();
+  void slotSaveFinBasket(bool checked);
+  void slotSaveSpecialFinBasket(bool checked);
+  void slotSaveSLOBasket(bool checked);
+  void slotSaveSpecialSLOBasket(bool checked);
+
+ private:
+  struct CBasketKind;
+
+  std::string currentAccount() const;
+  void addMenu();
+  void addHoldingColumn();
+  void addNameColumn();
+  void queryData(bool force);
+  /// Nobody waits for its answer any more.
+  void stopQuery();
+  void endStale(const std::string& account);
+  /// Strand: the statistics that the counter itself has made.
+  void showCachedStatics(const std::string& account);
+  /// Rows of the statistics, all at once; false when another account is shown by now.
+  bool show(const std::string& account, const std::vector<rdservice::CStkUnClosedCompactsStaticsPtr>& statics);
+  void writeRow(const rdservice::CAccountDataPtr& store, const rdservice::CStkUnClosedCompactsStaticsPtr& statistic);
+  void askForBasket(const CBasketKind& kind);
+  void saveBasket(const CBasketKind& kind, const QString& name);
+
+  mutable utils::CMutex m_accountLock;
+  std::string m_account TS_GUARDED_BY(m_accountLock);
+  int m_holdingColumn = -1;
+  int m_nameColumn = -1;
+  CStatisticMap m_statics;
+  std::weak_ptr<CCompactQueryModel> m_query;  ///< the newest one
+  std::atomic<std::uint64_t> m_queryNumber{0};
+  CTableTasks m_tasks;
+};
+
+}  // namespace VN
