@@ -42,7 +42,7 @@ CBookFile::CBookFile(const CRecordKind& kind, CBookContext& context, const CSqlC
 bool CBookFile::load(const std::string& folder) {
   QFile file(QString::fromStdString(folder + "/" + m_name));
   const QFileInfo info(file);
-  if (m_kind.mayLackFile && !info.exists() && !info.isSymLink()) {
+  if (m_kind.file == EBookFile::Optional && !info.exists() && !info.isSymLink()) {
     m_context.result().counts.push_back({m_kind.des.name(), 0});
     return true;
   }

@@ -1,16 +1,14 @@
 #include "counter/CBookGenerator.h"
 
+#include "counter/sample_changes.h"
+#include "counter/sample_positions.h"
 #include "counter/sample_securities.h"
+#include "counter/sample_writing.h"
 #include "rdservice/rdservice_enums.h"
 
 #include <QDir>
-#include <QSaveFile>
-
-#include <fmt/format.h>
 
 #include <algorithm>
-#include <iterator>
-#include <random>
 
 namespace counter {
 
@@ -52,8 +50,11 @@ constexpr std::int64_t TERM = 180;            ///< from opening to expiry, and w
 constexpr std::int64_t HISTORY = 176;         ///< compacts were opened over so many days
 constexpr std::int64_t CLOSED_HISTORY = 365;  ///< and those that are closed, closed over so many
 
-/// Keeps the closed compacts apart from the unclosed ones: neither changes when the number of the others does.
+/// Keep the files apart: none changes when the number of records in another does.
 constexpr std::uint32_t CLOSED_SEED_OFFSET = 0x9E3779B9U;
+constexpr std::uint32_t CHANGES_SEED_OFFSET = 0x85EBCA6BU;
+constexpr std::uint32_t POSITIONS_SEED_OFFSET = 0xC2B2AE35U;
+constexpr std::uint32_t QUOTES_SEED_OFFSET = 0x27D4EB2FU;
 
 // Shares of compacts, one in so many.
 constexpr unsigned ONE_IN_RENEWED = 12;
@@ -67,65 +68,17 @@ constexpr std::int64_t SPECIAL_FINANCING_RATE = 680;
 constexpr std::int64_t LENDING_RATE = 1060;
 constexpr std::int64_t PENALTY_RATE = 5;
 
-/// Collects text and writes it to a file that replaces the former one only when it is complete.
-class CFileWriter {
- public:
-  explicit CFileWriter(const QString& path) : m_file(path) { m_file.open(QIODevice::WriteOnly); }
-
-  template <class... Args>
-  void add(fmt::format_string<Args...> format, const Args&... args) {
-    fmt::format_to(std::back_inserter(m_text), format, args...);
-    if (m_text.size() >= FLUSH_BYTES) flush();
-  }
-
-  /// What went wrong, empty for nothing.
-  std::string finish() {
-    flush();
-    if (m_file.isOpen() && m_file.commit()) return {};
-    return (m_file.fileName() + QStringLiteral(": ") + m_file.errorString()).toStdString();
-  }
-
- private:
-  static constexpr std::size_t FLUSH_BYTES = 256 * 1024;
-
-  void flush() {
-    if (m_file.isOpen()) m_file.write(m_text.data(), static_cast<qint64>(m_text.size()));
-    m_text.clear();
-  }
-
-  QSaveFile m_file;
-  fmt::memory_buffer m_text;
-};
-
-/// "today", "today-30", "today+5".
-std::string dateWord(std::int64_t days) { return days == 0 ? "today" : fmt::format("today{:+}", days); }
-
-std::string yuan(std::int64_t cents) { return fmt::format("{}.{:02}", cents / 100, cents % 100); }
-
-/// The standard's engine gives the same numbers everywhere, its distributions do not.
-class CRandom {
- public:
-  explicit CRandom(std::uint32_t seed) : m_engine(seed) {}
-  std::int64_t between(std::int64_t low, std::int64_t high) {
-    return low + static_cast<std::int64_t>(m_engine() % static_cast<std::uint64_t>(high - low + 1));
-  }
-  bool oneIn(unsigned n) { return m_engine() % n == 0; }
-
- private:
-  std::mt19937_64 m_engine;
-};
-
-const CSampleSecurity& pickSecurity(CRandom& random) {
+const CSampleSecurity& pickSecurity(CSampleRandom& random) {
   const auto* const securities = beginSampleSecurities();
   return securities[random.between(0, endSampleSecurities() - securities - 1)];
 }
 
-std::int64_t pickLots(CRandom& random, const CSampleSecurity& security) {
+std::int64_t pickLots(CSampleRandom& random, const CSampleSecurity& security) {
   return random.between(1, security.price > 100'000 ? 20 : 300);
 }
 
 /// Cents, near the security's price.
-std::int64_t pickAmount(CRandom& random, const CSampleSecurity& security, std::int64_t lots) {
+std::int64_t pickAmount(CSampleRandom& random, const CSampleSecurity& security, std::int64_t lots) {
   return lots * 100 * security.price / 10 * random.between(90, 110) / 100;
 }
 
@@ -138,8 +91,8 @@ std::int64_t interestOf(std::int64_t amount, std::int64_t days, bool isLending, 
 std::int64_t feeOf(std::int64_t amount, bool isLending) { return isLending ? amount / 2000 : 0; }
 
 /// Writes unclosed compact number `index` of `count`; the last of an account were opened today.
-void addCompact(CFileWriter& file, CRandom& random, const char* account, std::int64_t index, std::int64_t count,
-                int& priority) {
+CSampleCompact addCompact(CSampleFile& file, CSampleRandom& random, const char* account, std::int64_t index,
+                          std::int64_t count, int& priority) {
   const auto& security = pickSecurity(random);
   const bool isLending = random.between(1, 10) <= 3;
   const bool isSpecial = random.oneIn(ONE_IN_SPECIAL);
@@ -167,11 +120,12 @@ void addCompact(CFileWriter& file, CRandom& random, const char* account, std::in
            isLending ? 1 : 0, isSpecial ? 1 : 0, isLending ? 0 : openLots * 100, isLending ? openLots * 100 : 0,
            yuan(amount), yuan(unpaid), yuan(repaid), yuan(interest), yuan(fee), yuan(penalty), 10'000'001 + index,
            dateWord(-age), dateWord(term - age), isRenewed ? 1 : 0, isPrioritised ? ++priority : 0, yuan(compensation));
+  return {&security, isLending, isRenewed, 10'000'001 + index, age, lots * 100, openLots * 100, amount, unpaid};
 }
 
 /// Writes closed compact number `index` of `count`; the last of an account were closed today. Their numbers are below
 /// those of the unclosed ones.
-void addClosed(CFileWriter& file, CRandom& random, const char* account, std::int64_t index, std::int64_t count) {
+void addClosed(CSampleFile& file, CSampleRandom& random, const char* account, std::int64_t index, std::int64_t count) {
   const auto& security = pickSecurity(random);
   const bool isLending = random.between(1, 10) <= 3;
   const bool isSpecial = random.oneIn(ONE_IN_SPECIAL);
@@ -186,7 +140,7 @@ void addClosed(CFileWriter& file, CRandom& random, const char* account, std::int
 }
 
 std::string writeAccounts(const QString& path) {
-  CFileWriter file(path);
+  CSampleFile file(path);
   file.add("account_id,broker_type,counter_type,name,alias,auto_login\n");
   for (const auto& account : ACCOUNTS)
     file.add("{},{},{},{},{},{}\n", account.id, account.brokerType, account.counterType, account.name, account.alias,
@@ -195,7 +149,7 @@ std::string writeAccounts(const QString& path) {
 }
 
 std::string writeInstruments(const QString& path) {
-  CFileWriter file(path);
+  CSampleFile file(path);
   file.add("exchange,code,name,pinyin,price_tick\n");
   std::for_each(beginSampleSecurities(), endSampleSecurities(), [&](const CSampleSecurity& security) {
     file.add("{},{},{},{},{}\n", security.exchange, security.code, security.name, security.pinyin,
@@ -204,21 +158,33 @@ std::string writeInstruments(const QString& path) {
   return file.finish();
 }
 
-std::string writeCompacts(const QString& path, const CBookGeneratorOptions& options) {
-  CFileWriter file(path);
-  CRandom random(options.seed);
+/// With their change details, and the positions that go with what is owed.
+std::string writeCompacts(const QDir& directory, const CBookGeneratorOptions& options) {
+  CSampleFile file(directory.filePath(QStringLiteral("unclosed_compacts.csv")));
+  CSampleChanges changes(directory.filePath(QStringLiteral("change_details.csv")), options.seed + CHANGES_SEED_OFFSET);
+  CSamplePositions positions(directory.filePath(QStringLiteral("positions.csv")), options.seed + POSITIONS_SEED_OFFSET);
+  CSampleRandom random(options.seed);
   file.add("{}", COMPACT_HEADER);
   for (const auto& account : ACCOUNTS) {
     const auto count = account.compacts == BULK ? options.compacts : account.compacts;
     int priority = 0;
-    for (std::int64_t i = 0; i < count; ++i) addCompact(file, random, account.id, i, count, priority);
+    CSampleLiabilities owed;
+    changes.beginAccount(account.id);
+    for (std::int64_t i = 0; i < count; ++i) {
+      const auto compact = addCompact(file, random, account.id, i, count, priority);
+      if (i >= count - options.changed) changes.add(compact);
+      if (compact.isLending) owed[compact.security] += compact.open;
+    }
+    positions.add(account.id, owed);
   }
-  return file.finish();
+  auto error = file.finish();
+  if (error.empty()) error = changes.finish();
+  return error.empty() ? positions.finish() : error;
 }
 
 std::string writeClosed(const QString& path, const CBookGeneratorOptions& options) {
-  CFileWriter file(path);
-  CRandom random(options.seed + CLOSED_SEED_OFFSET);
+  CSampleFile file(path);
+  CSampleRandom random(options.seed + CLOSED_SEED_OFFSET);
   file.add("{}", CLOSED_HEADER);
   for (const auto& account : ACCOUNTS) {
     const auto count = account.closed == BULK ? options.closed : account.closed;
@@ -234,8 +200,10 @@ std::string CBookGenerator::write(const std::string& folder) const {
   if (!QDir().mkpath(directory.path())) return folder + ": the folder cannot be created";
   auto error = writeAccounts(directory.filePath(QStringLiteral("accounts.csv")));
   if (error.empty()) error = writeInstruments(directory.filePath(QStringLiteral("instruments.csv")));
-  if (error.empty()) error = writeCompacts(directory.filePath(QStringLiteral("unclosed_compacts.csv")), m_options);
+  if (error.empty()) error = writeCompacts(directory, m_options);
   if (error.empty()) error = writeClosed(directory.filePath(QStringLiteral("closed_compacts.csv")), m_options);
+  if (error.empty())
+    error = writeSampleQuotes(directory.filePath(QStringLiteral("quotes.csv")), m_options.seed + QUOTES_SEED_OFFSET);
   return error;
 }
 

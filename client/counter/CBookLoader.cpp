@@ -25,7 +25,7 @@ void loadFiles(const std::string& folder, const std::string& databasePath, CBook
     if (error.empty() && connection.recreateTables(error)) {
       const auto& kinds = recordKinds();
       const bool complete = std::all_of(kinds.begin(), kinds.end(), [&](const CRecordKind& kind) {
-        return CBookFile(kind, context, connection).load(folder);
+        return kind.file == EBookFile::None || CBookFile(kind, context, connection).load(folder);
       });
       if (complete && context.result().isLoaded()) transaction.commit(error);
     }

@@ -2,10 +2,13 @@
 
 #include "counter/CBrokerAccounts.h"
 #include "counter/CCompactWriter.h"
+#include "counter/COrderDesk.h"
+#include "counter/CQuoteFeed.h"
 #include "counter/CSqlRequests.h"
 #include "counter/CSqlWorkers.h"
 #include "counter/counter_errors.h"
 #include "net/CTimerQueue.h"
+#include "rdservice/COrderRequests.h"
 #include "rdservice/service_requests.h"
 
 #include <algorithm>
@@ -20,6 +23,13 @@ namespace {
 using CClock = std::chrono::steady_clock;
 using rdservice::IDataPtr;
 using utils::RDError;
+
+/// Quotes that move at intervals.
+struct CQuoteWalk {
+  unsigned number;
+  int quotes;
+  std::chrono::milliseconds interval;
+};
 
 constexpr const char* SIMULATED_FAILURE = "柜台返回失败（模拟）";
 
@@ -52,22 +62,35 @@ struct CSqlCounter::Private {
       : latency(options.latency.count()),
         failing(options.failEvery),
         silent(options.silentEvery),
+        fillDelay(options.fillDelay.count()),
+        quotes(options.quoteSeed),
+        orders(accounts),
         compactWriter(accounts),
         readers(options.databasePath, std::max(options.readers, 1)),
         writer(options.databasePath, 1),
-        requests(accounts, {std::move(options.maxCompacts), std::move(options.repeatingTypes)},
+        requests(accounts, quotes, {std::move(options.maxCompacts), std::move(options.repeatingTypes)},
                  [this] { return readers.isStopping(); }) {}
 
   /// At once, or when the latency is over.
   void deliver(CClock::time_point due, const IDataPtr& request, const CCounterReply& reply, CSqlAnswer answer);
   void tell(const IDataPtr& request, const CCounterReply& reply, const CSqlAnswer& answer);
   void push(const std::vector<IDataPtr>& records);
+  void placeOrder(CClock::time_point due, const IDataPtr& request, const CCounterReply& reply, bool isFailing);
+  /// When its delay is over.
+  void fillLater(const rdservice::CStkOrderPtr& order);
+  void fill(const rdservice::CStkOrderPtr& order);
+  /// Moves quotes once, and again after each interval as long as the walk is the one that was set last.
+  void walkQuotes(CQuoteWalk walk);
 
   std::atomic<ICounterSink*> sink{nullptr};
   std::atomic<std::chrono::milliseconds::rep> latency;
   CEvery failing;
   CEvery silent;
+  std::atomic<std::chrono::milliseconds::rep> fillDelay;
+  std::atomic<unsigned> quoteWalk{0};  ///< number of the walk that was set last
   CBrokerAccounts accounts;
+  CQuoteFeed quotes;
+  COrderDesk orders;
   CCompactWriter compactWriter;
   CSqlWorkers readers;
   CSqlWorkers writer;
@@ -75,7 +98,9 @@ struct CSqlCounter::Private {
   net::CTimerQueue timers;
 };
 
-CSqlCounter::CSqlCounter(CSqlCounterOptions options) : m_d(std::make_unique<Private>(std::move(options))) {}
+CSqlCounter::CSqlCounter(CSqlCounterOptions options) : m_d(std::make_unique<Private>(options)) {
+  setQuoteWalk(options.quotesPerMove, options.quoteInterval);
+}
 
 CSqlCounter::~CSqlCounter() { stop(); }
 
@@ -83,6 +108,9 @@ void CSqlCounter::start(ICounterSink& sink) {
   m_d->sink.store(&sink);
   m_d->readers.start();
   m_d->writer.start();
+  m_d->writer.post([d = m_d.get()](const auto& connection) {
+    for (const auto& order : d->orders.entrusted(connection)) d->fillLater(order);
+  });
 }
 
 void CSqlCounter::stop() {
@@ -97,6 +125,7 @@ void CSqlCounter::request(const IDataPtr& request, CCounterReply reply) {
   const bool isFailing = m_d->failing.isNext();
   if (m_d->silent.isNext()) return;
   const auto due = CClock::now() + std::chrono::milliseconds(m_d->latency.load());
+  if (request->getBaseId() == rdservice::RequestPlaceOrder) return m_d->placeOrder(due, request, reply, isFailing);
   m_d->readers.post([d = m_d.get(), request, reply = std::move(reply), isFailing, due](const auto& connection) {
     auto answer = isFailing ? CSqlAnswer{RDError(CounterSimulated, SIMULATED_FAILURE), {}}
                             : d->requests.answer(connection, *request);
@@ -107,6 +136,12 @@ void CSqlCounter::request(const IDataPtr& request, CCounterReply reply) {
 void CSqlCounter::setLatency(std::chrono::milliseconds latency) { m_d->latency.store(latency.count()); }
 void CSqlCounter::setFailEvery(int requests) { m_d->failing.set(requests); }
 void CSqlCounter::setSilentEvery(int requests) { m_d->silent.set(requests); }
+
+void CSqlCounter::setFillDelay(std::chrono::milliseconds delay) { m_d->fillDelay.store(delay.count()); }
+
+void CSqlCounter::setQuoteWalk(int quotesPerMove, std::chrono::milliseconds interval) {
+  m_d->walkQuotes({++m_d->quoteWalk, quotesPerMove, std::max(interval, std::chrono::milliseconds(1))});
+}
 
 void CSqlCounter::changeCompacts(std::vector<IDataPtr> records) {
   m_d->writer.post([d = m_d.get(), records = std::move(records)](const auto& connection) {
@@ -147,6 +182,42 @@ void CSqlCounter::Private::tell(const IDataPtr& request, const CCounterReply& re
   const auto& login = static_cast<const rdservice::CLoginReq&>(*request);
   sink.load()->onLoginStatus(login.accountKey,
                              login.login != 0 ? rdservice::LoginStatusReady : rdservice::LoginStatusLoggedOut, {});
+}
+
+void CSqlCounter::Private::placeOrder(CClock::time_point due, const IDataPtr& request, const CCounterReply& reply,
+                                      bool isFailing) {
+  writer.post([this, request, reply, isFailing, due](const auto& connection) {
+    COrderDesk::CPlaced placed{RDError(CounterSimulated, SIMULATED_FAILURE), nullptr};
+    if (!isFailing) placed = orders.place(connection, static_cast<const rdservice::CPlaceOrderReq&>(*request));
+    if (writer.isStopping()) return;
+    // What is pushed is the client's from then on: the reply has a record of its own.
+    CSqlAnswer answer{placed.error, {}};
+    if (placed.order != nullptr) answer.records.push_back(placed.order->copy());
+    push(placed.changed);
+    if (placed.isEntrusted()) fillLater(placed.order);  // before the reply, so that what the client does then is later
+    deliver(due, request, reply, std::move(answer));
+  });
+}
+
+void CSqlCounter::Private::fillLater(const rdservice::CStkOrderPtr& order) {
+  const std::chrono::milliseconds delay(fillDelay.load());
+  if (delay.count() <= 0)
+    fill(order);
+  else
+    timers.after(delay, [this, order] { fill(order); });
+}
+
+void CSqlCounter::Private::fill(const rdservice::CStkOrderPtr& order) {
+  writer.post([this, order](const auto& connection) { push(orders.fill(connection, *order)); });
+}
+
+void CSqlCounter::Private::walkQuotes(CQuoteWalk walk) {
+  if (walk.quotes <= 0) return;
+  writer.post([this, walk](const auto& connection) {
+    if (quoteWalk.load() != walk.number) return;
+    push(quotes.move(connection, walk.quotes));
+    timers.after(walk.interval, [this, walk] { walkQuotes(walk); });
+  });
 }
 
 void CSqlCounter::Private::push(const std::vector<IDataPtr>& records) {

@@ -22,6 +22,10 @@ struct CSqlCounterOptions {
   /// Counter types whose replies begin with the record that the request continues after, on top of the count asked for;
   /// after the last record it comes alone.
   std::set<int> repeatingTypes{};
+  std::chrono::milliseconds fillDelay{0};         ///< from taking an order to its filling
+  int quotesPerMove = 0;                          ///< quotes that move at each interval; 0 for none
+  std::chrono::milliseconds quoteInterval{1000};  ///< above 0
+  unsigned quoteSeed = 1;                         ///< the same seed makes the same moves
 };
 
 /// The broker's side on a SQLite database that `CBookLoader` has filled. Needs a QCoreApplication.
@@ -31,8 +35,9 @@ struct CSqlCounterOptions {
 /// is answered, then reported to the sink. Compacts come in the order of their position strings. Requests taken before
 /// `start` wait for it, those taken after `stop` are dropped.
 ///
-/// Replies come from the reader threads, or from a timer thread while there is a latency, which holds no reader up;
-/// pushes come from a writer thread.
+/// Replies come from the reader threads, those to orders from a writer thread, or all from a timer thread while there
+/// is a latency, which holds nobody up; pushes come from the writer thread. What a reply tells of an order was pushed
+/// before. Orders that were not filled when the counter stopped are filled after its next start.
 class CSqlCounter final : public ICounter {
  public:
   explicit CSqlCounter(CSqlCounterOptions options);
@@ -48,6 +53,10 @@ class CSqlCounter final : public ICounter {
   void setLatency(std::chrono::milliseconds latency);
   void setFailEvery(int requests);
   void setSilentEvery(int requests);
+  /// For orders from now on.
+  void setFillDelay(std::chrono::milliseconds delay);
+  /// Quotes that move at each interval from now on, for the first time at once; 0 for none.
+  void setQuoteWalk(int quotesPerMove, std::chrono::milliseconds interval);
 
   /// Something happens at the broker: inserts or replaces the records, all of them or, when one cannot be written,
   /// none (then an error is logged), and pushes them. Each has its account, and the position of the record that it

@@ -1,19 +1,22 @@
 #include "counter/CSqlRequests.h"
 
+#include "counter/CQuoteFeed.h"
 #include "counter/CSqlConnection.h"
 #include "counter/CSqlTable.h"
-#include "counter/counter_errors.h"
+#include "counter/ready_account.h"
 #include "counter/record_kinds.h"
+#include "rdservice/COrderRequests.h"
 #include "rdservice/CQueryCompactReqV2.h"
 #include "rdservice/CQueryDataReq.h"
 #include "rdservice/rdservice_enums.h"
 #include "rdservice/service_requests.h"
-#include "utils/CLogCenter.h"
 
 #include <QSqlError>
 #include <QSqlQuery>
+#include <QStringList>
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace counter {
@@ -24,24 +27,35 @@ using rdservice::CAccountInfoPtr;
 using rdservice::IData;
 using utils::RDError;
 
-constexpr utils::CLogSite SITE{"CSqlRequests.cpp", "counter::CSqlRequests::answer"};
-
 // Texts for users.
-constexpr const char* UNKNOWN_ACCOUNT = "柜台没有此资金账号: ";
-constexpr const char* NOT_LOGGED_IN = "资金账号未登录: ";
 constexpr const char* UNKNOWN_REQUEST = "柜台不支持此请求: ";
 constexpr const char* UNKNOWN_DATA = "柜台没有此类数据: ";
-constexpr const char* DATABASE_UNUSABLE = "柜台数据库不可用: ";
-constexpr const char* SQL_FAILED = "柜台数据库错误: ";
 
 /// Rows between two looks at whether the work is still wanted.
 constexpr std::size_t ROWS_PER_LOOK = 4096;
 
 CSqlAnswer failed(int code, const std::string& text) { return {RDError(code, text), {}}; }
 
-CSqlAnswer sqlFailed(const std::string& error) {
-  utils::logError(SITE, "{0}", error);
-  return failed(CounterSqlFailed, SQL_FAILED + error);
+CSqlAnswer sqlFailed(const std::string& error) { return {sqlFailure(error), {}}; }
+
+/// Selects the sums over the account's unclosed compacts, in the order of the statistic's fields.
+QString statisticsStatement() {
+  const CRecordKind& kind = statisticsKind();
+  const CRecordKind& compacts = *recordKind(rdservice::RecordStkUnClosedCompacts);
+  const auto isGroup = [&](const rdservice::CFieldDes& field) {
+    return std::any_of(kind.key.begin(), kind.key.end(),
+                       [&](const char* name) { return std::string_view(name) == field.name; });
+  };
+  QStringList columns;
+  QStringList groups;
+  for (const auto& field : kind.des) {
+    const QString column = CSqlTable::column(field.name);
+    columns << (isGroup(field) ? column : QStringLiteral("sum(%1)").arg(column));
+    if (isGroup(field)) groups << column;
+  }
+  return QStringLiteral("SELECT %1 FROM %2 WHERE %3 = ? GROUP BY %4 ORDER BY %4")
+      .arg(columns.join(QStringLiteral(", ")), CSqlTable::column(compacts.des.name()),
+           CSqlTable::column(compacts.accountField()->name), groups.join(QStringLiteral(", ")));
 }
 
 /// The smaller of two limits of which 0 means none.
@@ -49,12 +63,12 @@ int tighter(int a, int b) { return a <= 0 || b <= 0 ? std::max({a, b, 0}) : std:
 
 }  // namespace
 
-CSqlRequests::CSqlRequests(CBrokerAccounts& accounts, CCompactBatches batches, std::function<bool()> giveUp)
-    : m_accounts(accounts), m_batches(std::move(batches)), m_giveUp(std::move(giveUp)) {}
+CSqlRequests::CSqlRequests(CBrokerAccounts& accounts, CQuoteFeed& quotes, CCompactBatches batches,
+                           std::function<bool()> giveUp)
+    : m_accounts(accounts), m_quotes(quotes), m_batches(std::move(batches)), m_giveUp(std::move(giveUp)) {}
 
 CSqlAnswer CSqlRequests::answer(const CSqlConnection& connection, const IData& request) {
-  if (!connection.isOpen())
-    return failed(CounterDatabaseUnusable, DATABASE_UNUSABLE + connection.path() + ": " + connection.error());
+  if (!connection.isOpen()) return {unusableDatabase(connection), {}};
   switch (request.getBaseId()) {
     case rdservice::RequestQueryAccounts: return queryAccounts(connection);
     case rdservice::RequestQueryInstruments: return queryInstruments(connection);
@@ -63,6 +77,8 @@ CSqlAnswer CSqlRequests::answer(const CSqlConnection& connection, const IData& r
       return queryCompacts(connection, static_cast<const rdservice::CQueryCompactReqV2&>(request));
     case rdservice::RequestQueryData:
       return queryData(connection, static_cast<const rdservice::CQueryDataReq&>(request));
+    case rdservice::RequestSubscribeQuotes:
+      return subscribeQuotes(connection, static_cast<const rdservice::CSubscribeQuotesReq&>(request));
     default: return failed(RDError::Unsupported, UNKNOWN_REQUEST + std::to_string(request.getBaseId()));
   }
 }
@@ -83,14 +99,14 @@ CSqlAnswer CSqlRequests::login(const CSqlConnection& connection, const rdservice
   std::string error;
   const auto account = m_accounts.find(connection, request.accountKey, error);
   if (!error.empty()) return sqlFailed(error);
-  if (account == nullptr) return failed(CounterUnknownAccount, UNKNOWN_ACCOUNT + request.accountKey);
+  if (account == nullptr) return {unknownAccount(request.accountKey), {}};
   m_accounts.setLoggedIn(request.accountKey, request.login != 0);
   return {};
 }
 
 CSqlAnswer CSqlRequests::queryCompacts(const CSqlConnection& connection, const rdservice::CQueryCompactReqV2& request) {
   CSqlAnswer refused;
-  const auto account = readyAccount(connection, request.accountKey, refused.error);
+  const auto account = readyAccount(m_accounts, connection, request.accountKey, refused.error);
   if (account == nullptr) return refused;
   const auto* const kind = recordKind(request.dataType);
   if (kind == nullptr || kind->position == nullptr)
@@ -127,8 +143,10 @@ CSqlAnswer CSqlRequests::queryCompacts(const CSqlConnection& connection, const r
 CSqlAnswer CSqlRequests::queryData(const CSqlConnection& connection, const rdservice::CQueryDataReq& request) {
   CSqlAnswer refused;
   const std::string key = request.accountInfo == nullptr ? std::string() : request.accountInfo->getKey();
-  const auto account = readyAccount(connection, key, refused.error);
+  const auto account = readyAccount(m_accounts, connection, key, refused.error);
   if (account == nullptr) return refused;
+  if (request.dataType == rdservice::RecordStkUnClosedCompactsStatics)
+    return read(connection, statisticsKind(), statisticsStatement(), {QString::fromStdString(key)}, account);
   const auto* const kind = recordKind(request.dataType);
   if (kind == nullptr || kind->accountField() == nullptr)
     return failed(RDError::Unsupported, UNKNOWN_DATA + std::to_string(request.dataType));
@@ -138,25 +156,26 @@ CSqlAnswer CSqlRequests::queryData(const CSqlConnection& connection, const rdser
                 {QString::fromStdString(key)}, account);
 }
 
-CAccountInfoPtr CSqlRequests::readyAccount(const CSqlConnection& connection, const std::string& accountKey,
-                                           RDError& error) {
-  std::string sqlError;
-  auto account = m_accounts.find(connection, accountKey, sqlError);
-  if (!sqlError.empty()) {
-    error = sqlFailed(sqlError).error;
-  } else if (account == nullptr) {
-    error = RDError(CounterUnknownAccount, UNKNOWN_ACCOUNT + accountKey);
-  } else if (!m_accounts.isLoggedIn(accountKey)) {
-    error = RDError(CounterNotLoggedIn, NOT_LOGGED_IN + accountDisplayID(*account));
-  }
-  return error.isSuccess() ? account : nullptr;
+CSqlAnswer CSqlRequests::subscribeQuotes(const CSqlConnection& connection,
+                                         const rdservice::CSubscribeQuotesReq& request) {
+  // First, so that no change falls between what is read and what is pushed.
+  m_quotes.subscribe(request.stockKeys);
+  auto answer =
+      select(connection, *recordKind(rdservice::RecordPriceData), QStringLiteral("ORDER BY rowid"), {}, nullptr);
+  m_quotes.removeOthers(answer.records);
+  return answer;
 }
 
 CSqlAnswer CSqlRequests::select(const CSqlConnection& connection, const CRecordKind& kind, const QString& condition,
                                 const std::vector<QVariant>& values, const CAccountInfoPtr& account) const {
+  return read(connection, kind, CSqlTable(kind).selectStatement() + QLatin1Char(' ') + condition, values, account);
+}
+
+CSqlAnswer CSqlRequests::read(const CSqlConnection& connection, const CRecordKind& kind, const QString& statement,
+                              const std::vector<QVariant>& values, const CAccountInfoPtr& account) const {
   const CSqlTable table(kind);
   auto query = connection.makeQuery();
-  bool ok = query.prepare(table.selectStatement() + QLatin1Char(' ') + condition);
+  bool ok = query.prepare(statement);
   for (const auto& value : values) query.addBindValue(value);
   ok = ok && query.exec();
   CSqlAnswer answer;

@@ -15,12 +15,14 @@
 
 namespace rdservice {
 class CLoginReq;
+class CSubscribeQuotesReq;
 class CQueryCompactReqV2;
 class CQueryDataReq;
 }  // namespace rdservice
 
 namespace counter {
 
+class CQuoteFeed;
 class CSqlConnection;
 struct CRecordKind;
 
@@ -40,7 +42,7 @@ struct CCompactBatches {
 class CSqlRequests {
  public:
   /// `giveUp` is asked now and then during long work; when it says true the answer's content no longer matters.
-  CSqlRequests(CBrokerAccounts& accounts, CCompactBatches batches, std::function<bool()> giveUp);
+  CSqlRequests(CBrokerAccounts& accounts, CQuoteFeed& quotes, CCompactBatches batches, std::function<bool()> giveUp);
 
   /// Never throws. Errors of the database are logged.
   CSqlAnswer answer(const CSqlConnection& connection, const rdservice::IData& request);
@@ -51,13 +53,15 @@ class CSqlRequests {
   CSqlAnswer login(const CSqlConnection& connection, const rdservice::CLoginReq& request);
   CSqlAnswer queryCompacts(const CSqlConnection& connection, const rdservice::CQueryCompactReqV2& request);
   CSqlAnswer queryData(const CSqlConnection& connection, const rdservice::CQueryDataReq& request);
-  /// The account when it may be queried; otherwise null, and `error` says why not.
-  rdservice::CAccountInfoPtr readyAccount(const CSqlConnection& connection, const std::string& accountKey,
-                                          utils::RDError& error);
+  CSqlAnswer subscribeQuotes(const CSqlConnection& connection, const rdservice::CSubscribeQuotesReq& request);
   CSqlAnswer select(const CSqlConnection& connection, const CRecordKind& kind, const QString& condition,
                     const std::vector<QVariant>& values, const rdservice::CAccountInfoPtr& account) const;
+  /// Runs a statement that selects the kind's fields in their order.
+  CSqlAnswer read(const CSqlConnection& connection, const CRecordKind& kind, const QString& statement,
+                  const std::vector<QVariant>& values, const rdservice::CAccountInfoPtr& account) const;
 
   CBrokerAccounts& m_accounts;
+  CQuoteFeed& m_quotes;
   const CCompactBatches m_batches;
   const std::function<bool()> m_giveUp;
 };

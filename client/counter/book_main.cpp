@@ -30,7 +30,8 @@ int refuse(const QString& message) {
 int main(int argc, char** argv) {
   QCoreApplication application(argc, argv);
   QCommandLineParser parser;
-  parser.setApplicationDescription(QStringLiteral("Writes a sample book of accounts, instruments and compacts."));
+  parser.setApplicationDescription(
+      QStringLiteral("Writes a sample book of accounts, instruments, quotes, compacts and positions."));
   parser.addHelpOption();
   parser.addPositionalArgument(QStringLiteral("OUT_DIR"),
                                QStringLiteral("folder for the CSV files; created if needed"));
@@ -38,13 +39,17 @@ int main(int argc, char** argv) {
       QStringLiteral("compacts"), QStringLiteral("unclosed compacts of the first account (5000)"), QStringLiteral("N"));
   const QCommandLineOption closed(QStringLiteral("closed"),
                                   QStringLiteral("closed compacts of the first account (240)"), QStringLiteral("N"));
+  const QCommandLineOption changed(
+      QStringLiteral("changed"),
+      QStringLiteral("unclosed compacts of each account with change details, at most (50000)"), QStringLiteral("N"));
   const QCommandLineOption seed(QStringLiteral("seed"), QStringLiteral("another seed gives other compacts (1)"),
                                 QStringLiteral("S"));
-  parser.addOptions({compacts, closed, seed});
+  parser.addOptions({compacts, closed, changed, seed});
   parser.process(application);
 
   counter::CBookGeneratorOptions options;
-  for (const auto& [option, number] : {std::pair{&compacts, &options.compacts}, std::pair{&closed, &options.closed}})
+  for (const auto& [option, number] : {std::pair{&compacts, &options.compacts}, std::pair{&closed, &options.closed},
+                                       std::pair{&changed, &options.changed}})
     if (parser.isSet(*option) && !readNumber(parser.value(*option), counter::CBookGenerator::MAX_COMPACTS, *number))
       return refuse(QStringLiteral("--%1 takes a whole number from 0 to %2, got \"%3\"")
                         .arg(option->names().front())

@@ -2,8 +2,13 @@
 
 #include "rdservice/CAccountInfo.h"
 #include "rdservice/CInstrumentInfo.h"
+#include "rdservice/CPositionStatics.h"
+#include "rdservice/CPriceData.h"
 #include "rdservice/CStkClosedCompacts.h"
+#include "rdservice/CStkCompactChange.h"
+#include "rdservice/CStkOrder.h"
 #include "rdservice/CStkUnClosedCompacts.h"
+#include "rdservice/CStkUnClosedCompactsStatics.h"
 
 #include <boost/make_shared.hpp>
 
@@ -15,8 +20,13 @@ namespace {
 
 using rdservice::CAccountInfo;
 using rdservice::CInstrumentInfo;
+using rdservice::CPositionStatics;
+using rdservice::CPriceData;
 using rdservice::CStkClosedCompacts;
+using rdservice::CStkCompactChange;
+using rdservice::CStkOrder;
 using rdservice::CStkUnClosedCompacts;
+using rdservice::CStkUnClosedCompactsStatics;
 
 template <class Record>
 rdservice::IDataPtr makeRecord() {
@@ -33,30 +43,70 @@ const std::vector<CRecordKind>& recordKinds() {
        {"account_id", "broker_type", "counter_type"},
        nullptr,
        false,
-       false},
+       EBookFile::Needed},
       {CInstrumentInfo::structDes(),
        makeRecord<CInstrumentInfo>,
        {"exchange", "code"},
        {"exchange", "code", "name"},
        nullptr,
        false,
-       false},
+       EBookFile::Needed},
       {CStkUnClosedCompacts::structDes(),
        makeRecord<CStkUnClosedCompacts>,
        {"account", "open_date", "compact_no", "exchange", "code"},
        {"account", "exchange", "code", "compact_type", "compact_no", "open_date"},
        "position_string",
        true,
-       false},
+       EBookFile::Needed},
       {CStkClosedCompacts::structDes(),
        makeRecord<CStkClosedCompacts>,
        {"account", "open_date", "compact_no", "exchange", "code"},
        {"account", "exchange", "code", "compact_type", "compact_no", "open_date", "close_date"},
        "position_string",
        true,
-       true},
+       EBookFile::Optional},
+      {CStkCompactChange::structDes(),
+       makeRecord<CStkCompactChange>,
+       {"account", "change_date", "serial_no"},
+       {"account", "exchange", "code", "compact_type", "compact_no", "open_date", "change_date", "change_kind",
+        "serial_no"},
+       nullptr,
+       true,
+       EBookFile::Optional},
+      {CPositionStatics::structDes(),
+       makeRecord<CPositionStatics>,
+       {"account", "exchange", "code", "direction", "hedge_flag"},
+       {"account", "exchange", "code", "current_volume", "available_volume"},
+       nullptr,
+       true,
+       EBookFile::Optional},
+      {CPriceData::structDes(),
+       makeRecord<CPriceData>,
+       {"exchange", "code"},
+       {"exchange", "code", "last_price"},
+       nullptr,
+       true,
+       EBookFile::Optional},
+      {CStkOrder::structDes(),
+       makeRecord<CStkOrder>,
+       {"account", "order_date", "order_id"},
+       {},
+       nullptr,
+       true,
+       EBookFile::None},
   };
   return s_kinds;
+}
+
+const CRecordKind& statisticsKind() {
+  static const CRecordKind s_kind = {CStkUnClosedCompactsStatics::structDes(),
+                                     makeRecord<CStkUnClosedCompactsStatics>,
+                                     {"exchange", "code", "compact_type", "source", "account"},
+                                     {},
+                                     nullptr,
+                                     true,
+                                     EBookFile::None};
+  return s_kind;
 }
 
 const CRecordKind* recordKind(int typeId) {

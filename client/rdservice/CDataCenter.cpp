@@ -34,6 +34,8 @@ std::vector<CInstrumentInfoPtr> CDataCenter::getInstruments() const {
   return m_d->instruments.all;
 }
 
+CAccountDataPtr CDataCenter::getMarketData() const { return m_d->marketData; }
+
 void CDataCenter::setAccounts(const std::vector<CAccountInfoPtr>& accounts) {
   const utils::CWriteLock lock(m_d->mutex);
   for (const CAccountInfoPtr& account : accounts) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "rdservice/TraderCenter.h"
+#include "rdservice/data_centre_factory.h"
 #include "utils/CMutex.h"
 
 #include <cstddef>
@@ -16,6 +17,7 @@ struct CDataCenter::Private {
     std::unordered_map<std::string, std::size_t> places;  ///< by stock key
   };
 
+  const CAccountDataPtr marketData = makeAccountData(nullptr);
   mutable utils::CSharedMutex mutex;
   std::map<std::string, CAccountDataPtr> accounts TS_GUARDED_BY(mutex);  ///< by account key
   CInstruments instruments TS_GUARDED_BY(mutex);

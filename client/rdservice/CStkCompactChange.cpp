@@ -41,7 +41,7 @@ IDataPtr CStkCompactChange::copy() const { return boost::make_shared<CStkCompact
 const CStructDes& CStkCompactChange::getStructDes() const { return structDes(); }
 
 const CStructDes& CStkCompactChange::structDes() {
-  static const CStructDes s_des = makeStructDes(RecordStkCompactChange, "compact_changes", FIELDS);
+  static const CStructDes s_des = makeStructDes(RecordStkCompactChange, "change_details", FIELDS);
   return s_des;
 }
 

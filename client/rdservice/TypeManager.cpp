@@ -34,6 +34,25 @@ constexpr CEnumRow ROWS[] = {
     {ENUM_LOGIN_STATUS, LoginStatusLoggingIn, "登录中"},
     {ENUM_LOGIN_STATUS, LoginStatusReady, "已登录"},
     {ENUM_LOGIN_STATUS, LoginStatusFailed, "登录失败"},
+    {ENUM_OPERATION_TYPE, OperationBuy, "买入"},
+    {ENUM_OPERATION_TYPE, OperationSell, "卖出"},
+    {ENUM_OPERATION_TYPE, OperationFinancingBuy, "融资买入"},
+    {ENUM_OPERATION_TYPE, OperationLendingSell, "融券卖出"},
+    {ENUM_OPERATION_TYPE, OperationBuyToReturn, "买券还券"},
+    {ENUM_OPERATION_TYPE, OperationDirectReturn, "直接还券"},
+    {ENUM_OPERATION_TYPE, OperationSellToRepay, "卖券还款"},
+    {ENUM_OPERATION_TYPE, OperationDirectRepay, "直接还款"},
+    {ENUM_OPERATION_TYPE, OperationSpecialDirectReturn, "专项直接还券"},
+    {ENUM_OPERATION_TYPE, OperationSpecialBuyToReturn, "专项买券还券"},
+    {ENUM_ENTRUST_DIRECTION, EntrustDirectionBuy, "买"},
+    {ENUM_ENTRUST_DIRECTION, EntrustDirectionSell, "卖"},
+    {ENUM_HEDGE_FLAG, HedgeFlagSpeculation, "投机"},
+    {ENUM_HEDGE_FLAG, HedgeFlagArbitrage, "套利"},
+    {ENUM_HEDGE_FLAG, HedgeFlagHedge, "套保"},
+    {ENUM_ORDER_STATE, OrderEntrusted, "已报"},
+    {ENUM_ORDER_STATE, OrderFilled, "已成"},
+    {ENUM_ORDER_STATE, OrderRefused, "废单"},
+    {ENUM_ORDER_STATE, OrderUnanswered, "未应答"},
 };
 
 struct CEnumType {
@@ -65,6 +84,10 @@ std::string TypeManager::getEnumItemName(std::string_view typeName, int value, i
   for (const CEnumItem& item : enumItems(typeName))
     if (item.value == value) return item.name;
   return std::to_string(value);
+}
+
+std::string operationValueToString(int operationType) {
+  return TypeManager::getEnumItemName(ENUM_OPERATION_TYPE, operationType, TraderTypeStockCredit);
 }
 
 }  // namespace rdservice

@@ -81,5 +81,9 @@ constexpr const char* ENUM_BRUSH_SOURCE = "rdservice::EKVCompactBrushSource";
 constexpr const char* ENUM_RENEWAL_FLAG = "rdservice::EKVRenewalFlag";
 constexpr const char* ENUM_BROKER_TYPE = "rdservice::EBrokerType";
 constexpr const char* ENUM_LOGIN_STATUS = "rdservice::EBROKER_LOGIN_STATUS";
+constexpr const char* ENUM_OPERATION_TYPE = "rdservice::EOperationType";
+constexpr const char* ENUM_ENTRUST_DIRECTION = "rdservice::EKVEntrustDirection";
+constexpr const char* ENUM_HEDGE_FLAG = "rdservice::EKVHedgeFlag";
+constexpr const char* ENUM_ORDER_STATE = "rdservice::EKVOrderState";
 
 }  // namespace rdservice

@@ -61,6 +61,21 @@ constexpr CRangeRule RANGE_RULES[] = {
     {"login", 0, 1},
 };
 
+/// Number columns that hold nothing below 0.
+constexpr std::string_view NOT_NEGATIVE[] = {"current_volume", "available_volume", "cost_price", "last_price",
+                                             "close_price"};
+
+template <class Number>
+bool isAllowed(const CFieldDes& field, Number number) {
+  return number >= 0 ||
+         std::find(std::begin(NOT_NEGATIVE), std::end(NOT_NEGATIVE), field.name) == std::end(NOT_NEGATIVE);
+}
+
+constexpr const char* WHOLE_NUMBER = "a whole number";
+constexpr const char* WHOLE_FROM_ZERO = "a whole number, 0 or above";
+constexpr const char* NUMBER = "a number such as 1234.56";
+constexpr const char* NUMBER_FROM_ZERO = "a number such as 1234.56, 0 or above";
+
 template <class Rule, std::size_t COUNT>
 const Rule* findRule(const Rule (&rules)[COUNT], std::string_view column) {
   const auto* const found =
@@ -127,12 +142,18 @@ CParsed<std::int32_t> parseInt32(const CFieldDes& field, std::string_view text, 
   return {std::nullopt, fmt::format("a whole number from {} to {}", min, max)};
 }
 
-CParsed<double> parseDouble(std::string_view text) {
+CParsed<std::int64_t> parseInt64(const CFieldDes& field, std::string_view text) {
+  const auto number = parseWhole<std::int64_t>(text);
+  if (number && isAllowed(field, *number)) return {number, {}};
+  return {std::nullopt, isAllowed(field, -1) ? WHOLE_NUMBER : WHOLE_FROM_ZERO};
+}
+
+CParsed<double> parseDouble(const CFieldDes& field, std::string_view text) {
   double value = 0;
   const char* const last = text.data() + text.size();
   const auto [end, fault] = std::from_chars(text.data(), last, value, std::chars_format::fixed);
-  if (fault == std::errc() && end == last && std::isfinite(value)) return {value, {}};
-  return {std::nullopt, "a number such as 1234.56"};
+  if (fault == std::errc() && end == last && std::isfinite(value) && isAllowed(field, value)) return {value, {}};
+  return {std::nullopt, isAllowed(field, -1) ? NUMBER : NUMBER_FROM_ZERO};
 }
 
 std::string doubleText(double value) {
@@ -162,10 +183,8 @@ bool parseField(const CFieldDes& field, std::string_view text, IData& record, st
     case EFieldType::Interned: return store(field.edit<CInternedText>(record), parseText(field, text));
     case EFieldType::Char: return store(field.edit<char>(record), parseCode(field, text));
     case EFieldType::Int32: return store(field.edit<std::int32_t>(record), parseInt32(field, text, context));
-    case EFieldType::Int64:
-      return store(field.edit<std::int64_t>(record),
-                   CParsed<std::int64_t>{parseWhole<std::int64_t>(text), "a whole number"});
-    case EFieldType::Double: return store(field.edit<double>(record), parseDouble(text));
+    case EFieldType::Int64: return store(field.edit<std::int64_t>(record), parseInt64(field, text));
+    case EFieldType::Double: return store(field.edit<double>(record), parseDouble(field, text));
   }
   assert(false);
   return false;

@@ -3,8 +3,11 @@
 #include "rdservice/CAccountInfo.h"
 #include "rdservice/CCreditRepayPriorityResp.h"
 #include "rdservice/CInstrumentInfo.h"
+#include "rdservice/CPositionStatics.h"
+#include "rdservice/CPriceData.h"
 #include "rdservice/CStkClosedCompacts.h"
 #include "rdservice/CStkCompactChange.h"
+#include "rdservice/CStkOrder.h"
 #include "rdservice/CStkUnClosedCompacts.h"
 #include "rdservice/CStkUnClosedCompactsStatics.h"
 #include "rdservice/CStructDes.h"
@@ -20,6 +23,9 @@ const CStructDes* structDesOf(int typeId) {
       &CStkClosedCompacts::structDes(),
       &CStkCompactChange::structDes(),
       &CCreditRepayPriorityResp::structDes(),
+      &CPositionStatics::structDes(),
+      &CPriceData::structDes(),
+      &CStkOrder::structDes(),
   };
   for (const CStructDes* des : ALL) {
     if (des->typeId() == typeId) return des;

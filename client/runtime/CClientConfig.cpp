@@ -76,6 +76,10 @@ CCounterSettings readCounterSettings(const std::string& path, std::vector<utils:
   behaviour.latencyMs = file.getInt("latency_ms", 0, behaviour.MAX_LATENCY_MS, behaviour.latencyMs);
   behaviour.failEvery = file.getInt("fail_every", 0, behaviour.MAX_EVERY, behaviour.failEvery);
   behaviour.silentEvery = file.getInt("silent_every", 0, behaviour.MAX_EVERY, behaviour.silentEvery);
+  behaviour.fillDelayMs = file.getInt("fill_delay_ms", 0, behaviour.MAX_FILL_DELAY_MS, behaviour.fillDelayMs);
+  behaviour.quotesPerMove = file.getInt("quotes_per_move", 0, behaviour.MAX_QUOTES, behaviour.quotesPerMove);
+  behaviour.quoteIntervalMs = file.getInt("quote_interval_ms", behaviour.MIN_QUOTE_INTERVAL_MS,
+                                          behaviour.MAX_QUOTE_INTERVAL_MS, behaviour.quoteIntervalMs);
   settings.requestTimeoutMs = file.getInt("request_timeout_ms", 100, 600000, settings.requestTimeoutMs);
   readCounterTypes(file, settings);
   file.reportUnknownKeys();

@@ -25,6 +25,7 @@ struct CClientConfig {
   rdservice::CBrokerConfig broker;  ///< broker.toml
   VN::CUserSettings user;           ///< user.toml
   CCounterSettings counter;         ///< counter.toml
+  std::string basketFile;           ///< the user's baskets; empty: they end with the client. Not read from the folder
   /// rights.toml: enabled module keys by group, see luawrapper::LuaModuleCtrl::ELevel.
   std::map<int, std::set<std::string>> rights;
 };

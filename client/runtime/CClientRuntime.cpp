@@ -51,7 +51,7 @@ CClientRuntime::CClientRuntime(const CClientConfig& config, std::unique_ptr<coun
   m_d->log = utils::makeLogCenter(log);
   m_d->rights = luawrapper::makeLuaModuleCtrl(config.rights);
   m_d->broker = rdservice::makeConfigCollector(config.broker);
-  m_d->user = VN::makeUserConfig(config.user);
+  m_d->user = VN::makeUserConfig(config.user, config.basketFile);
   m_d->config = VN::makeConfig(config.user);
   m_d->engine = net::makeRPCEngine(workerThreads());
   m_d->trader = rdservice::makeTraderCenter();
@@ -65,14 +65,18 @@ CClientRuntime::~CClientRuntime() { stop(); }
 
 std::unique_ptr<CClientRuntime> CClientRuntime::open(const CPaths& paths, std::vector<std::string>& errors) {
   std::vector<utils::CConfigError> found;
-  const CClientConfig config = readClientConfig(paths.configFolder, found);
+  CClientConfig config = readClientConfig(paths.configFolder, found);
   for (const utils::CConfigError& error : found) errors.push_back(error.text());
   if (!found.empty()) return nullptr;
+  config.basketFile = paths.basketFile;
   counter::CSqlCounterOptions options;
   options.databasePath = paths.database;
   options.latency = std::chrono::milliseconds(config.counter.behaviour.latencyMs);
   options.failEvery = config.counter.behaviour.failEvery;
   options.silentEvery = config.counter.behaviour.silentEvery;
+  options.fillDelay = std::chrono::milliseconds(config.counter.behaviour.fillDelayMs);
+  options.quotesPerMove = config.counter.behaviour.quotesPerMove;
+  options.quoteInterval = std::chrono::milliseconds(config.counter.behaviour.quoteIntervalMs);
   options.maxCompacts = config.counter.maxCompacts;
   options.repeatingTypes = config.counter.repeatingTypes;
   return std::make_unique<CClientRuntime>(config, std::make_unique<counter::CSqlCounter>(options), paths.logFile);
@@ -118,6 +122,17 @@ void CClientRuntime::setCounterFailEvery(int requests) {
 void CClientRuntime::setCounterSilentEvery(int requests) {
   m_d->behaviour.silentEvery = requests;
   if (m_d->sqlCounter != nullptr) m_d->sqlCounter->setSilentEvery(requests);
+}
+
+void CClientRuntime::setCounterFillDelay(int milliseconds) {
+  m_d->behaviour.fillDelayMs = milliseconds;
+  if (m_d->sqlCounter != nullptr) m_d->sqlCounter->setFillDelay(std::chrono::milliseconds(milliseconds));
+}
+
+void CClientRuntime::setCounterQuoteWalk(int quotesPerMove, int intervalMs) {
+  m_d->behaviour.quotesPerMove = quotesPerMove;
+  m_d->behaviour.quoteIntervalMs = intervalMs;
+  if (m_d->sqlCounter != nullptr) m_d->sqlCounter->setQuoteWalk(quotesPerMove, std::chrono::milliseconds(intervalMs));
 }
 
 void CClientRuntime::changeSomeCompacts(const std::string& accountKey, int count) {

@@ -26,6 +26,7 @@ class HOST_API CClientRuntime {
     std::string configFolder;  ///< broker.toml, counter.toml, rights.toml, user.toml
     std::string database;      ///< the embedded counter's database file; made when absent
     std::string logFile;       ///< empty: no file
+    std::string basketFile{};  ///< the user's baskets; empty: they end with the client
   };
 
   /// A client on the embedded counter. Null when a configuration file is wrong; `errors` then says where and what.
@@ -65,6 +66,10 @@ class HOST_API CClientRuntime {
   /// Every so many requests, counted from now on, one fails, or is not answered at all; 0 never.
   void setCounterFailEvery(int requests);
   void setCounterSilentEvery(int requests);
+  /// For orders from now on. Milliseconds.
+  void setCounterFillDelay(int milliseconds);
+  /// So many quotes move at each interval (milliseconds, above 0) from now on; 0 none.
+  void setCounterQuoteWalk(int quotesPerMove, int intervalMs);
   /// Changes some of the account's compacts at the counter, which pushes them.
   void changeSomeCompacts(const std::string& accountKey, int count);
   /// Closes the account's first unclosed compacts at the counter today, which pushes them, owing nothing, and the

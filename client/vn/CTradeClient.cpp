@@ -9,10 +9,14 @@
 #include "utils/CLogCenter.h"
 #include "vn/CRequestBook.h"
 #include "vn/CUserConfig.h"
+#include "vn/order_requests.h"
 #include "vn/trade_client_factory.h"
 
 #include <boost/make_shared.hpp>
 
+#include <algorithm>
+#include <atomic>
+#include <iterator>
 #include <map>
 
 namespace VN {
@@ -24,6 +28,8 @@ namespace {
 constexpr const char* FILE_NAME = "CTradeClient.cpp";
 
 constexpr utils::CLogSite START_SITE{FILE_NAME, "void VN::startTradeClient(CTradeClient&)"};
+constexpr utils::CLogSite QUOTES_SITE{FILE_NAME, "void VN::CTradeClient::Private::subscribeQuotes()"};
+constexpr utils::CLogSite ORDER_SITE{FILE_NAME, "bool VN::CTradeClient::placeCommands(const CPlaceCommandParameter&)"};
 
 rdservice::CDataCenter* dataCentre() {
   rdservice::TraderCenter* centre = rdservice::TraderCenter::instance();
@@ -48,6 +54,16 @@ bool isCompactType(int dataType) {
   return dataType == rdservice::RecordStkUnClosedCompacts || dataType == rdservice::RecordStkClosedCompacts;
 }
 
+/// Fetched when an account has logged in.
+constexpr int LOGIN_TYPES[] = {rdservice::RecordPositionStatics, rdservice::RecordStkUnClosedCompactsStatics,
+                               rdservice::RecordStkOrder};
+
+/// Whether what a generic query brings becomes the account's set in the data centre.
+bool isKept(int dataType) {
+  return isCompactType(dataType) ||
+         std::find(std::begin(LOGIN_TYPES), std::end(LOGIN_TYPES), dataType) != std::end(LOGIN_TYPES);
+}
+
 }  // namespace
 
 struct CTradeClient::Private : counter::ICounterSink {
@@ -64,6 +80,10 @@ struct CTradeClient::Private : counter::ICounterSink {
   void failStart(const char* what, const utils::RDError& error);
   void takeAccounts(const std::vector<IDataPtr>& records);
   void queryCompacts(int dataType, const rdservice::CQueryCompactReqV2Ptr& request, CCompactReply reply);
+  rdservice::CAccountInfoPtr accountOfKey(const std::string& accountKey) const;
+  void fetchAccount(const rdservice::CAccountInfoPtr& account);
+  void subscribeQuotes();
+  void placeOrder(const rdservice::CPlaceOrderReqPtr& request);
   void takeData(const std::string& accountKey, std::uint64_t mark, int dataType, const utils::RDError& error,
                 const std::vector<IDataPtr>& records);
 
@@ -71,6 +91,7 @@ struct CTradeClient::Private : counter::ICounterSink {
   CRequestBook requests;
   utils::CCallbackList<bool, const std::string&, int> compactChange;
   CTradeClient* q = nullptr;
+  std::atomic<bool> quotesAsked{false};
 
   mutable utils::CMutex mutex;
   std::map<std::string, rdservice::EBROKER_LOGIN_STATUS> loginStatus TS_GUARDED_BY(mutex);
@@ -122,7 +143,7 @@ void CTradeClient::queryData(const rdservice::CQueryDataReqPtr& request, CDataRe
   m_d->requests.send(
       sent, [this, accountKey, mark, dataType = sent->dataType, reply = std::move(reply)](
                 const utils::RDError& error, const std::vector<IDataPtr>& records, const bson::BSONObj& extra) {
-        if (isCompactType(dataType)) m_d->takeData(accountKey, mark, dataType, error, records);
+        if (isKept(dataType)) m_d->takeData(accountKey, mark, dataType, error, records);
         if (reply) reply(error, records, extra);
       });
 }
@@ -140,7 +161,7 @@ void CTradeClient::Private::takeData(const std::string& accountKey, std::uint64_
     utils::logInfo(SITE, "[query data] fail : acc = {0}, data type = {1}, errmsg = {2}", accountKey, dataType,
                    error.errorMsg());
   }
-  compactChange.call(error.isSuccess(), accountKey, dataType);
+  if (isCompactType(dataType)) compactChange.call(error.isSuccess(), accountKey, dataType);
 }
 
 utils::CSubscriptionPtr CTradeClient::subscribeCompactChange(CCompactChange callback) {
@@ -164,12 +185,15 @@ void CTradeClient::Private::onPush(const std::vector<IDataPtr>& records) {
   rdservice::CDataCenter* centre = dataCentre();
   if (centre == nullptr) return;
   std::map<std::string, std::vector<IDataPtr>> byAccount;
+  std::vector<IDataPtr> quotes;
   for (const IDataPtr& record : records) {
+    if (record && record->getBaseId() == rdservice::RecordPriceData) quotes.push_back(record);
     const rdservice::CAccountInfoPtr account = record ? accountOf(*record) : nullptr;
     if (account) byAccount[account->getKey()].push_back(record);
   }
   for (const auto& [key, changed] : byAccount)
     if (const auto account = centre->getAccountData(key)) account->updateDatas(changed);
+  if (!quotes.empty()) centre->getMarketData()->updateDatas(quotes);
 }
 
 void CTradeClient::Private::onLoginStatus(const std::string& accountKey, rdservice::EBROKER_LOGIN_STATUS status,
@@ -183,6 +207,65 @@ void CTradeClient::Private::onLoginStatus(const std::string& accountKey, rdservi
     loginStatus[accountKey] = status;
   }
   Q_EMIT q->sigLoginStatus(account, status, text);
+  if (rdservice::isLoginStatusReady(status)) fetchAccount(account);
+}
+
+rdservice::CAccountInfoPtr CTradeClient::Private::accountOfKey(const std::string& accountKey) const {
+  const utils::CMutexLock lock(mutex);
+  const auto found = accounts.find(accountKey);
+  return found == accounts.end() ? nullptr : found->second;
+}
+
+void CTradeClient::Private::fetchAccount(const rdservice::CAccountInfoPtr& account) {
+  for (const int dataType : LOGIN_TYPES) {
+    const auto request = boost::make_shared<rdservice::CQueryDataReq>();
+    request->accountInfo = account;
+    request->dataType = dataType;
+    q->queryData(request, nullptr);
+  }
+  subscribeQuotes();
+}
+
+void CTradeClient::Private::subscribeQuotes() {
+  rdservice::CDataCenter* centre = dataCentre();
+  if (centre == nullptr || quotesAsked.exchange(true)) return;
+  const auto request = boost::make_shared<rdservice::CSubscribeQuotesReq>();
+  for (const auto& instrument : centre->getInstruments()) request->stockKeys += instrument->getKey() + "|";
+  const std::uint64_t mark = rdservice::takeMark(*centre->getMarketData());
+  requests.send(request,
+                [this, mark](const utils::RDError& error, const std::vector<IDataPtr>& quotes, const bson::BSONObj&) {
+                  rdservice::CDataCenter* const now = dataCentre();
+                  if (error.isSuccess() && now != nullptr)
+                    return rdservice::replaceAsOf(*now->getMarketData(), rdservice::RecordPriceData, quotes, mark);
+                  quotesAsked = false;  // the next log-in tries again
+                  utils::logInfo(QUOTES_SITE, "[quotes] fail : errmsg = {0}", error.errorMsg());
+                });
+}
+
+void CTradeClient::Private::placeOrder(const rdservice::CPlaceOrderReqPtr& request) {
+  const std::uint64_t mark = markOf(request->accountKey);
+  requests.send(request, [this, mark, request](const utils::RDError& error, const std::vector<IDataPtr>& orders,
+                                               const bson::BSONObj&) {
+    if (error.errorCode() == utils::RDError::Stopped) return;
+    rdservice::CDataCenter* const centre = dataCentre();
+    const auto account = centre != nullptr ? centre->getAccountData(request->accountKey) : nullptr;
+    if (account == nullptr) return;
+    if (error.isSuccess()) {
+      rdservice::noteMark(orders, mark);  // what was pushed about them meanwhile is newer
+      account->updateDatas(orders);
+      return;
+    }
+    account->updateData(makeFailedOrder(*request, accountOfKey(request->accountKey), error), false);
+    utils::logInfo(ORDER_SITE, "PT! [ORDER] fail : acc = {0}, code = {1}, errmsg = {2}", request->accountKey,
+                   request->exchangeId + request->code, error.errorMsg());
+  });
+}
+
+bool CTradeClient::placeCommands(const CPlaceCommandParameter& parameter) {
+  const auto requests = makeOrderRequests(
+      parameter, [this](const std::string& accountKey) { return m_d->accountOfKey(accountKey) != nullptr; });
+  for (const auto& request : requests) m_d->placeOrder(request);
+  return !requests.empty();
 }
 
 void CTradeClient::Private::takeAccounts(const std::vector<IDataPtr>& records) {

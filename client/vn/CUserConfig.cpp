@@ -2,16 +2,21 @@
 
 #include "utils/CInstance.h"
 #include "utils/CMutex.h"
+#include "utils/threads.h"
+#include "vn/CBasketBook.h"
 #include "vn/user_settings.h"
 
 namespace VN {
 
 struct CUserConfig::Private {
-  explicit Private(const CUserSettings& s) : settings(s) {}
+  Private(const CUserSettings& s, const std::string& basketFile)
+      : settings(s), baskets(QString::fromStdString(basketFile)), startMessages(baskets.messages()) {}
 
   const CUserSettings settings;
   mutable utils::CMutex mutex;
   QList<CAccountPtr> accounts TS_GUARDED_BY(mutex);
+  CBasketBook baskets;  ///< GUI thread
+  const QStringList startMessages;
   std::unique_ptr<utils::CInstance<CUserConfig>> registration;
 };
 
@@ -47,6 +52,38 @@ void CUserConfig::setAccountDatas(const QList<CAccountPtr>& accounts) {
 int CUserConfig::variantCode() const { return m_d->settings.variantCode; }
 int CUserConfig::counterType() const { return m_d->settings.counterType; }
 
+CUserConfig::CBasketPtr CUserConfig::getBasketSettingNoCreate(const QString& name) {
+  utils::assertGui();
+  return m_d->baskets.get(name);
+}
+
+QList<CUserConfig::CBasketPtr> CUserConfig::getBasketSettings() {
+  utils::assertGui();
+  const auto& named = m_d->baskets.named();
+  return QList<CBasketPtr>(named.begin(), named.end());
+}
+
+QString CUserConfig::saveBaskets() {
+  utils::assertGui();
+  return m_d->baskets.save();
+}
+
+bool CUserConfig::removeBasketSetting(const QString& name) {
+  utils::assertGui();
+  return m_d->baskets.remove(name);
+}
+
+bool CUserConfig::renameBasketSetting(const QString& from, const QString& to) {
+  utils::assertGui();
+  return m_d->baskets.rename(from, to);
+}
+
+utils::CSubscriptionPtr CUserConfig::subscribeBaskets(std::function<void()> callback) {
+  return m_d->baskets.subscribe(std::move(callback));
+}
+
+QStringList CUserConfig::startMessages() const { return m_d->startMessages; }
+
 CConfig::CConfig(std::unique_ptr<Private> d) : m_d(std::move(d)) {
   m_d->registration = std::make_unique<utils::CInstance<CConfig>>(this);
 }
@@ -59,8 +96,8 @@ CUserConfig* CUserManager::getUserConfig() { return utils::CInstance<CUserConfig
 CUserConfig* getUserConfig() { return CUserManager::getUserConfig(); }
 CConfig* getConfig() { return utils::CInstance<CConfig>::get(); }
 
-std::unique_ptr<CUserConfig> makeUserConfig(const CUserSettings& settings) {
-  return std::make_unique<CUserConfig>(std::make_unique<CUserConfig::Private>(settings));
+std::unique_ptr<CUserConfig> makeUserConfig(const CUserSettings& settings, const std::string& basketFile) {
+  return std::make_unique<CUserConfig>(std::make_unique<CUserConfig::Private>(settings, basketFile));
 }
 
 std::unique_ptr<CConfig> makeConfig(const CUserSettings& settings) {

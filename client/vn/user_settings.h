@@ -20,7 +20,8 @@ struct CUserSettings {
 /// Reads user.toml; errors are added to `errors`, with file and line.
 CUserSettings readUserSettings(const std::string& path, std::vector<utils::CConfigError>& errors);
 
-std::unique_ptr<CUserConfig> makeUserConfig(const CUserSettings& settings);
+/// Baskets are kept in `basketFile` (UTF-8 path), or, when that is empty, only as long as the client runs. GUI thread.
+std::unique_ptr<CUserConfig> makeUserConfig(const CUserSettings& settings, const std::string& basketFile = {});
 std::unique_ptr<CConfig> makeConfig(const CUserSettings& settings);
 
 }  // namespace VN

@@ -1,15 +1,23 @@
 #include "book_kit.h"
 
 #include "counter/CBookGenerator.h"
+#include "rdservice/CInstrumentInfo.h"
+#include "rdservice/COrderRequests.h"
+#include "rdservice/CPositionStatics.h"
+#include "rdservice/CPriceData.h"
 #include "rdservice/CStkClosedCompacts.h"
+#include "rdservice/CStkCompactChange.h"
 #include "rdservice/rdservice_enums.h"
 
 #include <QDir>
 #include <QFile>
 
 #include <gtest/gtest.h>
+#include <boost/make_shared.hpp>
 
+#include <algorithm>
 #include <cmath>
+#include <map>
 #include <set>
 
 namespace counter {
@@ -79,6 +87,73 @@ TEST(CBookGenerator, theSampleBookIsSound) {
   }
   EXPECT_EQ(closedSizes, (std::multiset<std::size_t>{0, 0, 10, 16, 24, 60, 240}));
   EXPECT_EQ(accountsBySize, (std::map<std::size_t, int>{{0, 2}, {48, 1}, {64, 1}, {86, 1}, {320, 1}, {5000, 1}}));
+}
+
+TEST(CBookGenerator, changeDetailsPositionsAndQuotesGoWithTheCompacts) {
+  QTemporaryDir folder;
+  const auto database = folder.filePath(QStringLiteral("counter.db")).toStdString();
+  ASSERT_EQ(CBookLoader(SAMPLE_BOOK_DIR, CTestBook::today()).load(database).errorText(), "");
+  CTestCounter client({database});
+  const auto today = CTestBook::today().toJulianDay();
+  int larger = 0;
+  int smaller = 0;
+  int none = 0;
+  int renewals = 0;
+  for (const auto& account : client.ask(accountsRequest()).records) {
+    client.ask(loginRequest(account->getKey()));
+    struct CTold {
+      std::int64_t volume = 0;
+      double amount = 0;
+      std::int64_t lastDay = 0;
+      int details = 0;
+    };
+    std::map<std::string, CTold> told;  // by compact number
+    for (const auto& record : client.ask(dataRequest(account->getKey(), rdservice::RecordStkCompactChange)).records) {
+      const auto& change = static_cast<const rdservice::CStkCompactChange&>(*record);
+      auto& sum = told[change.compactNo];
+      sum.volume += change.changeVolume;
+      sum.amount += change.changeAmount;
+      ++sum.details;
+      EXPECT_TRUE(change.changeDate >= std::max<std::int64_t>(sum.lastDay, change.openDate) &&
+                  change.changeDate <= today);
+      EXPECT_EQ(change.remainingVolume, sum.volume);
+      EXPECT_NEAR(change.remainingAmount, sum.amount, 0.001);
+      EXPECT_EQ(change.changeVolume > 0, sum.details == 1) << "the first opens it, the others lower it";
+      sum.lastDay = change.changeDate;
+      if (change.changeKind.str() == "展期") ++renewals;
+    }
+    std::map<std::string, std::int64_t> owed;  // by stock key
+    for (const auto& record : client.ask(compactsRequest(account->getKey())).records) {
+      const auto& c = static_cast<const rdservice::CStkUnClosedCompacts&>(*record);
+      EXPECT_EQ(told[c.fieldA].volume, c.financingVolume + c.lendingVolume) << c.getKey();
+      EXPECT_NEAR(told[c.fieldA].amount, c.unpaidAmount, 0.001) << c.getKey();
+      if (c.renewalFlag == '1') --renewals;
+      owed[c.exchangeId.str() + c.code.str()] += c.lendingVolume;
+    }
+    std::map<std::string, std::int64_t> held;
+    for (const auto& record : client.ask(dataRequest(account->getKey(), rdservice::RecordPositionStatics)).records) {
+      const auto& position = static_cast<const rdservice::CPositionStatics&>(*record);
+      EXPECT_TRUE(position.availableVolume >= 0 && position.availableVolume <= position.currentVolume);
+      EXPECT_TRUE(position.currentVolume > 0 && position.costPrice > 0 && !position.shareholderId.empty());
+      held[position.exchangeId.str() + position.code.str()] = position.currentVolume;
+    }
+    for (const auto& [stock, volume] : owed)
+      if (volume > 0) ++(held[stock] == 0 ? none : held[stock] < volume ? smaller : larger);
+  }
+  EXPECT_EQ(renewals, 0) << "one for each renewed compact";
+  EXPECT_TRUE(larger > 50 && smaller > 30 && none > 30) << larger << " " << smaller << " " << none;
+
+  auto request = boost::make_shared<rdservice::CSubscribeQuotesReq>();
+  const auto instruments = client.ask(instrumentsRequest()).records;
+  for (const auto& instrument : instruments) request->stockKeys += instrument->getKey() + "|";
+  const auto quotes = client.ask(request).records;
+  ASSERT_EQ(quotes.size(), instruments.size());
+  for (std::size_t i = 0; i < quotes.size(); ++i) {
+    const auto& quote = static_cast<const rdservice::CPriceData&>(*quotes[i]);
+    const double steps = quote.lastPrice / static_cast<const rdservice::CInstrumentInfo&>(*instruments[i]).priceTick;
+    EXPECT_NEAR(steps, std::round(steps), 1e-6) << quote.getKey();
+    EXPECT_TRUE(std::abs(quote.lastPrice / quote.closePrice - 1) < 0.035) << quote.getKey();
+  }
 }
 
 TEST(CBookGenerator, saysWhyItCannotWrite) {

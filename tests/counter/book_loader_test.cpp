@@ -91,6 +91,34 @@ const CBadBook BAD_BOOKS[] = {
      "closed_compacts.csv:3:35: volume: expected a whole number, got \"-\"\n"
      "closed_compacts.csv:5:1: account, open_date, compact_no, exchange, code: expected values that no record before "
      "has\n"},
+    {"change_details.csv",
+     "account,exchange,code,compact_type,compact_no,open_date,change_date,change_kind,serial_no,change_volume\n"
+     "6001,SH,600000,0,A1,today-30,today,融资买入,1,-100\n"
+     "6001,SZ,000001,0,A1,today-30,today,卖券还款,1,5\n"
+     "6001,SZ,000002,0,A1,,today,,2,x\n",
+     "change_details.csv:3:1: account, change_date, serial_no: expected values that no record before has\n"
+     "change_details.csv:4:21: open_date: expected a value, got nothing\n"
+     "change_details.csv:4:28: change_kind: expected a value, got nothing\n"
+     "change_details.csv:4:31: change_volume: expected a whole number, got \"x\"\n"
+     "change_details.csv:4:9: exchange, code: expected an instrument of instruments.csv, got \"SZ000002\"\n"},
+    {"positions.csv",
+     "account,exchange,code,current_volume,available_volume,cost_price,direction\n"
+     "6001,SH,600000,100,0,9.5,0\n"
+     "6001,SH,600000,-100,-1,-0.5,2\n"
+     "6001,SH,600000,100,100,,1\n"
+     "6001,SH,600000,1e2,100,,0\n",
+     "positions.csv:3:16: current_volume: expected a whole number, 0 or above, got \"-100\"\n"
+     "positions.csv:3:21: available_volume: expected a whole number, 0 or above, got \"-1\"\n"
+     "positions.csv:3:24: cost_price: expected a number such as 1234.56, 0 or above, got \"-0.5\"\n"
+     "positions.csv:3:29: direction: expected one of 0 (买), 1 (卖), got \"2\"\n"
+     "positions.csv:5:16: current_volume: expected a whole number, 0 or above, got \"1e2\"\n"},
+    {"quotes.csv",
+     "exchange,code,last_price,close_price\nSH,600000,9.5,-1\nSH,600001,1,\nSZ,000001,,1\nSZ,000001,1,1\n"
+     "SZ,000001,2,1\n",
+     "quotes.csv:2:15: close_price: expected a number such as 1234.56, 0 or above, got \"-1\"\n"
+     "quotes.csv:3:4: exchange, code: expected an instrument of instruments.csv, got \"SH600001\"\n"
+     "quotes.csv:4:11: last_price: expected a value, got nothing\n"
+     "quotes.csv:6:1: exchange, code: expected values that no record before has\n"},
     {"unclosed_compacts.csv",
      "account,exchange,code,compact_type,compact_no,open_date\n6001,SH,600000,0,\xFF,today\n6001,SH,600000,0,\"A,"
      "today\n",
@@ -153,7 +181,7 @@ TEST(CBookLoader, replacesTheFormerBook) {
                "6002,SZ,000001,1,C2,today+1,别名\n");
   const auto result = book.load();
   ASSERT_EQ(result.errorText(), "");
-  ASSERT_EQ(result.counts.size(), 4U);
+  ASSERT_EQ(result.counts.size(), 7U) << "orders are no part of a book";
   EXPECT_EQ(result.counts[2].kind, "unclosed_compacts");
   EXPECT_EQ(result.counts[2].records, 2);
   EXPECT_EQ(result.counts[3].kind, "closed_compacts");

@@ -2,9 +2,13 @@
 
 #include "rdservice/CCreditRepayPriorityResp.h"
 #include "rdservice/CInstrumentInfo.h"
+#include "rdservice/COrderRequests.h"
+#include "rdservice/CPositionStatics.h"
+#include "rdservice/CPriceData.h"
 #include "rdservice/CQueryCompactReqV2.h"
 #include "rdservice/CQueryDataReq.h"
 #include "rdservice/CStkCompactChange.h"
+#include "rdservice/CStkOrder.h"
 #include "rdservice/CStkUnClosedCompactsStatics.h"
 #include "rdservice/CStructDes.h"
 #include "rdservice/TypeManager.h"
@@ -30,8 +34,11 @@ std::vector<IDataPtr> makeAll() {
 std::vector<IDataPtr> everyRecord() {
   return makeAll<CAccountInfo, CInstrumentInfo, CStkUnClosedCompacts, CStkClosedCompacts, CStkUnClosedCompactsStatics,
                  CStkCompactChange, CCreditRepayPriorityResp, CQueryCompactReqV2, CQueryDataReq, CLoginReq,
-                 CQueryAccountsReq, CQueryInstrumentsReq>();
+                 CQueryAccountsReq, CQueryInstrumentsReq, CPositionStatics, CPriceData, CStkOrder, CPlaceOrderReq,
+                 CSubscribeQuotesReq>();
 }
+
+bool isPrice(const CFieldDes& field) { return std::string_view(field.name).find("price") != std::string_view::npos; }
 
 /// A valid text that differs from what an empty record holds in the field.
 std::string otherText(const CFieldDes& field, const IData& empty) {
@@ -40,7 +47,7 @@ std::string otherText(const CFieldDes& field, const IData& empty) {
     const int last = TypeManager::enumItems(field.enumType).back().value;
     return field.type == EFieldType::Char ? std::string(1, static_cast<char>(last)) : std::to_string(last);
   }
-  if (field.type == EFieldType::Double) return "-1234.5";
+  if (field.type == EFieldType::Double) return isPrice(field) ? "1234.5" : "-1234.5";
   if (std::string_view(field.name) == "exchange") return "SH";
   return machineText(field, empty) == "1" ? "0" : "1";
 }
@@ -77,7 +84,7 @@ TEST(FieldTables, numbersNamesAndTypesFitTogether) {
       EXPECT_EQ(des.fieldByFileId((des.typeId() + 1) * 100 + field.number), nullptr);
       const bool isEnum = field.format == EFieldFormat::Enum;
       EXPECT_EQ(isEnum, field.enumType != nullptr && !TypeManager::enumItems(field.enumType).empty());
-      const bool isAmount = field.type == EFieldType::Double && std::string_view(field.name) != "price_tick";
+      const bool isAmount = field.type == EFieldType::Double && !isPrice(field);
       EXPECT_EQ(isAmount, field.format == EFieldFormat::Amount);
     }
   }
@@ -147,6 +154,10 @@ TEST(Records, keys) {
   query.accountKey = "3.1";
   query.positionString = "p";
   query.requestCount = 200;
+  CStkOrder order;
+  order.accountInfo = test::creditAccount();
+  order.orderDate = 2460371;
+  order.orderId = "00000007";
   CQueryDataReq dataQuery;
   dataQuery.accountInfo = test::creditAccount();
   dataQuery.dataType = 13907;
@@ -168,6 +179,9 @@ TEST(Records, keys) {
       {query.getKey(), "3.1____32____p____200"},
       {dataQuery.getKey(), "3.10010001____13907"},
       {instrument.getKey(), "SZ000001"},
+      {order.getKey(), "3.10010001____2460371____00000007"},
+      {CPositionStatics::genKey(test::creditAccount(), "SH", "600000", '0', '1'),
+       "3.10010001____SH____600000____0____1"},
   };
   for (const auto& c : cases) EXPECT_EQ(c.key, c.expected);
 
