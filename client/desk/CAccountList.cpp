@@ -126,11 +126,21 @@ std::vector<std::string> CAccountList::allAccounts() const {
   return accounts;
 }
 
+/// Of all states, so that the list stays as wide as it is while accounts log in.
+int CAccountList::widestState() const {
+  int width = 0;
+  for (const CStateText& state : STATES)
+    width = std::max(width, fontMetrics().horizontalAdvance(QString::fromUtf8(state.text)));
+  return width + 2 * (style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1) + 1;
+}
+
 QSize CAccountList::sizeForRows(int rows) const {
   const int frame = 2 * frameWidth();
   int width = frame + style()->pixelMetric(QStyle::PM_ScrollBarExtent);
-  for (int column = 0; column < ColumnCount; ++column)
-    width += std::max(sizeHintForColumn(column), horizontalHeader()->sectionSizeHint(column));
+  for (int column = 0; column < ColumnCount; ++column) {
+    const int contents = column == ColumnState ? widestState() : sizeHintForColumn(column);
+    width += std::max(contents, horizontalHeader()->sectionSizeHint(column));
+  }
   const int rowHeight = rowCount() > 0 ? sizeHintForRow(0) : verticalHeader()->defaultSectionSize();
   const int height = frame + horizontalHeader()->sizeHint().height() + rows * rowHeight;
   return {std::min(width, MOST_WIDTH), height};

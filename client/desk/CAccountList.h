@@ -25,5 +25,6 @@ class CAccountList : public QTableWidget {
   void showState(int row, const QString& why);
   std::string accountOf(int row) const;
   int rowOf(const std::string& accountKey) const;
+  int widestState() const;
   QSize sizeForRows(int rows) const;
 };

@@ -21,6 +21,8 @@ constexpr int MOST_CHANGES = 100000;
 constexpr int MOST_RATE = 1000;
 constexpr int FIRST_RATE = 100;
 constexpr int LATENCY_STEP_MS = 100;
+constexpr int INTERVAL_STEP_MS = 100;
+constexpr int USUAL_QUOTES = 12;  ///< that move at once, unless the configuration says how many
 constexpr int SECTION_GAP = 8;
 constexpr int MARGIN = 6;
 constexpr int ROW_GAP = 4;
@@ -100,6 +102,7 @@ CBrokerPane::CBrokerPane(CClientRuntime& client, QWidget* parent) : QWidget(pare
   addLogins(*grid);
   addChanges(*grid);
   addReplies(*grid);
+  addQuotes(*grid);
   m_pushTimer.setInterval(PUSH_PERIOD_MS);
   m_pushTimer.setTimerType(Qt::PreciseTimer);
   connect(&m_pushTimer, &QTimer::timeout, this, [this] { pushDue(); });
@@ -150,7 +153,7 @@ void CBrokerPane::addChanges(QGridLayout& grid) {
 }
 
 void CBrokerPane::addReplies(QGridLayout& grid) {
-  addHeading(grid, "应答");
+  addHeading(grid, "应答与行情");
   const CCounterBehaviour present = m_client.counterBehaviour();
   for (const CReplyControl& control : REPLY_CONTROLS) {
     auto* box = addSpinBox(grid, new QLabel(QString::fromUtf8(control.text)), control.text, 0, control.most);
@@ -162,6 +165,26 @@ void CBrokerPane::addReplies(QGridLayout& grid) {
     connect(box, QOverload<int>::of(&QSpinBox::valueChanged), this,
             [this, set = control.set](int value) { (m_client.*set)(value); });
   }
+}
+
+void CBrokerPane::addQuotes(QGridLayout& grid) {
+  const CCounterBehaviour present = m_client.counterBehaviour();
+  auto* moving = new QCheckBox(QStringLiteral("行情波动"));
+  moving->setAccessibleName(moving->text());
+  moving->setChecked(present.quotesPerMove > 0);
+  auto* interval = addSpinBox(grid, moving, "行情波动间隔", CCounterBehaviour::MIN_QUOTE_INTERVAL_MS,
+                              CCounterBehaviour::MAX_QUOTE_INTERVAL_MS);
+  interval->setSingleStep(INTERVAL_STEP_MS);
+  interval->setPrefix(QStringLiteral("每 "));
+  interval->setSuffix(QStringLiteral(" 毫秒"));
+  interval->setKeyboardTracking(false);
+  interval->setValue(present.quoteIntervalMs);
+  const int quotes = present.quotesPerMove > 0 ? present.quotesPerMove : USUAL_QUOTES;
+  const auto apply = [this, moving, interval, quotes] {
+    m_client.setCounterQuoteWalk(moving->isChecked() ? quotes : 0, interval->value());
+  };
+  connect(moving, &QCheckBox::toggled, this, apply);
+  connect(interval, QOverload<int>::of(&QSpinBox::valueChanged), this, apply);
 }
 
 QSpinBox* CBrokerPane::addSpinBox(QGridLayout& grid, QWidget* label, const char* accessibleName, int min, int max) {

@@ -18,7 +18,7 @@ class CClientRuntime;
 }
 
 /// The broker's side of the embedded counter: who is logged in, what happens to the compacts of the selected accounts,
-/// how requests are answered. GUI thread.
+/// how requests are answered, whether quotes move. GUI thread.
 class CBrokerPane : public QWidget {
  public:
   /// `client` runs as long as the pane exists.
@@ -31,6 +31,7 @@ class CBrokerPane : public QWidget {
   void addLogins(QGridLayout& grid);
   void addChanges(QGridLayout& grid);
   void addReplies(QGridLayout& grid);
+  void addQuotes(QGridLayout& grid);
   void setLogin(const std::vector<std::string>& accounts, bool login);
   void pushDue();
 

@@ -2,6 +2,7 @@
 
 #include "vn/ITradeDockableWidget.h"
 
+#include <QDataStream>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -59,6 +60,14 @@ bool CLayoutKeeper::restore(std::vector<VN::ITradeDockableWidget*> panels, CRepo
   if (!m_readProblem.isEmpty()) keepAside(m_readProblem);
   startTimer(SAVE_PERIOD_MS);
   return docksRestored;
+}
+
+/// `QMainWindow::saveState` writes the names of the docks as a QDataStream does.
+bool CLayoutKeeper::hasPlaceOf(const QString& dockName) const {
+  QByteArray name;
+  QDataStream stream(&name, QIODevice::WriteOnly);
+  stream << dockName;
+  return m_layout.state.contains(name);
 }
 
 void CLayoutKeeper::keepAside(const QString& why) {

@@ -30,6 +30,8 @@ class CLayoutKeeper : public QObject {
   /// Gives docks and panels their places and settings, and keeps them from now on. True when the file had places for
   /// the docks.
   bool restore(std::vector<VN::ITradeDockableWidget*> panels, CReport report);
+  /// Whether the file that was read has a place for the dock of that object name.
+  bool hasPlaceOf(const QString& dockName) const;
   /// Writes the layout unless the file has it already.
   void save();
 

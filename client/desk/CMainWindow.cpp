@@ -1,16 +1,22 @@
 #include "CMainWindow.h"
 
+#include "CBasketPane.h"
 #include "CBrokerPane.h"
 #include "CLayoutKeeper.h"
 #include "CLogView.h"
 #include "CMessageView.h"
+#include "COrderTable.h"
 #include "CPanelHost.h"
+#include "CPositionTable.h"
 #include "compacts/CCompactsPanel.h"
 #include "runtime/CClientRuntime.h"
 #include "vn/CTradeClient.h"
+#include "vn/CUserConfig.h"
 
+#include <QCoreApplication>
 #include <QDockWidget>
 #include <QLabel>
+#include <QLayout>
 #include <QMenu>
 #include <QMenuBar>
 #include <QStatusBar>
@@ -94,28 +100,52 @@ void CMainWindow::addDocks() {
       addDock(QStringLiteral("messages"), QStringLiteral("消息"), m_messages, Qt::BottomDockWidgetArea);
   QDockWidget* log =
       addDock(QStringLiteral("log"), QStringLiteral("日志"), new CLogView(this), Qt::BottomDockWidgetArea);
+  const QList<QDockWidget*> behindLog = {
+      addDock(QStringLiteral("positions"), QStringLiteral("持仓"), new CPositionTable(this), Qt::BottomDockWidgetArea),
+      addDock(QStringLiteral("orders"), QStringLiteral("委托"), new COrderTable(this), Qt::BottomDockWidgetArea),
+      addDock(QStringLiteral("baskets"), QStringLiteral("篮子"), new CBasketPane(this), Qt::BottomDockWidgetArea)};
+  for (QDockWidget* dock : behindLog) tabifyDockWidget(log, dock);
+  log->raise();
 
   const bool isRestored =
       m_layout && m_layout->restore({m_panel}, [this](const QString& text) { m_messages->addMessage(text); });
+  for (QDockWidget* dock : behindLog)
+    if (isRestored && !m_layout->hasPlaceOf(dock->objectName())) tabifyDockWidget(log, dock);
   QMetaObject::invokeMethod(
       this,
       [this, isRestored, compacts, broker, messages, log] {
         if (!isRestored) {
-          resizeDocks({compacts, messages}, {540, 150}, Qt::Vertical);
+          resizeDocks({compacts, messages}, {500, 190}, Qt::Vertical);
           resizeDocks({compacts, broker}, {1280, 1}, Qt::Horizontal);  // the broker's side takes what it needs
-          resizeDocks({messages, log}, {420, 860}, Qt::Horizontal);
+          resizeDocks({messages, log}, {360, 920}, Qt::Horizontal);
+          settleDocks();
         }
         m_meter.reset();
       },
       Qt::QueuedConnection);  // once the docks have their places
 }
 
+/// The first layout after docks were resized holds to their sizes, even when one has come to need more since: it is
+/// done twice, and with what the docks need by now.
+void CMainWindow::settleDocks() {
+  for (int turn = 0; turn < 2; ++turn) {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    layout()->invalidate();
+    layout()->activate();
+  }
+}
+
 void CMainWindow::listenToClient() {
+  const QStringList found = VN::getUserConfig()->startMessages();
+  for (const QString& message : found) m_messages->addMessage(message);
   VN::CTradeClient* client = VN::CTradeClient::instance();
   connect(client, &VN::CTradeClient::sigLoginStatus, m_messages,
           [this](const rdservice::CAccountInfoPtr& account, rdservice::EBROKER_LOGIN_STATUS status,
                  const std::string& why) { m_messages->addMessage(loginText(*account, status, why)); });
-  connect(client, &VN::CTradeClient::sigAccountsChanged, this, [this] { showState(QStringLiteral("柜台已连接")); });
+  connect(client, &VN::CTradeClient::sigAccountsChanged, this, [this] {
+    showState(QStringLiteral("柜台已连接"));
+    settleDocks();  // the list of accounts has grown
+  });
   connect(client, &VN::CTradeClient::sigStartFailed, this, [this](const QString& reason) {
     showState(QStringLiteral("柜台不可用: %1").arg(reason));
     m_messages->addMessage(QStringLiteral("柜台不可用: %1").arg(reason));

@@ -19,7 +19,8 @@ namespace VN {
 class CCompactsPanel;
 }
 
-/// The desk's window: docks the compacts panel beside the broker's side, messages and log. Empty until a client runs.
+/// The desk's window: docks the compacts panel beside the broker's side, below them messages, log, positions, orders
+/// and baskets. Empty until a client runs.
 class CMainWindow : public QMainWindow {
  public:
   /// `layoutFile` keeps where window and docks are; empty: they are where they are at first, and nothing is kept.
@@ -48,6 +49,7 @@ class CMainWindow : public QMainWindow {
  private:
   QDockWidget* addDock(const QString& name, const QString& title, QWidget* widget, Qt::DockWidgetArea area);
   void addDocks();
+  void settleDocks();
   void listenToClient();
 
   std::unique_ptr<runtime::CClientRuntime> m_client;  ///< outlives the panels, which the destructor deletes first

@@ -2,6 +2,7 @@
 
 #include "CMainWindow.h"
 #include "compacts/CCompactsPanel.h"
+#include "compacts/panel_ids.h"
 #include "gw/CBaseHighPerformanceTable.h"
 #include "gw/controls.h"
 #include "vn/CCountDownButton.h"
@@ -9,6 +10,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QDir>
+#include <QDockWidget>
 #include <QPixmap>
 #include <QTableWidget>
 
@@ -21,6 +23,21 @@ constexpr int POLL_MS = 20;
 constexpr int STEP_LIMIT_MS = 30000;
 constexpr int PUSHES_MS = 2000;
 constexpr int CHOICE_MS = 300;  // what a user takes at least between choosing an account and pressing the button
+constexpr int LOOK_MS = 1000;   // what a view may take to ask the counter and show the answer
+
+struct CViewStep {
+  VN::ECompactsView view;
+  const char* picture;
+};
+
+constexpr CViewStep VIEWS[] = {
+    {VN::ViewClosed, "closed"},
+    {VN::ViewChanges, "changes"},
+    {VN::ViewStatistics, "statistics"},
+    {VN::ViewUnclosed, nullptr},
+};
+
+constexpr const char* DOCKS[] = {"positions", "orders", "baskets"};
 
 }  // namespace
 
@@ -29,8 +46,7 @@ CShotWalk::CShotWalk(CMainWindow& window, const QString& folder, QObject* parent
   const auto combo = [this] {
     return m_window.panel() != nullptr ? m_window.panel()->findChild<GW::CComboBox*>() : nullptr;
   };
-  m_steps.push_back(
-      {QStringLiteral("01-start"), [] {}, [combo] { return combo() != nullptr && combo()->count() > 0; }});
+  m_steps.push_back({nextPicture("start"), [] {}, [combo] { return combo() != nullptr && combo()->count() > 0; }});
   m_steps.push_back({QString(), [this] { addAccountSteps(); }, [] { return true; }});
   m_waited.start();
   startTimer(POLL_MS);
@@ -41,11 +57,47 @@ void CShotWalk::addAccountSteps() {
   const int accounts = m_window.panel()->findChild<GW::CComboBox*>()->count();
   for (int i = 0; i < accounts; ++i) {
     addChoice(i);
-    addRefresh(QStringLiteral("%1-account-%2").arg(i + 2, 2, 10, QLatin1Char('0')).arg(i + 1));
+    addRefresh(nextPicture("account") + QStringLiteral("-%1").arg(i + 1));
   }
   addChoice(0);
   addRefresh(QString());
-  addPushSteps(QStringLiteral("%1-pushes").arg(accounts + 2, 2, 10, QLatin1Char('0')));
+  addPushSteps(nextPicture("pushes"));
+  addViewSteps();
+  addDockSteps();
+}
+
+QString CShotWalk::nextPicture(const char* name) {
+  return QStringLiteral("%1-%2").arg(++m_pictures, 2, 10, QLatin1Char('0')).arg(QString::fromLatin1(name));
+}
+
+bool CShotWalk::isPanelUpToDate() const {
+  const auto widgets = m_window.panel()->findChildren<QWidget*>();
+  return std::all_of(widgets.begin(), widgets.end(), [](QWidget* widget) {
+    const auto* table = dynamic_cast<GW::CBaseHighPerformanceTable*>(widget);
+    return table == nullptr || !table->isVisible() || table->isUpToDate();
+  });
+}
+
+void CShotWalk::addViewSteps() {
+  const auto* group = m_window.panel()->findChild<GW::CRadioButtonGroup*>();
+  for (const CViewStep& step : VIEWS) {
+    auto* button = group->button(step.view);
+    if (button == nullptr) continue;  // the user has no right to it
+    m_steps.push_back({step.picture != nullptr ? nextPicture(step.picture) : QString(), [button] { button->click(); },
+                       [this] { return m_waited.elapsed() > LOOK_MS && isPanelUpToDate(); }});
+  }
+}
+
+void CShotWalk::addDockSteps() {
+  for (const char* name : DOCKS) {
+    auto* dock = m_window.findChild<QDockWidget*>(QString::fromLatin1(name));
+    m_steps.push_back({nextPicture(name),
+                       [dock] {
+                         dock->show();
+                         dock->raise();
+                       },
+                       [this] { return m_waited.elapsed() > CHOICE_MS; }});
+  }
 }
 
 void CShotWalk::addChoice(int account) {

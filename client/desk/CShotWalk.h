@@ -30,6 +30,11 @@ class CShotWalk : public QObject {
   void addChoice(int account);
   void addRefresh(const QString& picture);
   void addPushSteps(const QString& picture);
+  void addViewSteps();
+  void addDockSteps();
+  /// Whether the compacts panel's visible tables show everything that has arrived.
+  bool isPanelUpToDate() const;
+  QString nextPicture(const char* name);
   bool save(const QString& picture);
   void finish(int exitCode);
 
@@ -37,6 +42,7 @@ class CShotWalk : public QObject {
   const QString m_folder;
   std::vector<CStep> m_steps;
   std::size_t m_next = 0;
+  int m_pictures = 0;  ///< named so far
   bool m_acted = false;
   QElapsedTimer m_waited;
   double m_longestGap = 0;

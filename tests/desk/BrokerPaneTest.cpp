@@ -127,6 +127,17 @@ TEST_F(BrokerPane, ControlsActOnTheRunningCounter) {
   setNumber("每 N 次请求失败一次", 0);
   EXPECT_EQ(control<QSpinBox>("每 N 次请求失败一次")->text(), QStringLiteral("从不"));
   EXPECT_EQ(behaviour().failEvery, 0);
+  const struct {
+    int interval;
+    bool click;
+    int quotes;
+  } walks[] = {{250, false, 0}, {250, true, 12}, {500, false, 12}, {500, true, 0}};
+  for (const auto& walk : walks) {
+    setNumber("行情波动间隔", walk.interval);
+    if (walk.click) control<QCheckBox>("行情波动")->click();
+    EXPECT_EQ(behaviour().quotesPerMove, walk.quotes);
+    EXPECT_EQ(behaviour().quoteIntervalMs, walk.interval);
+  }
 }
 
 TEST_F(BrokerPane, IsWholeNamedAndInTabOrder) {
@@ -144,7 +155,9 @@ TEST_F(BrokerPane, IsWholeNamedAndInTabOrder) {
                                "持续推送每秒条数",
                                "应答延迟",
                                "每 N 次请求失败一次",
-                               "每 N 次请求无应答一次"};
+                               "每 N 次请求无应答一次",
+                               "行情波动",
+                               "行情波动间隔"};
   auto* widget = control<QWidget>("柜台账号");
   widget->setFocus();
   for (const char* name : names) {

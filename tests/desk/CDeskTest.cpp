@@ -11,6 +11,7 @@
 #include "vn/CCountDownButton.h"
 
 #include <QDir>
+#include <QDockWidget>
 #include <QFile>
 #include <QTableWidget>
 #include <QTest>
@@ -39,9 +40,13 @@ void DeskTest::open(const QString& layoutFile) {
   close();
   std::vector<std::string> errors;
   const std::string database = m_folder.filePath(QStringLiteral("counter.db")).toStdString();
-  auto client = runtime::CClientRuntime::open({m_folder.path().toStdString(), database, std::string()}, errors);
+  const std::string baskets = m_folder.filePath(QStringLiteral("baskets.json")).toStdString();
+  auto client =
+      runtime::CClientRuntime::open({m_folder.path().toStdString(), database, std::string(), baskets}, errors);
   ASSERT_TRUE(client) << errors.front();
   client->setCounterLatency(0);
+  client->setCounterQuoteWalk(0, 1000);
+  client->setCounterFillDelay(0);
   m_window = std::make_unique<CMainWindow>(layoutFile);
   m_window->show();
   m_window->startClient(std::move(client));
@@ -74,6 +79,12 @@ QWidget* DeskTest::findControl(const QString& accessibleName) const {
   for (QWidget* widget : widgets)
     if (widget->accessibleName() == accessibleName) return widget;
   return nullptr;
+}
+
+void DeskTest::raise(const char* dockName) {
+  auto* dock = m_window->findChild<QDockWidget*>(QString::fromLatin1(dockName));
+  dock->show();
+  dock->raise();
 }
 
 void DeskTest::chooseAtBroker(const char* key) {

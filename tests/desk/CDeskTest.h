@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QString>
 #include <QTemporaryDir>
 
 #include <atomic>
@@ -22,6 +23,9 @@ namespace VN {
 class CCompactsTable;
 class CCountDownButton;
 }  // namespace VN
+
+/// A number as it is shown, with commas between thousands.
+inline double numberOf(QString text) { return text.remove(QLatin1Char(',')).toDouble(); }
 
 /// The whole desk on the sample book: SQL counter, service threads, strand, window. At first the account without
 /// compacts is shown.
@@ -50,6 +54,8 @@ class DeskTest : public testing::Test {
   Widget* control(const char* accessibleName) const {
     return dynamic_cast<Widget*>(findControl(QString::fromUtf8(accessibleName)));
   }
+  /// Brings the dock of that object name to the front.
+  void raise(const char* dockName);
   /// Chooses one account in the broker's pane.
   void chooseAtBroker(const char* key);
   QString stateAtBroker(const char* key) const;

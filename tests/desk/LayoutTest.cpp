@@ -170,17 +170,40 @@ TEST_F(DeskTest, ComesBackAsItWasLeft) {
   const QString first = m_window->panel()->param();
   m_table->setColumnWidth(1, 321);
   dock("log")->hide();
+  dock("orders")->hide();
+  m_window->tabifyDockWidget(dock("messages"), dock("baskets"));
   m_window->addDockWidget(Qt::LeftDockWidgetArea, dock("broker"));
-  m_window->resize(1100, 790);
+  m_window->resize(1100, 830);
   const QString left = m_window->panel()->param();
   ASSERT_NE(left, first);
 
   open(path);
   EXPECT_EQ(m_window->panel()->param(), left);
-  EXPECT_EQ(m_window->size(), QSize(1100, 790));
+  EXPECT_EQ(m_window->size(), QSize(1100, 830));
   EXPECT_TRUE(dock("log")->isHidden());
   EXPECT_FALSE(dock("messages")->isHidden());
+  EXPECT_TRUE(dock("orders")->isHidden());
+  EXPECT_FALSE(dock("positions")->isHidden());
+  EXPECT_EQ(m_window->tabifiedDockWidgets(dock("messages")), QList<QDockWidget*>{dock("baskets")});
   EXPECT_EQ(m_window->dockWidgetArea(dock("broker")), Qt::LeftDockWidgetArea);
+  close();
+
+  // A file of a desk that had fewer docks.
+  QMainWindow older;
+  for (const char* name : {"compacts1", "broker", "messages", "log"}) {
+    auto* docked = new QDockWidget(&older);
+    docked->setObjectName(QString::fromLatin1(name));
+    older.addDockWidget(Qt::BottomDockWidgetArea, docked);
+  }
+  CDeskLayout old;
+  ASSERT_EQ(readLayoutText(readFile(path), old), QString());
+  old.state = older.saveState(1);
+  writeFile(path, layoutText(old));
+  open(path);
+  for (const char* name : {"positions", "orders", "baskets"}) {
+    EXPECT_FALSE(dock(name)->isHidden()) << name;
+    EXPECT_TRUE(m_window->tabifiedDockWidgets(dock("log")).contains(dock(name))) << name;
+  }
   close();
 
   // A string that is none of the panel's leaves the panel as it is at first.
@@ -196,7 +219,7 @@ TEST_F(DeskTest, ComesBackAsItWasLeft) {
   writeFile(path, "{");
   open(path);
   EXPECT_EQ(m_window->panel()->param(), first);
-  const auto* messages = m_window->findChild<QListWidget*>();
+  const auto* messages = control<QListWidget>("消息");
   EXPECT_TRUE(messages->item(0)->text().contains(path)) << qPrintable(messages->item(0)->text());
   EXPECT_EQ(readFile(path + QStringLiteral(".damaged")), "{");
 }
