@@ -9,8 +9,8 @@ class QWidget;
 
 namespace GW {
 
-/// Modal prompts in the client's look. GUI thread; each returns the button that closed the box. When `parent` goes while
-/// the box is open, the box goes too and the answer is 0.
+/// Modal prompts in the client's look. GUI thread; each returns the button that closed the box. When `parent` goes
+/// while the box is open, the box goes too and the answer is 0.
 class HOST_API CMessageBox {
  public:
   static int information(QWidget* parent, const QString& title, const QString& text,

@@ -128,9 +128,9 @@ void CCompactsChangeTable::logStale(const std::string& account) const {
 }
 
 void CCompactsChangeTable::writeRow(const IDataPtr& record) {
-  updateData(record, false);
   const auto change = boost::dynamic_pointer_cast<rdservice::CStkCompactChange>(record);
-  if (!change) return;
+  if (!change) return;  // nothing that the columns could show
+  updateData(record, false);
   const rdservice::CInstrumentInfoPtr instrument =
       rdservice::TraderCenter::instance()->getDataCenter()->getInstrument(change->exchangeId.str(), change->code.str());
   if (instrument)
