@@ -120,7 +120,7 @@ COddEvenRowTable::COddEvenRowTable(QWidget* parent) : CBaseWidget(parent), m_d(n
   connect(m_d->header, &CPlainHeader::sigFilterClicked, this, [this](int column) { m_d->openFilter(column); });
   connect(m_d->cells, &CPlainCells::sigEdited, this,
           [this](const QModelIndex& index, const QString& text) { m_d->edited(index, text); });
-  auto* const filterKey = new QShortcut(QKeySequence(Qt::ALT | Qt::Key_Down), m_d->view);
+  auto* const filterKey = new QShortcut(QKeySequence(QStringLiteral("Alt+Down")), m_d->view);
   filterKey->setContext(Qt::WidgetWithChildrenShortcut);
   connect(filterKey, &QShortcut::activated, this, [this] { m_d->openFilter(m_d->view->currentIndex().column()); });
 }
