@@ -6,9 +6,12 @@ install(TARGETS PanelCompacts compacts-client host EXPORT PanelCompactsTargets
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(TARGETS compacts-desk compacts-book RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS compacts-xls RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/PanelCompacts)
 install(DIRECTORY host/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/PanelCompacts FILES_MATCHING PATTERN "*.h")
 install(FILES panels/panels_api.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/PanelCompacts)
 install(FILES panels/compacts/CCompactsPanel.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/PanelCompacts/compacts)
+install(FILES panels/appointment/CQueryAppointmentInfoPanel.h
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/PanelCompacts/appointment)
 install(DIRECTORY client/desk/config client/counter/sample_book DESTINATION ${CMAKE_INSTALL_DATADIR}/PanelCompacts)
 set_target_properties(compacts-desk PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
 set_target_properties(PanelCompacts PROPERTIES INSTALL_RPATH "$ORIGIN")

@@ -99,7 +99,11 @@ QString writeLayout(int recordType, const CTableLayout& layout) {
     for (const QString& text : filter.texts) texts.push_back(QLatin1Char('=') + encoded(text));
     parts.push_back(FILTER + VALUE + QString::number(filter.number) + VALUE + texts.join(TEXT));
   }
-  const QString body = parts.join(PART);
+  return sealLayout(parts.join(PART) + PART);
+}
+
+QString sealLayout(const QString& text) {
+  const QString body = text.left(text.lastIndexOf(PART));
   return body + PART + checksum(body);
 }
 

@@ -36,6 +36,9 @@ struct CTableLayout {
 /// anything was damaged. A filter of more than 1,000 texts is left out.
 QString writeLayout(int recordType, const CTableLayout& layout);
 
+/// The text with the checksum that fits what stands before its last separator.
+QString sealLayout(const QString& text);
+
 /// None when the text is damaged or of another record type.
 std::optional<CTableLayout> readLayout(const QString& text, int recordType);
 
