@@ -1,5 +1,6 @@
 #include "counter/CBookGenerator.h"
 
+#include "counter/sample_appointments.h"
 #include "counter/sample_changes.h"
 #include "counter/sample_positions.h"
 #include "counter/sample_securities.h"
@@ -55,6 +56,7 @@ constexpr std::uint32_t CLOSED_SEED_OFFSET = 0x9E3779B9U;
 constexpr std::uint32_t CHANGES_SEED_OFFSET = 0x85EBCA6BU;
 constexpr std::uint32_t POSITIONS_SEED_OFFSET = 0xC2B2AE35U;
 constexpr std::uint32_t QUOTES_SEED_OFFSET = 0x27D4EB2FU;
+constexpr std::uint32_t APPOINTMENTS_SEED_OFFSET = 0x165667B1U;
 
 // Shares of compacts, one in so many.
 constexpr unsigned ONE_IN_RENEWED = 12;
@@ -120,7 +122,8 @@ CSampleCompact addCompact(CSampleFile& file, CSampleRandom& random, const char* 
            isLending ? 1 : 0, isSpecial ? 1 : 0, isLending ? 0 : openLots * 100, isLending ? openLots * 100 : 0,
            yuan(amount), yuan(unpaid), yuan(repaid), yuan(interest), yuan(fee), yuan(penalty), 10'000'001 + index,
            dateWord(-age), dateWord(term - age), isRenewed ? 1 : 0, isPrioritised ? ++priority : 0, yuan(compensation));
-  return {&security, isLending, isRenewed, 10'000'001 + index, age, lots * 100, openLots * 100, amount, unpaid};
+  return {&security,      isLending, isRenewed, 10'000'001 + index, age,  lots * 100,
+          openLots * 100, amount,    unpaid,    isSpecial,          term, interest};
 }
 
 /// Writes closed compact number `index` of `count`; the last of an account were closed today. Their numbers are below
@@ -158,11 +161,13 @@ std::string writeInstruments(const QString& path) {
   return file.finish();
 }
 
-/// With their change details, and the positions that go with what is owed.
+/// With their change details and appointments, and the positions that go with what is owed.
 std::string writeCompacts(const QDir& directory, const CBookGeneratorOptions& options) {
   CSampleFile file(directory.filePath(QStringLiteral("unclosed_compacts.csv")));
   CSampleChanges changes(directory.filePath(QStringLiteral("change_details.csv")), options.seed + CHANGES_SEED_OFFSET);
   CSamplePositions positions(directory.filePath(QStringLiteral("positions.csv")), options.seed + POSITIONS_SEED_OFFSET);
+  CSampleAppointments appointments(directory.filePath(QStringLiteral("appointments.csv")),
+                                   options.seed + APPOINTMENTS_SEED_OFFSET);
   CSampleRandom random(options.seed);
   file.add("{}", COMPACT_HEADER);
   for (const auto& account : ACCOUNTS) {
@@ -173,12 +178,14 @@ std::string writeCompacts(const QDir& directory, const CBookGeneratorOptions& op
     for (std::int64_t i = 0; i < count; ++i) {
       const auto compact = addCompact(file, random, account.id, i, count, priority);
       if (i >= count - options.changed) changes.add(compact);
+      appointments.add(account.id, compact);
       if (compact.isLending) owed[compact.security] += compact.open;
     }
     positions.add(account.id, owed);
   }
   auto error = file.finish();
   if (error.empty()) error = changes.finish();
+  if (error.empty()) error = appointments.finish();
   return error.empty() ? positions.finish() : error;
 }
 

@@ -13,8 +13,8 @@ struct CBookGeneratorOptions {
 };
 
 /// Writes a sample book: credit accounts of several counter types, securities of two exchanges and their quotes,
-/// unclosed and closed compacts whose dates are words relative to the day of loading, change details and positions that
-/// go with them. Memory does not grow with the number of compacts.
+/// unclosed and closed compacts whose dates are words relative to the day of loading, change details, appointments for
+/// renewal and positions that go with them. Memory does not grow with the number of compacts.
 class CBookGenerator {
  public:
   static constexpr std::int64_t MAX_COMPACTS = 10'000'000;

@@ -29,10 +29,11 @@ struct CBookResult {
 };
 
 /// Loads a book, which is a folder with one CSV file for each kind of record (accounts.csv, instruments.csv,
-/// unclosed_compacts.csv, and closed_compacts.csv, which may be left out). The header names the fields, in any order;
-/// optional ones that are absent or empty take their defaults. `account` holds the account id, which must stand in
-/// accounts.csv; exchange and code must stand in instruments.csv, which supplies the security name when the book gives
-/// none; absent position strings are numbered in the order of the file. Dates may be words such as "today-30".
+/// unclosed_compacts.csv, and the optional ones of `recordKinds`, which may be left out). The header names the fields,
+/// in any order; optional ones that are absent or empty take their defaults. `account` holds the account id, which must
+/// stand in accounts.csv; exchange and code must stand in instruments.csv, which supplies the security name when the
+/// book gives none; absent position strings are numbered in the order of the file. Dates may be words such as
+/// "today-30".
 ///
 /// Any thread, one at a time. Needs a QCoreApplication.
 class CBookLoader {

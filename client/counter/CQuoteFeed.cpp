@@ -3,6 +3,7 @@
 #include "counter/CSqlConnection.h"
 #include "counter/sql_rows.h"
 #include "rdservice/CPriceData.h"
+#include "rdservice/entry_list.h"
 #include "rdservice/rdservice_enums.h"
 #include "utils/CLogCenter.h"
 
@@ -38,8 +39,7 @@ double movedPrice(const CPriceData& quote, double tick, int steps) {
 
 void CQuoteFeed::subscribe(const std::string& stockKeys) {
   std::set<std::string> keys;
-  for (std::size_t begin = 0, end = 0; (end = stockKeys.find('|', begin)) != std::string::npos; begin = end + 1)
-    keys.insert(stockKeys.substr(begin, end - begin));
+  for (const std::string_view key : rdservice::splitEntries(stockKeys)) keys.emplace(key);
   const utils::CMutexLock lock(m_mutex);
   m_subscribed.swap(keys);
 }

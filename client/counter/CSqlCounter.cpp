@@ -3,12 +3,16 @@
 #include "counter/CBrokerAccounts.h"
 #include "counter/CCompactWriter.h"
 #include "counter/COrderDesk.h"
+#include "counter/CPriorityDesk.h"
 #include "counter/CQuoteFeed.h"
+#include "counter/CRenewalDesk.h"
 #include "counter/CSqlRequests.h"
 #include "counter/CSqlWorkers.h"
 #include "counter/counter_errors.h"
 #include "net/CTimerQueue.h"
+#include "rdservice/CCreditCompactRenewalApply.h"
 #include "rdservice/COrderRequests.h"
+#include "rdservice/CSetCreditRepayPriorityReq.h"
 #include "rdservice/service_requests.h"
 
 #include <algorithm>
@@ -65,6 +69,8 @@ struct CSqlCounter::Private {
         fillDelay(options.fillDelay.count()),
         quotes(options.quoteSeed),
         orders(accounts),
+        priorities(accounts),
+        renewals(accounts, std::move(options.renewalRules)),
         compactWriter(accounts),
         readers(options.databasePath, std::max(options.readers, 1)),
         writer(options.databasePath, 1),
@@ -76,6 +82,11 @@ struct CSqlCounter::Private {
   void tell(const IDataPtr& request, const CCounterReply& reply, const CSqlAnswer& answer);
   void push(const std::vector<IDataPtr>& records);
   void placeOrder(CClock::time_point due, const IDataPtr& request, const CCounterReply& reply, bool isFailing);
+  /// What a request that changes compacts does on the writer thread; null for any other request.
+  using CWriting = std::function<CWriteAnswer(const CSqlConnection& connection)>;
+  CWriting writingOf(const IDataPtr& request);
+  void write(CClock::time_point due, const IDataPtr& request, const CCounterReply& reply, bool isFailing,
+             CWriting writing);
   /// When its delay is over.
   void fillLater(const rdservice::CStkOrderPtr& order);
   void fill(const rdservice::CStkOrderPtr& order);
@@ -91,6 +102,8 @@ struct CSqlCounter::Private {
   CBrokerAccounts accounts;
   CQuoteFeed quotes;
   COrderDesk orders;
+  CPriorityDesk priorities;
+  CRenewalDesk renewals;
   CCompactWriter compactWriter;
   CSqlWorkers readers;
   CSqlWorkers writer;
@@ -126,6 +139,7 @@ void CSqlCounter::request(const IDataPtr& request, CCounterReply reply) {
   if (m_d->silent.isNext()) return;
   const auto due = CClock::now() + std::chrono::milliseconds(m_d->latency.load());
   if (request->getBaseId() == rdservice::RequestPlaceOrder) return m_d->placeOrder(due, request, reply, isFailing);
+  if (auto writing = m_d->writingOf(request)) return m_d->write(due, request, reply, isFailing, std::move(writing));
   m_d->readers.post([d = m_d.get(), request, reply = std::move(reply), isFailing, due](const auto& connection) {
     auto answer = isFailing ? CSqlAnswer{RDError(CounterSimulated, SIMULATED_FAILURE), {}}
                             : d->requests.answer(connection, *request);
@@ -177,7 +191,7 @@ void CSqlCounter::Private::deliver(CClock::time_point due, const IDataPtr& reque
 }
 
 void CSqlCounter::Private::tell(const IDataPtr& request, const CCounterReply& reply, const CSqlAnswer& answer) {
-  reply(answer.error, answer.records, bson::BSONObj());
+  reply(answer.error, answer.records, answer.extra);
   if (request->getBaseId() != rdservice::RequestLogin || !answer.error.isSuccess()) return;
   const auto& login = static_cast<const rdservice::CLoginReq&>(*request);
   sink.load()->onLoginStatus(login.accountKey,
@@ -196,6 +210,31 @@ void CSqlCounter::Private::placeOrder(CClock::time_point due, const IDataPtr& re
     push(placed.changed);
     if (placed.isEntrusted()) fillLater(placed.order);  // before the reply, so that what the client does then is later
     deliver(due, request, reply, std::move(answer));
+  });
+}
+
+CSqlCounter::Private::CWriting CSqlCounter::Private::writingOf(const IDataPtr& request) {
+  switch (request->getBaseId()) {
+    case rdservice::RequestSetCreditRepayPriority:
+      return [this, request](const auto& connection) {
+        return priorities.set(connection, static_cast<const rdservice::CSetCreditRepayPriorityReq&>(*request));
+      };
+    case rdservice::RequestCompactRenewal:
+      return [this, request](const auto& connection) {
+        return renewals.apply(connection, static_cast<const rdservice::CCreditCompactRenewalApply&>(*request));
+      };
+    default: return nullptr;
+  }
+}
+
+void CSqlCounter::Private::write(CClock::time_point due, const IDataPtr& request, const CCounterReply& reply,
+                                 bool isFailing, CWriting writing) {
+  writer.post([this, request, reply, isFailing, due, writing = std::move(writing)](const auto& connection) {
+    CWriteAnswer written{{RDError(CounterSimulated, SIMULATED_FAILURE), {}}};
+    if (!isFailing) written = writing(connection);
+    if (writer.isStopping()) return;
+    push(written.changed);
+    deliver(due, request, reply, std::move(written.answer));
   });
 }
 

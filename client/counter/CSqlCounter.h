@@ -1,5 +1,6 @@
 #pragma once
 
+#include "counter/CRenewalRules.h"
 #include "counter/ICounter.h"
 
 #include <chrono>
@@ -22,6 +23,8 @@ struct CSqlCounterOptions {
   /// Counter types whose replies begin with the record that the request continues after, on top of the count asked for;
   /// after the last record it comes alone.
   std::set<int> repeatingTypes{};
+  /// By counter type: which compacts it extends; a type left out has the default rules.
+  std::map<int, CRenewalRules> renewalRules{};
   std::chrono::milliseconds fillDelay{0};         ///< from taking an order to its filling
   int quotesPerMove = 0;                          ///< quotes that move at each interval; 0 for none
   std::chrono::milliseconds quoteInterval{1000};  ///< above 0
@@ -35,9 +38,10 @@ struct CSqlCounterOptions {
 /// is answered, then reported to the sink. Compacts come in the order of their position strings. Requests taken before
 /// `start` wait for it, those taken after `stop` are dropped.
 ///
-/// Replies come from the reader threads, those to orders from a writer thread, or all from a timer thread while there
-/// is a latency, which holds nobody up; pushes come from the writer thread. What a reply tells of an order was pushed
-/// before. Orders that were not filled when the counter stopped are filled after its next start.
+/// Replies come from the reader threads, those to orders and to requests that change compacts from a writer thread, or
+/// all from a timer thread while there is a latency, which holds nobody up; pushes come from the writer thread. What a
+/// reply tells of a change was pushed before. Orders that were not filled when the counter stopped are filled after its
+/// next start.
 class CSqlCounter final : public ICounter {
  public:
   explicit CSqlCounter(CSqlCounterOptions options);

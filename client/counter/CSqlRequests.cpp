@@ -3,17 +3,24 @@
 #include "counter/CQuoteFeed.h"
 #include "counter/CSqlConnection.h"
 #include "counter/CSqlTable.h"
+#include "counter/counter_errors.h"
 #include "counter/ready_account.h"
 #include "counter/record_kinds.h"
 #include "rdservice/COrderRequests.h"
+#include "rdservice/CQueryAppointmentInfoReq.h"
+#include "rdservice/CQueryAppointmentInfoResp.h"
 #include "rdservice/CQueryCompactReqV2.h"
 #include "rdservice/CQueryDataReq.h"
+#include "rdservice/StockSMTQueryAppointmentInfoResp.h"
 #include "rdservice/rdservice_enums.h"
 #include "rdservice/service_requests.h"
 
+#include <QDate>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QStringList>
+
+#include <boost/make_shared.hpp>
 
 #include <algorithm>
 #include <string_view>
@@ -30,6 +37,7 @@ using utils::RDError;
 // Texts for users.
 constexpr const char* UNKNOWN_REQUEST = "柜台不支持此请求: ";
 constexpr const char* UNKNOWN_DATA = "柜台没有此类数据: ";
+constexpr const char* WRONG_DATE = "日期无效: ";
 
 /// Rows between two looks at whether the work is still wanted.
 constexpr std::size_t ROWS_PER_LOOK = 4096;
@@ -77,6 +85,8 @@ CSqlAnswer CSqlRequests::answer(const CSqlConnection& connection, const IData& r
       return queryCompacts(connection, static_cast<const rdservice::CQueryCompactReqV2&>(request));
     case rdservice::RequestQueryData:
       return queryData(connection, static_cast<const rdservice::CQueryDataReq&>(request));
+    case rdservice::RequestQueryAppointmentInfo:
+      return queryAppointments(connection, static_cast<const rdservice::CQueryAppointmentInfoReq&>(request));
     case rdservice::RequestSubscribeQuotes:
       return subscribeQuotes(connection, static_cast<const rdservice::CSubscribeQuotesReq&>(request));
     default: return failed(RDError::Unsupported, UNKNOWN_REQUEST + std::to_string(request.getBaseId()));
@@ -154,6 +164,36 @@ CSqlAnswer CSqlRequests::queryData(const CSqlConnection& connection, const rdser
   return select(connection, *kind,
                 QStringLiteral("WHERE %1 = ? ORDER BY %2").arg(CSqlTable::column(kind->accountField()->name), order),
                 {QString::fromStdString(key)}, account);
+}
+
+CSqlAnswer CSqlRequests::queryAppointments(const CSqlConnection& connection,
+                                           const rdservice::CQueryAppointmentInfoReq& request) {
+  CSqlAnswer refused;
+  const std::string accountKey = request.accountInfo ? request.accountInfo->getKey() : std::string();
+  const auto account = readyAccount(m_accounts, connection, accountKey, refused.error);
+  if (account == nullptr) return refused;
+  QString condition = QStringLiteral("WHERE \"account\" = ?");
+  std::vector<QVariant> values{QString::fromStdString(accountKey)};
+  for (const auto& [column, text] : {std::pair{"exchange", &request.exchangeId}, std::pair{"code", &request.code}}) {
+    if (text->empty()) continue;
+    condition += QStringLiteral(" AND %1 = ?").arg(CSqlTable::column(column));
+    values.emplace_back(QString::fromStdString(*text));
+  }
+  for (const auto& [bound, date] : {std::pair{">=", request.startDate}, std::pair{"<=", request.endDate}}) {
+    const QDate day(date / 10000, date / 100 % 100, date % 100);
+    if (!day.isValid()) return failed(CounterRequestRefused, WRONG_DATE + std::to_string(date));
+    condition += QStringLiteral(" AND \"open_date\" %1 ?").arg(QLatin1String(bound));
+    values.emplace_back(day.toJulianDay());
+  }
+  auto found = select(connection, *recordKind(rdservice::RecordStockSMTQueryAppointmentInfoResp),
+                      condition + QStringLiteral(" ORDER BY \"open_date\", rowid"), values, account);
+  if (!found.error.isSuccess()) return found;
+  for (const auto& record : found.records)
+    static_cast<rdservice::StockSMTQueryAppointmentInfoResp&>(*record).accountId = account->accountId;
+  auto answer = boost::make_shared<rdservice::CQueryAppointmentInfoResp>();
+  answer->resultFlag = found.records.empty() ? 0 : 1;
+  answer->records = std::move(found.records);
+  return {RDError(), {answer}};
 }
 
 CSqlAnswer CSqlRequests::subscribeQuotes(const CSqlConnection& connection,

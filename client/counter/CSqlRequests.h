@@ -1,8 +1,7 @@
 #pragma once
 
 #include "counter/CBrokerAccounts.h"
-#include "rdservice/IData.h"
-#include "utils/RDError.h"
+#include "counter/CSqlAnswer.h"
 
 #include <QString>
 #include <QVariant>
@@ -18,6 +17,7 @@ class CLoginReq;
 class CSubscribeQuotesReq;
 class CQueryCompactReqV2;
 class CQueryDataReq;
+class CQueryAppointmentInfoReq;
 }  // namespace rdservice
 
 namespace counter {
@@ -25,12 +25,6 @@ namespace counter {
 class CQuoteFeed;
 class CSqlConnection;
 struct CRecordKind;
-
-/// What a request is answered with.
-struct CSqlAnswer {
-  utils::RDError error;
-  std::vector<rdservice::IDataPtr> records;
-};
 
 /// How counters hand out compacts; see CSqlCounterOptions.
 struct CCompactBatches {
@@ -53,6 +47,7 @@ class CSqlRequests {
   CSqlAnswer login(const CSqlConnection& connection, const rdservice::CLoginReq& request);
   CSqlAnswer queryCompacts(const CSqlConnection& connection, const rdservice::CQueryCompactReqV2& request);
   CSqlAnswer queryData(const CSqlConnection& connection, const rdservice::CQueryDataReq& request);
+  CSqlAnswer queryAppointments(const CSqlConnection& connection, const rdservice::CQueryAppointmentInfoReq& request);
   CSqlAnswer subscribeQuotes(const CSqlConnection& connection, const rdservice::CSubscribeQuotesReq& request);
   CSqlAnswer select(const CSqlConnection& connection, const CRecordKind& kind, const QString& condition,
                     const std::vector<QVariant>& values, const rdservice::CAccountInfoPtr& account) const;

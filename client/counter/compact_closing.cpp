@@ -3,6 +3,7 @@
 #include "counter/CSqlConnection.h"
 #include "counter/CSqlTable.h"
 #include "counter/record_kinds.h"
+#include "counter/sql_rows.h"
 #include "rdservice/CStkClosedCompacts.h"
 #include "rdservice/CStkUnClosedCompacts.h"
 #include "rdservice/rdservice_enums.h"
@@ -80,6 +81,16 @@ CStkUnClosedCompactsPtr takeRow(const CSqlConnection& connection, const CRecordK
   return compact;
 }
 
+/// A closed compact cannot be renewed any more.
+void dropAppointment(const CSqlConnection& connection, const CStkUnClosedCompacts& compact, std::string& error) {
+  const auto& kind = *recordKind(rdservice::RecordStockSMTQueryAppointmentInfoResp);
+  auto query = connection.makeQuery();
+  const auto row =
+      ofCompact(compact.accountInfo->getKey(), compact.exchangeId, compact.code, compact.fieldB, compact.fieldA);
+  runToRow(query, QStringLiteral("DELETE FROM %1 ").arg(CSqlTable::column(kind.des.name())) + row.condition, row.values,
+           error);
+}
+
 std::string nextPosition(const CSqlConnection& connection, const CRecordKind& kind, const std::string& accountKey,
                          std::string& error) {
   auto query = connection.makeQuery();
@@ -143,6 +154,8 @@ std::vector<rdservice::IDataPtr> moveToClosed(const CSqlConnection& connection, 
   const auto row = findRow(connection, unclosedKind, accountKey, compactKey, error);
   if (!error.empty()) return {};
   const auto compact = takeRow(connection, unclosedKind, row, account, error);
+  if (!error.empty()) return {};
+  dropAppointment(connection, *compact, error);
   if (!error.empty()) return {};
   const auto closed = closedOf(*compact, closeDate);
   closed->positionString = nextPosition(connection, closedKind, accountKey, error);

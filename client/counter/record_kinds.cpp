@@ -9,6 +9,7 @@
 #include "rdservice/CStkOrder.h"
 #include "rdservice/CStkUnClosedCompacts.h"
 #include "rdservice/CStkUnClosedCompactsStatics.h"
+#include "rdservice/StockSMTQueryAppointmentInfoResp.h"
 
 #include <boost/make_shared.hpp>
 
@@ -27,6 +28,7 @@ using rdservice::CStkCompactChange;
 using rdservice::CStkOrder;
 using rdservice::CStkUnClosedCompacts;
 using rdservice::CStkUnClosedCompactsStatics;
+using rdservice::StockSMTQueryAppointmentInfoResp;
 
 template <class Record>
 rdservice::IDataPtr makeRecord() {
@@ -94,6 +96,13 @@ const std::vector<CRecordKind>& recordKinds() {
        nullptr,
        true,
        EBookFile::None},
+      {StockSMTQueryAppointmentInfoResp::structDes(),
+       makeRecord<StockSMTQueryAppointmentInfoResp>,
+       {"account", "open_date", "compact_no", "exchange", "code"},
+       {"account", "exchange", "code", "compact_type", "compact_no", "open_date", "expiry_date"},
+       nullptr,
+       true,
+       EBookFile::Optional},
   };
   return s_kinds;
 }

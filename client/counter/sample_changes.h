@@ -6,7 +6,7 @@ namespace counter {
 
 struct CSampleSecurity;
 
-/// What change details tell of an unclosed compact of the sample book.
+/// What other files tell of an unclosed compact of the sample book.
 struct CSampleCompact {
   const CSampleSecurity* security;
   bool isLending;
@@ -17,6 +17,9 @@ struct CSampleCompact {
   std::int64_t open;    ///< shares still owed
   std::int64_t amount;  ///< cents when it was opened
   std::int64_t unpaid;  ///< cents still owed
+  bool isSpecial;
+  std::int64_t term;      ///< days from opening to expiry
+  std::int64_t interest;  ///< cents
 };
 
 /// Writes change details: how each compact was opened, repaid and renewed until it owes what it owes now.

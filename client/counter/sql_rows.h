@@ -1,11 +1,14 @@
 #pragma once
 
+#include "counter/CSqlTable.h"
 #include "rdservice/CAccountInfo.h"
 #include "rdservice/IData.h"
 
+#include <QSqlQuery>
 #include <QString>
 #include <QVariant>
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -27,8 +30,44 @@ std::vector<rdservice::IDataPtr> selectRows(const CSqlConnection& connection, in
                                             const rdservice::CAccountInfoPtr& account, std::string& error,
                                             const std::function<bool(const rdservice::IData&)>& isEnough = nullptr);
 
+/// The same for many rows: the statement is prepared once. One thread; gone before the transaction ends.
+class CRowReader {
+ public:
+  CRowReader(const CSqlConnection& connection, int typeId, const QString& condition);
+
+  std::vector<rdservice::IDataPtr> read(const std::vector<QVariant>& values, const rdservice::CAccountInfoPtr& account,
+                                        std::string& error,
+                                        const std::function<bool(const rdservice::IData&)>& isEnough = nullptr);
+
+ private:
+  const CRecordKind& m_kind;
+  const CSqlTable m_table;
+  QSqlQuery m_query;
+  bool m_isPrepared;
+};
+
+class CRowWriter {
+ public:
+  CRowWriter(const CSqlConnection& connection, int typeId);
+
+  bool upsert(const rdservice::IData& record, std::string& error);
+
+ private:
+  const CSqlTable m_table;
+  QSqlQuery m_query;
+  bool m_isPrepared;
+};
+
 /// The one value that a statement selects; null when it selects none.
 QVariant selectValue(const CSqlConnection& connection, const QString& statement, const std::vector<QVariant>& values,
                      std::string& error);
+
+/// Selects the row of one compact, in any table whose records have the key of a compact.
+struct CCompactCondition {
+  QString condition;
+  std::vector<QVariant> values;
+};
+CCompactCondition ofCompact(const std::string& accountKey, const std::string& exchangeId, const std::string& code,
+                            std::int32_t fieldB, const std::string& fieldA);
 
 }  // namespace counter

@@ -72,11 +72,14 @@ void replaceAsOf(CAccountData& account, int typeId, const std::vector<IDataPtr>&
 
 void CAccountData::removeMetaData(int typeId) {
   CTypeStore removed;  // freed after the lock is given up
-  const utils::CWriteLock lock(m_d->mutex);
-  const auto type = m_d->types.find(typeId);
-  if (type == m_d->types.end()) return;
-  std::swap(removed, type->second.store);
-  ++type->second.generation;
+  {
+    const utils::CWriteLock lock(m_d->mutex);
+    const auto type = m_d->types.find(typeId);
+    if (type == m_d->types.end()) return;
+    std::swap(removed, type->second.store);
+    ++type->second.generation;
+  }
+  m_d->listenersOf(typeId).call({}, {});
 }
 
 IDataPtr CAccountData::modifyData(int typeId, const std::string& key, const std::function<void(IData&)>& edit) {
@@ -102,15 +105,22 @@ IDataPtr CAccountData::modifyData(int typeId, const std::string& key, const std:
   return held;
 }
 
-utils::CSubscriptionPtr CAccountData::subscribe(int typeId, const std::string& key, CDataCallback callback) {
+utils::CSubscriptionPtr CAccountData::subscribe(int typeId, const std::string& key, CDataCallback callback,
+                                                CClearCallback cleared) {
   using CKeys = std::vector<std::string>;
   using CRecords = std::vector<IDataPtr>;
-  Private::CListeners& listeners = m_d->listenersOf(typeId);
-  if (key.empty())
-    return listeners.add([f = std::move(callback)](const CKeys&, const CRecords& records) { f(records); });
-  return listeners.add([f = std::move(callback), key](const CKeys& keys, const CRecords& records) {
-    for (std::size_t i = 0; i < keys.size(); ++i)
-      if (keys[i] == key) f({records[i]});
+  // The store of the market's data belongs to no account.
+  const std::string account = m_d->accountInfo ? m_d->accountInfo->getKey() : std::string();
+  return m_d->listenersOf(typeId).add([f = std::move(callback), cleared = std::move(cleared), key, account, typeId](
+                                          const CKeys& keys, const CRecords& records) {
+    if (keys.empty()) {
+      if (cleared) cleared(account, typeId);
+    } else if (key.empty()) {
+      f(records);
+    } else {
+      for (std::size_t i = 0; i < keys.size(); ++i)
+        if (keys[i] == key) f({records[i]});
+    }
   });
 }
 

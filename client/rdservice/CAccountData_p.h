@@ -13,7 +13,8 @@
 namespace rdservice {
 
 struct CAccountData::Private {
-  /// Called with keys and records, so that subscribers of one record need not build its key.
+  /// Called with keys and records, so that subscribers of one record need not build its key. Without any, all records
+  /// of the type are gone.
   using CListeners = utils::CCallbackList<const std::vector<std::string>&, const std::vector<IDataPtr>&>;
 
   struct CTypeEntry {

@@ -37,6 +37,7 @@ constexpr CFieldDes FIELDS[] = {
     fieldRow<&R::equityCompensation>(19, "equity_compensation", "权益补偿", F::Amount),
     fieldRow<&R::positionString>(20, "position_string", "定位串", F::Plain, HIDDEN),
     fieldRow<&R::modifyTag>(21, "modify_tag", "修改标记", F::Plain, HIDDEN),
+    fieldRow<&R::renewalTimes>(23, "renewal_times", "展期次数", F::Plain, HIDDEN),
 };
 
 }  // namespace

@@ -55,10 +55,12 @@ struct CRangeRule {
   std::int32_t max;
 };
 
+constexpr std::int32_t MAX_INT32 = std::numeric_limits<std::int32_t>::max();
+
 constexpr CRangeRule RANGE_RULES[] = {
-    {"repay_priority", 0, 999999},
-    {"auto_login", 0, 1},
-    {"login", 0, 1},
+    {"repay_priority", 0, 999999},  {"renewal_times", 0, MAX_INT32},
+    {"renewed_days", 0, MAX_INT32}, {"max_renewal_days", 0, MAX_INT32},
+    {"auto_login", 0, 1},           {"login", 0, 1},
 };
 
 /// Number columns that hold nothing below 0.

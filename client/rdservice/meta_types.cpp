@@ -14,6 +14,8 @@ void registerMetaTypes() {
   qRegisterMetaType<CStkUnClosedCompactsStaticsPtr>("rdservice::CStkUnClosedCompactsStaticsPtr");
   qRegisterMetaType<CStkCompactChangePtr>("rdservice::CStkCompactChangePtr");
   qRegisterMetaType<CCreditRepayPriorityRespPtr>("rdservice::CCreditRepayPriorityRespPtr");
+  qRegisterMetaType<CCreditCompactRenewalApplyPtr>("rdservice::CCreditCompactRenewalApplyPtr");
+  qRegisterMetaType<CQueryAppointmentInfoReqPtr>("rdservice::CQueryAppointmentInfoReqPtr");
   qRegisterMetaType<EBROKER_LOGIN_STATUS>("rdservice::EBROKER_LOGIN_STATUS");
   qRegisterMetaType<bson::BSONObj>("bson::BSONObj");
   qRegisterMetaType<bson::BSONObj>("bson::bo");

@@ -11,6 +11,7 @@
 #include "rdservice/CStkUnClosedCompacts.h"
 #include "rdservice/CStkUnClosedCompactsStatics.h"
 #include "rdservice/CStructDes.h"
+#include "rdservice/StockSMTQueryAppointmentInfoResp.h"
 
 namespace rdservice {
 
@@ -26,6 +27,7 @@ const CStructDes* structDesOf(int typeId) {
       &CPositionStatics::structDes(),
       &CPriceData::structDes(),
       &CStkOrder::structDes(),
+      &StockSMTQueryAppointmentInfoResp::structDes(),
   };
   for (const CStructDes* des : ALL) {
     if (des->typeId() == typeId) return des;

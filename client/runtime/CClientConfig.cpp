@@ -52,11 +52,39 @@ std::map<int, std::set<std::string>> readRights(const std::string& path, std::ve
   return rights;
 }
 
+struct CRefusalName {
+  const char* name;
+  counter::ERenewalRefusal refusal;
+};
+
+constexpr CRefusalName REFUSALS[] = {
+    {"error", counter::ERenewalRefusal::Error},
+    {"record", counter::ERenewalRefusal::Record},
+    {"reply", counter::ERenewalRefusal::Reply},
+};
+
+counter::CRenewalRules readRenewalRules(const utils::CConfigSection& section) {
+  counter::CRenewalRules rules;
+  rules.daysBeforeExpiry = section.getInt("renewal_days_before_expiry", 0, MAX_INT, rules.daysBeforeExpiry);
+  rules.maxDays = section.getInt("renewal_max_days", 0, MAX_INT, rules.maxDays);
+  rules.maxTimes = section.getInt("renewal_max_times", 0, MAX_INT, rules.maxTimes);
+  rules.isTodayAllowed = section.getBool("renewal_today_allowed", rules.isTodayAllowed);
+  const std::string name = section.getText("renewal_refusal", REFUSALS[0].name);
+  const auto* const found = std::find_if(std::begin(REFUSALS), std::end(REFUSALS),
+                                         [&name](const CRefusalName& refusal) { return name == refusal.name; });
+  if (found == std::end(REFUSALS))
+    section.addError("renewal_refusal", "must be \"error\", \"record\" or \"reply\", not \"" + name + "\"");
+  else
+    rules.refusal = found->refusal;
+  return rules;
+}
+
 void readCounterTypes(const utils::CConfigFile& file, CCounterSettings& settings) {
   std::set<int> ids;
   for (const utils::CConfigSection& section : file.getSections("counter_type")) {
     const int most = section.getInt("max_compacts", 0, MAX_INT, 0);
     const bool repeats = section.getBool("repeats_records", false);
+    const counter::CRenewalRules rules = readRenewalRules(section);
     const int id = section.getInt("id", 0, MAX_INT, WRONG_ID);
     if (!section.has("id")) {
       section.addError("id", "is missing; every counter type needs its number");
@@ -65,6 +93,7 @@ void readCounterTypes(const utils::CConfigFile& file, CCounterSettings& settings
     } else if (id != WRONG_ID) {
       if (most > 0) settings.maxCompacts.emplace(id, most);
       if (repeats) settings.repeatingTypes.insert(id);
+      settings.renewalRules.emplace(id, rules);
     }
   }
 }

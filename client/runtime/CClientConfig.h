@@ -1,5 +1,6 @@
 #pragma once
 
+#include "counter/CRenewalRules.h"
 #include "rdservice/broker_config.h"
 #include "runtime/CCounterBehaviour.h"
 #include "utils/CConfigFile.h"
@@ -18,6 +19,7 @@ struct CCounterSettings {
   int requestTimeoutMs = 15000;    ///< the client gives a request up after that
   std::map<int, int> maxCompacts;  ///< by counter type: most compacts in one reply; a type left out has no limit
   std::set<int> repeatingTypes;    ///< counter types whose replies begin with the last record of the reply before
+  std::map<int, counter::CRenewalRules> renewalRules;  ///< by counter type; one left out has the default rules
 };
 
 /// Everything that the configuration folder says.
@@ -26,6 +28,7 @@ struct CClientConfig {
   VN::CUserSettings user;           ///< user.toml
   CCounterSettings counter;         ///< counter.toml
   std::string basketFile;           ///< the user's baskets; empty: they end with the client. Not read from the folder
+  std::string choicesFile;          ///< what the client remembers of the user's choices; in the same way
   /// rights.toml: enabled module keys by group, see luawrapper::LuaModuleCtrl::ELevel.
   std::map<int, std::set<std::string>> rights;
 };

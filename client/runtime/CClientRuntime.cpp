@@ -51,7 +51,7 @@ CClientRuntime::CClientRuntime(const CClientConfig& config, std::unique_ptr<coun
   m_d->log = utils::makeLogCenter(log);
   m_d->rights = luawrapper::makeLuaModuleCtrl(config.rights);
   m_d->broker = rdservice::makeConfigCollector(config.broker);
-  m_d->user = VN::makeUserConfig(config.user, config.basketFile);
+  m_d->user = VN::makeUserConfig(config.user, config.basketFile, config.choicesFile);
   m_d->config = VN::makeConfig(config.user);
   m_d->engine = net::makeRPCEngine(workerThreads());
   m_d->trader = rdservice::makeTraderCenter();
@@ -69,6 +69,7 @@ std::unique_ptr<CClientRuntime> CClientRuntime::open(const CPaths& paths, std::v
   for (const utils::CConfigError& error : found) errors.push_back(error.text());
   if (!found.empty()) return nullptr;
   config.basketFile = paths.basketFile;
+  config.choicesFile = paths.choicesFile;
   counter::CSqlCounterOptions options;
   options.databasePath = paths.database;
   options.latency = std::chrono::milliseconds(config.counter.behaviour.latencyMs);
@@ -79,6 +80,7 @@ std::unique_ptr<CClientRuntime> CClientRuntime::open(const CPaths& paths, std::v
   options.quoteInterval = std::chrono::milliseconds(config.counter.behaviour.quoteIntervalMs);
   options.maxCompacts = config.counter.maxCompacts;
   options.repeatingTypes = config.counter.repeatingTypes;
+  options.renewalRules = config.counter.renewalRules;
   return std::make_unique<CClientRuntime>(config, std::make_unique<counter::CSqlCounter>(options), paths.logFile);
 }
 

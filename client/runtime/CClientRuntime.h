@@ -23,10 +23,11 @@ class HOST_API CClientRuntime {
  public:
   /// Where the client finds and puts its files; paths are UTF-8.
   struct CPaths {
-    std::string configFolder;  ///< broker.toml, counter.toml, rights.toml, user.toml
-    std::string database;      ///< the embedded counter's database file; made when absent
-    std::string logFile;       ///< empty: no file
-    std::string basketFile{};  ///< the user's baskets; empty: they end with the client
+    std::string configFolder;   ///< broker.toml, counter.toml, rights.toml, user.toml
+    std::string database;       ///< the embedded counter's database file; made when absent
+    std::string logFile;        ///< empty: no file
+    std::string basketFile{};   ///< the user's baskets; empty: they end with the client
+    std::string choicesFile{};  ///< what the client remembers of the user's choices; empty: as long as it runs
   };
 
   /// A client on the embedded counter. Null when a configuration file is wrong; `errors` then says where and what.

@@ -4,6 +4,14 @@
 
 namespace VN {
 
+namespace {
+
+// Texts for users.
+constexpr const char* STOPPED = "客户端已停止";
+constexpr const char* TIMED_OUT = "柜台未在规定时间内应答";
+
+}  // namespace
+
 bool CRequestBook::CState::take(std::uint64_t id, COpen& taken) {
   const utils::CMutexLock lock(mutex);
   const auto found = open.find(id);
@@ -18,24 +26,31 @@ CRequestBook::CRequestBook(counter::ICounter& counter, std::chrono::milliseconds
 
 CRequestBook::~CRequestBook() { close(); }
 
-void CRequestBook::send(const rdservice::IDataPtr& request, counter::CCounterReply reply) {
-  std::uint64_t id = 0;
+std::uint64_t CRequestBook::enter(counter::CCounterReply reply, std::chrono::milliseconds wait, utils::RDError late) {
   {
     const utils::CMutexLock lock(m_state->mutex);
     if (!m_state->closed) {
-      id = ++m_state->lastId;
+      const std::uint64_t id = ++m_state->lastId;
       // The timer may fire before the next line; it then waits for this lock and finds the request in the book.
-      const std::uint64_t timer = m_timers->after(m_timeout, [state = m_state, id] {
-        COpen late;
-        if (state->take(id, late)) late.reply({utils::RDError::TimedOut, "柜台未在规定时间内应答"}, {}, {});
+      const std::uint64_t timer = m_timers->after(wait, [state = m_state, id, late = std::move(late)] {
+        COpen open;
+        if (state->take(id, open)) open.reply(late, {}, {});
       });
-      m_state->open.emplace(id, COpen{reply, timer});
+      m_state->open.emplace(id, COpen{std::move(reply), timer});
+      return id;
     }
   }
-  if (id == 0) {
-    reply({utils::RDError::Stopped, "客户端已停止"}, {}, {});
-    return;
-  }
+  reply({utils::RDError::Stopped, STOPPED}, {}, {});
+  return 0;
+}
+
+void CRequestBook::refuse(utils::RDError error, counter::CCounterReply reply) {
+  enter(std::move(reply), std::chrono::milliseconds(0), std::move(error));
+}
+
+void CRequestBook::send(const rdservice::IDataPtr& request, counter::CCounterReply reply) {
+  const std::uint64_t id = enter(std::move(reply), m_timeout, {utils::RDError::TimedOut, TIMED_OUT});
+  if (id == 0) return;
   m_counter.request(request, [state = m_state, timers = std::weak_ptr<net::CTimerQueue>(m_timers), id](
                                  const utils::RDError& error, const std::vector<rdservice::IDataPtr>& records,
                                  const bson::BSONObj& extra) {
@@ -54,7 +69,7 @@ void CRequestBook::close() {
     m_state->closed = true;
     rest.swap(m_state->open);
   }
-  for (auto& [id, request] : rest) request.reply({utils::RDError::Stopped, "客户端已停止"}, {}, {});
+  for (auto& [id, request] : rest) request.reply({utils::RDError::Stopped, STOPPED}, {}, {});
 }
 
 }  // namespace VN

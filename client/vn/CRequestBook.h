@@ -22,6 +22,9 @@ class CRequestBook {
 
   void send(const rdservice::IDataPtr& request, counter::CCounterReply reply);
 
+  /// Answers with the error as if a counter had given it: on a service thread, not from inside this call.
+  void refuse(utils::RDError error, counter::CCounterReply reply);
+
   /// Answers everything still out with `RDError::Stopped`; later requests are answered so at once. The counter must
   /// have stopped.
   void close();
@@ -41,6 +44,10 @@ class CRequestBook {
     /// Takes a request out of the book: whoever gets it answers it.
     bool take(std::uint64_t id, COpen& taken);
   };
+
+  /// Takes an answer into the book that `late` is given to after the wait. Its number, or 0 when the book is closed
+  /// and the answer has been given.
+  std::uint64_t enter(counter::CCounterReply reply, std::chrono::milliseconds wait, utils::RDError late);
 
   counter::ICounter& m_counter;
   const std::chrono::milliseconds m_timeout;

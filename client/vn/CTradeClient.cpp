@@ -1,7 +1,9 @@
 #include "vn/CTradeClient.h"
 
+#include "rdservice/CErrorResp.h"
 #include "rdservice/CStructDes.h"
 #include "rdservice/TraderCenter.h"
+#include "rdservice/entry_list.h"
 #include "rdservice/reply_marks.h"
 #include "rdservice/service_requests.h"
 #include "utils/CCallbackList.h"
@@ -30,6 +32,8 @@ constexpr const char* FILE_NAME = "CTradeClient.cpp";
 constexpr utils::CLogSite START_SITE{FILE_NAME, "void VN::startTradeClient(CTradeClient&)"};
 constexpr utils::CLogSite QUOTES_SITE{FILE_NAME, "void VN::CTradeClient::Private::subscribeQuotes()"};
 constexpr utils::CLogSite ORDER_SITE{FILE_NAME, "bool VN::CTradeClient::placeCommands(const CPlaceCommandParameter&)"};
+
+constexpr const char* NO_ACCOUNT = "请求没有资金账号";  // for users
 
 rdservice::CDataCenter* dataCentre() {
   rdservice::TraderCenter* centre = rdservice::TraderCenter::instance();
@@ -64,6 +68,14 @@ bool isKept(int dataType) {
          std::find(std::begin(LOGIN_TYPES), std::end(LOGIN_TYPES), dataType) != std::end(LOGIN_TYPES);
 }
 
+/// Compacts that the request is about, going by its longest list.
+std::size_t entriesOf(const rdservice::CSetCreditRepayPriorityReq& request) {
+  std::size_t most = 0;
+  for (const std::string* list : {&request.openDates, &request.orderNumbers, &request.priorities})
+    most = std::max(most, rdservice::splitEntries(*list).size());
+  return most;
+}
+
 }  // namespace
 
 struct CTradeClient::Private : counter::ICounterSink {
@@ -81,7 +93,11 @@ struct CTradeClient::Private : counter::ICounterSink {
   void takeAccounts(const std::vector<IDataPtr>& records);
   void queryCompacts(int dataType, const rdservice::CQueryCompactReqV2Ptr& request, CCompactReply reply);
   rdservice::CAccountInfoPtr accountOfKey(const std::string& accountKey) const;
+  /// A copy of the request, unless it names no account.
+  template <class Request>
+  void sendForAccount(const boost::shared_ptr<Request>& request, counter::CCounterReply reply);
   void fetchAccount(const rdservice::CAccountInfoPtr& account);
+  void dropCompacts(const std::string& accountKey);
   void subscribeQuotes();
   void placeOrder(const rdservice::CPlaceOrderReqPtr& request);
   void takeData(const std::string& accountKey, std::uint64_t mark, int dataType, const utils::RDError& error,
@@ -168,6 +184,46 @@ utils::CSubscriptionPtr CTradeClient::subscribeCompactChange(CCompactChange call
   return m_d->compactChange.add(std::move(callback));
 }
 
+template <class Request>
+void CTradeClient::Private::sendForAccount(const boost::shared_ptr<Request>& request, counter::CCounterReply reply) {
+  if (request->accountInfo == nullptr)
+    requests.refuse({utils::RDError::NoAccount, NO_ACCOUNT}, std::move(reply));
+  else
+    requests.send(request->copy(), std::move(reply));
+}
+
+void CTradeClient::setCreditRepayPriority(const rdservice::CSetCreditRepayPriorityReqPtr& request,
+                                          CPriorityReply reply) {
+  m_d->sendForAccount(request,
+                      [entries = entriesOf(*request), reply = std::move(reply)](
+                          const utils::RDError& error, const std::vector<IDataPtr>& records, const bson::BSONObj&) {
+                        if (!error.isSuccess())
+                          return reply(std::vector<utils::RDError>(std::max<std::size_t>(entries, 1), error), {});
+                        std::vector<utils::RDError> errors;
+                        std::vector<IDataPtr> responses;
+                        for (const IDataPtr& record : records) {
+                          if (const auto refused = boost::dynamic_pointer_cast<rdservice::CErrorResp>(record))
+                            errors.emplace_back(refused->errorCode, refused->errorText);
+                          else if (record && record->getBaseId() == rdservice::RecordCreditRepayPriorityResp)
+                            responses.push_back(record);
+                        }
+                        reply(errors, responses);
+                      });
+}
+
+void CTradeClient::applyCompactRenewal(const rdservice::CCreditCompactRenewalApplyPtr& application, CDataReply reply) {
+  m_d->sendForAccount(application, std::move(reply));
+}
+
+void CTradeClient::queryAppointmentInfo(const rdservice::CQueryAppointmentInfoReqPtr& request,
+                                        CAppointmentReply reply) {
+  m_d->sendForAccount(request,
+                      [reply = std::move(reply)](const utils::RDError& error, const std::vector<IDataPtr>& records,
+                                                 const bson::BSONObj& extra) {
+                        reply(error, records.empty() ? nullptr : records.front(), extra);
+                      });
+}
+
 void CTradeClient::setLogin(const std::string& accountKey, bool login) {
   const auto request = boost::make_shared<rdservice::CLoginReq>();
   request->accountKey = accountKey;
@@ -206,8 +262,18 @@ void CTradeClient::Private::onLoginStatus(const std::string& accountKey, rdservi
     account = found->second;
     loginStatus[accountKey] = status;
   }
+  if (status == rdservice::LoginStatusLoggedOut) dropCompacts(accountKey);
   Q_EMIT q->sigLoginStatus(account, status, text);
   if (rdservice::isLoginStatusReady(status)) fetchAccount(account);
+}
+
+/// Nothing keeps the compacts of an account up to date that is not logged in.
+void CTradeClient::Private::dropCompacts(const std::string& accountKey) {
+  rdservice::CDataCenter* centre = dataCentre();
+  const rdservice::CAccountDataPtr store = centre != nullptr ? centre->getAccountData(accountKey) : nullptr;
+  if (!store) return;
+  for (const int dataType : {rdservice::RecordStkUnClosedCompacts, rdservice::RecordStkClosedCompacts})
+    store->removeMetaData(dataType);
 }
 
 rdservice::CAccountInfoPtr CTradeClient::Private::accountOfKey(const std::string& accountKey) const {

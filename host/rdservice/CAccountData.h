@@ -20,6 +20,7 @@ class HOST_API CAccountData {
  public:
   struct Private;
   using CDataCallback = std::function<void(const std::vector<IDataPtr>& changed)>;
+  using CClearCallback = std::function<void(const std::string& accountKey, int typeId)>;
 
   explicit CAccountData(std::unique_ptr<Private> d);
   ~CAccountData();
@@ -45,7 +46,7 @@ class HOST_API CAccountData {
   /// requests is newer and stays.
   void updateCompacts(int typeId, const std::vector<IDataPtr>& records);
 
-  /// Drops all records of a type. Subscribers are not told.
+  /// Drops all records of a type. Subscribers hear that they are gone, not which.
   void removeMetaData(int typeId);
 
   /// Changes the record stored now under `key`: copies it, lets `edit` change the copy, and publishes that, so that no
@@ -56,8 +57,10 @@ class HOST_API CAccountData {
   /// Calls `callback` with the records of the type that are inserted or changed from now on, or only with the record of
   /// `key` when that is not empty: once for each change of the store, however many records it concerns. It is called on
   /// the thread that stores, outside the store's lock; calls may overtake each other, and a record's version tells
-  /// which is newer.
-  [[nodiscard]] utils::CSubscriptionPtr subscribe(int typeId, const std::string& key, CDataCallback callback);
+  /// which is newer. `cleared`, when there is one, is called in the same way after all records of the type were
+  /// dropped.
+  [[nodiscard]] utils::CSubscriptionPtr subscribe(int typeId, const std::string& key, CDataCallback callback,
+                                                  CClearCallback cleared = nullptr);
 
  private:
   std::unique_ptr<Private> m_d;

@@ -40,6 +40,7 @@ class HOST_API CStkUnClosedCompacts : public IData {
   std::int32_t fieldB = 0;           ///< open date, Julian day number
   std::int32_t expiryDate = 0;       ///< Julian day number
   std::int32_t repayPriority = 0;    ///< 1 to 999999, 0 for none
+  std::int32_t renewalTimes = 0;     ///< successful renewals
   std::int64_t financingVolume = 0;  ///< shares still financed
   std::int64_t lendingVolume = 0;    ///< borrowed shares still to be returned
   double compactAmount = 0;          ///< yuan, at opening

@@ -3,7 +3,9 @@
 #include "bson/BSONObj.h"
 #include "host_api.h"
 #include "rdservice/CAccountInfo.h"
+#include "rdservice/CCreditCompactRenewalApply.h"
 #include "rdservice/CCreditRepayPriorityResp.h"
+#include "rdservice/CQueryAppointmentInfoReq.h"
 #include "rdservice/CStkClosedCompacts.h"
 #include "rdservice/CStkCompactChange.h"
 #include "rdservice/CStkUnClosedCompacts.h"
@@ -28,6 +30,8 @@ Q_DECLARE_METATYPE(rdservice::CStkClosedCompactsPtr)
 Q_DECLARE_METATYPE(rdservice::CStkUnClosedCompactsStaticsPtr)
 Q_DECLARE_METATYPE(rdservice::CStkCompactChangePtr)
 Q_DECLARE_METATYPE(rdservice::CCreditRepayPriorityRespPtr)
+Q_DECLARE_METATYPE(rdservice::CCreditCompactRenewalApplyPtr)
+Q_DECLARE_METATYPE(rdservice::CQueryAppointmentInfoReqPtr)
 Q_DECLARE_METATYPE(rdservice::EBROKER_LOGIN_STATUS)
 Q_DECLARE_METATYPE(bson::BSONObj)
 

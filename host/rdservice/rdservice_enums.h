@@ -16,6 +16,9 @@ enum ERecordType : int {
   RecordInstrumentInfo = 10002,
   RecordPriceData = 10003,
   RecordCreditRepayPriorityResp = 13920,
+  RecordErrorResp = 13921,
+  RecordQueryAppointmentInfoResp = 13922,
+  RecordStockSMTQueryAppointmentInfoResp = 16886,
   RequestQueryAccounts = 20001,
   RequestQueryInstruments = 20002,
   RequestLogin = 20003,
@@ -23,6 +26,9 @@ enum ERecordType : int {
   RequestQueryData = 20011,
   RequestPlaceOrder = 20012,
   RequestSubscribeQuotes = 20013,
+  RequestSetCreditRepayPriority = 20014,
+  RequestCompactRenewal = 20015,
+  RequestQueryAppointmentInfo = 20016,
 };
 
 /// Type of a compact, a character code. 32 stands for no restriction.
@@ -46,6 +52,14 @@ enum EOperationType : int {
   OperationDirectRepay = 25,   ///< repays money that the account has
   OperationSpecialDirectReturn = 1012,
   OperationSpecialBuyToReturn = 1021,
+};
+
+/// What a direct repayment of money pays, a character code.
+enum ERepayType : int {
+  RepayTypeFinancing = '0',        ///< principal and interest of financing, in the counter's order
+  RepayTypeFinancingInterest = '1',
+  RepayTypeLendingFee = '3',       ///< fees of securities lending
+  RepayTypeLendingInterest = '4',  ///< interest of securities lending
 };
 
 /// Side of a position or entrust, a character code.

@@ -3,8 +3,11 @@
 #include "bson/BSONObj.h"
 #include "host_api.h"
 #include "rdservice/CAccountInfo.h"
+#include "rdservice/CCreditCompactRenewalApply.h"
+#include "rdservice/CQueryAppointmentInfoReq.h"
 #include "rdservice/CQueryCompactReqV2.h"
 #include "rdservice/CQueryDataReq.h"
+#include "rdservice/CSetCreditRepayPriorityReq.h"
 #include "rdservice/rdservice_enums.h"
 #include "utils/CSubscription.h"
 #include "utils/RDError.h"
@@ -22,7 +25,7 @@ namespace VN {
 /// The client's connection to its counter. Requests may be made from any thread.
 ///
 /// When an account has logged in, the client fetches its positions, statistics and orders into the account's store, and
-/// subscribes to the quotes of every instrument.
+/// subscribes to the quotes of every instrument. When it logs out, its compacts are dropped from the store.
 ///
 /// Every request is answered exactly once: by the counter's first reply, by a time-out error when the counter is
 /// silent (`RDError::TimedOut`), or by `RDError::Stopped` when the client ends. Replies are called on a service
@@ -41,6 +44,13 @@ class HOST_API CTradeClient : public QObject {
   /// The compacts of `accountKey` of type `dataType` changed in the data centre. `replaced`: its whole set was
   /// replaced; false: a query for it failed and the set is as it was.
   using CCompactChange = std::function<void(bool replaced, const std::string& accountKey, int dataType)>;
+
+  /// What the counter refused, and the CCreditRepayPriorityResp records of the priorities that it set.
+  using CPriorityReply =
+      std::function<void(const std::vector<utils::RDError>& errors, const std::vector<rdservice::IDataPtr>& responses)>;
+  /// The reply's first record, null when it has none.
+  using CAppointmentReply =
+      std::function<void(const utils::RDError& error, const rdservice::IDataPtr& data, const bson::BSONObj& extra)>;
 
   /// The running client's; null when no client runs.
   static CTradeClient* instance();
@@ -66,6 +76,15 @@ class HOST_API CTradeClient : public QObject {
   /// one of them is for an account that the client does not know, names no security, or comes to less than one share,
   /// or when the batch asks for what this client does not place.
   bool placeCommands(const CPlaceCommandParameter& parameter);
+
+  // The following take a copy of the request; one without account is answered with `RDError::NoAccount`.
+
+  /// Entries of the request that come back neither as an error nor as a response were cleared. When the request fails
+  /// as a whole there is one error for each of its entries, and at least one.
+  void setCreditRepayPriority(const rdservice::CSetCreditRepayPriorityReqPtr& request, CPriorityReply reply);
+  void applyCompactRenewal(const rdservice::CCreditCompactRenewalApplyPtr& application, CDataReply reply);
+  /// The record is a CQueryAppointmentInfoResp.
+  void queryAppointmentInfo(const rdservice::CQueryAppointmentInfoReqPtr& request, CAppointmentReply reply);
 
   /// Called on a service thread.
   [[nodiscard]] utils::CSubscriptionPtr subscribeCompactChange(CCompactChange callback);

@@ -5,8 +5,11 @@
 #include "rdservice/COrderRequests.h"
 #include "rdservice/CPositionStatics.h"
 #include "rdservice/CPriceData.h"
+#include "rdservice/CQueryAppointmentInfoReq.h"
+#include "rdservice/CQueryAppointmentInfoResp.h"
 #include "rdservice/CStkClosedCompacts.h"
 #include "rdservice/CStkCompactChange.h"
+#include "rdservice/StockSMTQueryAppointmentInfoResp.h"
 #include "rdservice/rdservice_enums.h"
 
 #include <QDir>
@@ -89,7 +92,7 @@ TEST(CBookGenerator, theSampleBookIsSound) {
   EXPECT_EQ(accountsBySize, (std::map<std::size_t, int>{{0, 2}, {48, 1}, {64, 1}, {86, 1}, {320, 1}, {5000, 1}}));
 }
 
-TEST(CBookGenerator, changeDetailsPositionsAndQuotesGoWithTheCompacts) {
+TEST(CBookGenerator, changeDetailsAppointmentsPositionsAndQuotesGoWithTheCompacts) {
   QTemporaryDir folder;
   const auto database = folder.filePath(QStringLiteral("counter.db")).toStdString();
   ASSERT_EQ(CBookLoader(SAMPLE_BOOK_DIR, CTestBook::today()).load(database).errorText(), "");
@@ -99,6 +102,7 @@ TEST(CBookGenerator, changeDetailsPositionsAndQuotesGoWithTheCompacts) {
   int smaller = 0;
   int none = 0;
   int renewals = 0;
+  std::size_t appointed = 0;
   for (const auto& account : client.ask(accountsRequest()).records) {
     client.ask(loginRequest(account->getKey()));
     struct CTold {
@@ -122,14 +126,32 @@ TEST(CBookGenerator, changeDetailsPositionsAndQuotesGoWithTheCompacts) {
       sum.lastDay = change.changeDate;
       if (change.changeKind.str() == "展期") ++renewals;
     }
+    auto query = boost::make_shared<rdservice::CQueryAppointmentInfoReq>();
+    query->accountInfo = boost::static_pointer_cast<rdservice::CAccountInfo>(account);
+    query->startDate = 20200101;
+    query->endDate = 20240315;
+    const auto offered = client.ask(query).records;
+    std::map<std::string, rdservice::IDataPtr> appointments;
+    for (const auto& record : static_cast<const rdservice::CQueryAppointmentInfoResp&>(*offered.at(0)).records)
+      appointments[record->getKey()] = record;
+    appointed += appointments.size();
+    std::size_t matching = 0;
     std::map<std::string, std::int64_t> owed;  // by stock key
     for (const auto& record : client.ask(compactsRequest(account->getKey())).records) {
       const auto& c = static_cast<const rdservice::CStkUnClosedCompacts&>(*record);
       EXPECT_EQ(told[c.fieldA].volume, c.financingVolume + c.lendingVolume) << c.getKey();
       EXPECT_NEAR(told[c.fieldA].amount, c.unpaidAmount, 0.001) << c.getKey();
       if (c.renewalFlag == '1') --renewals;
+      if (const auto found = appointments.find(c.getKey()); found != appointments.end()) {
+        const auto& a = static_cast<const rdservice::StockSMTQueryAppointmentInfoResp&>(*found->second);
+        matching += a.expiryDate == c.expiryDate && a.compactType == c.compactType && a.source == c.source &&
+                    a.unpaidAmount == c.unpaidAmount && a.volume == c.financingVolume + c.lendingVolume &&
+                    a.interestAmount == c.interestAmount && a.renewalTimes == c.renewalFlag - '0' &&
+                    c.expiryDate >= today && a.maxRenewalDays > 0;
+      }
       owed[c.exchangeId.str() + c.code.str()] += c.lendingVolume;
     }
+    EXPECT_EQ(matching, appointments.size()) << account->getKey();
     std::map<std::string, std::int64_t> held;
     for (const auto& record : client.ask(dataRequest(account->getKey(), rdservice::RecordPositionStatics)).records) {
       const auto& position = static_cast<const rdservice::CPositionStatics&>(*record);
@@ -140,6 +162,7 @@ TEST(CBookGenerator, changeDetailsPositionsAndQuotesGoWithTheCompacts) {
     for (const auto& [stock, volume] : owed)
       if (volume > 0) ++(held[stock] == 0 ? none : held[stock] < volume ? smaller : larger);
   }
+  EXPECT_GT(appointed, 100U);
   EXPECT_EQ(renewals, 0) << "one for each renewed compact";
   EXPECT_TRUE(larger > 50 && smaller > 30 && none > 30) << larger << " " << smaller << " " << none;
 

@@ -111,8 +111,8 @@ CTestCounter::~CTestCounter() { counter.stop(); }
 
 std::future<CReply> CTestCounter::send(const rdservice::IDataPtr& request) {
   auto promise = std::make_shared<std::promise<CReply>>();
-  counter.request(request, [promise](const auto& error, const auto& records, const auto&) {
-    promise->set_value({error, records});
+  counter.request(request, [promise](const auto& error, const auto& records, const auto& extra) {
+    promise->set_value({error, records, extra});
   });
   return promise->get_future();
 }

@@ -37,6 +37,7 @@ class CTestBook {
 struct CReply {
   utils::RDError error;
   std::vector<rdservice::IDataPtr> records;
+  bson::BSONObj extra{};
 };
 
 /// A counter on the database of a book, and what it reports. Waits end with a failed test instead of hanging.

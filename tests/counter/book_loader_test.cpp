@@ -119,6 +119,14 @@ const CBadBook BAD_BOOKS[] = {
      "quotes.csv:3:4: exchange, code: expected an instrument of instruments.csv, got \"SH600001\"\n"
      "quotes.csv:4:11: last_price: expected a value, got nothing\n"
      "quotes.csv:6:1: exchange, code: expected values that no record before has\n"},
+    {"appointments.csv",
+     "account,exchange,code,compact_type,compact_no,open_date,expiry_date,renewal_times\n"
+     "6001,SH,600000,0,A1,today-30,today+9,1\n"
+     "6001,SH,600000,0,A1,today-30,today+9,-1\n"
+     "6003,SH,600000,0,A1,today-30,,0\n",
+     "appointments.csv:3:38: renewal_times: expected a whole number from 0 to 2147483647, got \"-1\"\n"
+     "appointments.csv:4:1: account: expected an account id of accounts.csv, got \"6003\"\n"
+     "appointments.csv:4:30: expiry_date: expected a value, got nothing\n"},
     {"unclosed_compacts.csv",
      "account,exchange,code,compact_type,compact_no,open_date\n6001,SH,600000,0,\xFF,today\n6001,SH,600000,0,\"A,"
      "today\n",
@@ -181,7 +189,7 @@ TEST(CBookLoader, replacesTheFormerBook) {
                "6002,SZ,000001,1,C2,today+1,别名\n");
   const auto result = book.load();
   ASSERT_EQ(result.errorText(), "");
-  ASSERT_EQ(result.counts.size(), 7U) << "orders are no part of a book";
+  ASSERT_EQ(result.counts.size(), 8U) << "orders are no part of a book";
   EXPECT_EQ(result.counts[2].kind, "unclosed_compacts");
   EXPECT_EQ(result.counts[2].records, 2);
   EXPECT_EQ(result.counts[3].kind, "closed_compacts");
@@ -189,7 +197,8 @@ TEST(CBookLoader, replacesTheFormerBook) {
   const auto julian = [](int day) { return std::to_string(QDate(2024, 3, day).toJulianDay()); };
   const auto row = [](const std::string& number, const std::string& name, const std::string& date,
                       const std::string& position) {
-    return "3.6002,SZ,000001," + name + ",1,0,0,0,0,0,0,0,0,0," + number + "," + date + ",0,0,0,0," + position + ",,\n";
+    return "3.6002,SZ,000001," + name + ",1,0,0,0,0,0,0,0,0,0," + number + "," + date + ",0,0,0,0," + position +
+           ",,0,\n";
   };
   EXPECT_EQ(book.content(),
             "6001,3,90,张伟,,1,\n6002,3,102,,,1,\n"

@@ -1,16 +1,22 @@
 #include "rdservice/records.h"
 
+#include "rdservice/CCreditCompactRenewalApply.h"
 #include "rdservice/CCreditRepayPriorityResp.h"
+#include "rdservice/CErrorResp.h"
 #include "rdservice/CInstrumentInfo.h"
 #include "rdservice/COrderRequests.h"
 #include "rdservice/CPositionStatics.h"
 #include "rdservice/CPriceData.h"
+#include "rdservice/CQueryAppointmentInfoReq.h"
+#include "rdservice/CQueryAppointmentInfoResp.h"
 #include "rdservice/CQueryCompactReqV2.h"
 #include "rdservice/CQueryDataReq.h"
+#include "rdservice/CSetCreditRepayPriorityReq.h"
 #include "rdservice/CStkCompactChange.h"
 #include "rdservice/CStkOrder.h"
 #include "rdservice/CStkUnClosedCompactsStatics.h"
 #include "rdservice/CStructDes.h"
+#include "rdservice/StockSMTQueryAppointmentInfoResp.h"
 #include "rdservice/TypeManager.h"
 #include "rdservice/field_text.h"
 #include "rdservice/service_requests.h"
@@ -35,7 +41,8 @@ std::vector<IDataPtr> everyRecord() {
   return makeAll<CAccountInfo, CInstrumentInfo, CStkUnClosedCompacts, CStkClosedCompacts, CStkUnClosedCompactsStatics,
                  CStkCompactChange, CCreditRepayPriorityResp, CQueryCompactReqV2, CQueryDataReq, CLoginReq,
                  CQueryAccountsReq, CQueryInstrumentsReq, CPositionStatics, CPriceData, CStkOrder, CPlaceOrderReq,
-                 CSubscribeQuotesReq>();
+                 CSubscribeQuotesReq, CSetCreditRepayPriorityReq, CCreditCompactRenewalApply, CQueryAppointmentInfoReq,
+                 CQueryAppointmentInfoResp, StockSMTQueryAppointmentInfoResp, CErrorResp>();
 }
 
 bool isPrice(const CFieldDes& field) { return std::string_view(field.name).find("price") != std::string_view::npos; }

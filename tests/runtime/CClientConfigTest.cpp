@@ -71,8 +71,14 @@ TEST_F(CounterConfig, FaultsAreNamedWithTheirPlaceAndLeaveTheDefaults) {
        ":3: counter_type.max_compacts: must be a whole number from 0 to 2147483647, not -2",
        {{2, 9}},
        {}},
+      {"[[counter_type]]\nid = 1\nrenewal_refusal = \"no\"\n",
+       ":3: counter_type.renewal_refusal: must be \"error\", \"record\" or \"reply\", not \"no\"",
+       {},
+       {}},
       {"[[counter_type]]\nid = 1\npage = 2\n",
-       ":3: counter_type.page: unknown key; known here: id, max_compacts, repeats_records",
+       ":3: counter_type.page: unknown key; known here: id, max_compacts, renewal_days_before_expiry, "
+       "renewal_max_days, "
+       "renewal_max_times, renewal_refusal, renewal_today_allowed, repeats_records",
        {},
        {}},
   };
@@ -89,6 +95,15 @@ TEST_F(CounterConfig, FaultsAreNamedWithTheirPlaceAndLeaveTheDefaults) {
     EXPECT_EQ(config.counter.behaviour.latencyMs, 0);
     EXPECT_EQ(config.counter.behaviour.silentEvery, 0);
   }
+  std::vector<std::string> errors;
+  const CClientConfig config = read(
+      "[[counter_type]]\nid = 5\nrenewal_days_before_expiry = 1\nrenewal_max_days = 2\nrenewal_max_times = 3\n"
+      "renewal_today_allowed = false\nrenewal_refusal = \"reply\"\n",
+      errors);
+  const counter::CRenewalRules& rules = config.counter.renewalRules.at(5);
+  EXPECT_EQ((std::vector{rules.daysBeforeExpiry, rules.maxDays, rules.maxTimes}), (std::vector{1, 2, 3}));
+  EXPECT_FALSE(rules.isTodayAllowed);
+  EXPECT_EQ(rules.refusal, counter::ERenewalRefusal::Reply);
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include "kit/CTestRuntime.h"
 #include "kit/records.h"
+#include "rdservice/CErrorResp.h"
+#include "rdservice/CStructDes.h"
 #include "rdservice/TraderCenter.h"
 #include "rdservice/meta_types.h"
 #include "vn/CUserConfig.h"
@@ -134,6 +136,104 @@ TEST(CTradeClient, GenericQueriesReplaceTheSetAndAreAnnouncedEvenWhenTheyFail) {
   EXPECT_THAT(announced, testing::ElementsAre("3.1001 replaced 13916", "3.1001 replaced 13916", "3.1001 failed 13916",
                                               "3.1001 replaced 13916"));
   EXPECT_TRUE(dataOf(A)->getData(rdservice::RecordStkUnClosedCompacts).empty());
+}
+
+TEST(CTradeClient, TellsWhatBecameOfEachRepayPriority) {
+  CTestRuntime runtime;
+  const struct {
+    const char* lists[3];
+    std::size_t errorsOfFailure;
+  } cases[] = {{{"A|B|C|", "1|2|3|", "7||x|"}, 3}, {{"A|", "", ""}, 1}, {{"", "", "||"}, 2}, {{"", "", ""}, 1}};
+  std::vector<RDError> errors;
+  std::vector<IDataPtr> responses;
+  std::atomic<int> answers{0};
+  std::size_t sent = 0;
+  const auto make = [&](const char* const(&lists)[3]) {
+    auto request = boost::make_shared<rdservice::CSetCreditRepayPriorityReq>();
+    request->accountInfo = dataOf(A)->getAccountInfo();
+    request->openDates = lists[0];
+    request->orderNumbers = lists[1];
+    request->priorities = lists[2];
+    return request;
+  };
+  const auto send = [&](const rdservice::CSetCreditRepayPriorityReqPtr& request) {
+    CTradeClient::instance()->setCreditRepayPriority(
+        request, [&](const std::vector<RDError>& gotErrors, const std::vector<IDataPtr>& gotResponses) {
+          errors = gotErrors;
+          responses = gotResponses;
+          ++answers;
+        });
+  };
+  for (const auto& c : cases) {
+    const auto request = make(c.lists);
+    send(request);
+    EXPECT_TRUE(sameFields(*runtime.counter().held().at(sent), *request));
+    runtime.counter().fail(sent++, 8, "柜台繁忙");
+    runtime.settle();
+    ASSERT_EQ(errors.size(), c.errorsOfFailure) << c.lists[0];
+    EXPECT_EQ(errors.back().errorMsg(), "柜台繁忙");
+    EXPECT_TRUE(responses.empty());
+  }
+  send(make(cases[0].lists));
+  const auto set = boost::make_shared<rdservice::CCreditRepayPriorityResp>();
+  set->fieldA = "A";
+  set->fieldB = "1";
+  const auto refused = boost::make_shared<rdservice::CErrorResp>();
+  refused->errorCode = 9;
+  refused->errorText = "不是数字";
+  runtime.counter().reply(sent, {set, nullptr, refused, kit::compact(dataOf(A)->getAccountInfo(), "C1")});
+  runtime.settle();
+  ASSERT_EQ(errors.size(), 1U);
+  EXPECT_EQ(errors[0].errorMsg(), "不是数字");
+  ASSERT_EQ(responses.size(), 1U);
+  EXPECT_EQ(responses[0]->getKey(), "1____A");
+
+  const auto strange = make(cases[0].lists);
+  strange->accountInfo = nullptr;
+  send(strange);
+  EXPECT_TRUE(kit::waitUntil([&] { return answers == 6; }));
+  ASSERT_EQ(errors.size(), 3U);
+  EXPECT_EQ(errors[0].errorCode(), RDError::NoAccount);
+  EXPECT_EQ(runtime.counter().held().size(), 5U);
+}
+
+TEST(CTradeClient, AsksForAppointmentsOfAnAccountOnly) {
+  CTestRuntime runtime;
+  std::atomic<int> code{99};
+  IDataPtr data;
+  std::string message;
+  const auto ask = [&](const rdservice::CAccountInfoPtr& account) {
+    const auto request = boost::make_shared<rdservice::CQueryAppointmentInfoReq>();
+    request->accountInfo = account;
+    code = 99;
+    CTradeClient::instance()->queryAppointmentInfo(
+        request, [&, caller = std::this_thread::get_id()](const RDError& error, const IDataPtr& got,
+                                                          const bson::BSONObj& extra) {
+          EXPECT_NE(std::this_thread::get_id(), caller);
+          data = got;
+          message = extra.getStringField("msg");
+          code = error.errorCode();
+        });
+  };
+  ask(nullptr);
+  EXPECT_TRUE(kit::waitUntil([&] { return code == RDError::NoAccount; }));
+  EXPECT_TRUE(runtime.counter().held().empty());
+  const auto answer = boost::make_shared<rdservice::CErrorResp>();
+  answer->errorCode = 7;
+  bson::BSONObjBuilder extra;
+  extra.append("msg", "提示");
+  ask(dataOf(A)->getAccountInfo());
+  runtime.counter().reply(0, {answer}, extra.obj());
+  runtime.settle();
+  EXPECT_EQ(code, RDError::Success);
+  ASSERT_NE(data, nullptr);
+  EXPECT_EQ(data->getKey(), answer->getKey());
+  EXPECT_EQ(message, "提示");
+  ask(dataOf(A)->getAccountInfo());
+  runtime.counter().reply(1, {});
+  runtime.settle();
+  EXPECT_EQ(code, RDError::Success);
+  EXPECT_EQ(data, nullptr);
 }
 
 TEST(CTradeClient, LoginStatusFollowsTheCounter) {
