@@ -212,6 +212,11 @@ rdservice::IDataPtr CBaseHighPerformanceTable::getData(int row) const {
   return m_d->rows.record(m_d->rows.slotAt(row));
 }
 
+int CBaseHighPerformanceTable::rowOfKey(const std::string& key) const {
+  utils::assertGui();
+  return m_d->rows.rowOf(m_d->shared->slotOf(key));
+}
+
 QString CBaseHighPerformanceTable::cellText(int row, int columnId) const {
   utils::assertGui();
   return m_d->rows.text(m_d->rows.slotAt(row), columnId);

@@ -63,8 +63,15 @@ constexpr CColorRow COLORS[] = {
     {"clr_window", 0xfff4f6f9, 0xff20262c},  // the application's own palette
     {"clr_window_text", 0xff1f2a36, 0xffd5dbe2},
     {"clr_input", 0xffffffff, 0xff14181c},
+    {"clr_input_wrong", 0xfffdecea, 0xff472625},
+    {"clr_input_wrong_text", 0xffb3261e, 0xffff9d94},
     {"clr_highlight", 0xff1a66c8, 0xff3d86dc},
     {"clr_highlight_text", 0xffffffff, 0xffffffff},
+    {"clr_tip_text", 0xff2a2418, 0xffefe7d8},
+    {"clr_tip_warning", 0xfffff6dc, 0xff42381c},
+    {"clr_tip_warning_border", 0xffe0a92e, 0xffa98433},
+    {"clr_tip_error", 0xfffdecea, 0xff472625},
+    {"clr_tip_error_border", 0xffd9534a, 0xffb4544d},
 };
 
 EUiTheme theme = EUiTheme::Light;
@@ -113,12 +120,51 @@ QPixmap paintBar() {
   return image;
 }
 
+/// Thirds of it are the corners and edges of a button.
+QPixmap paintComboButton() {
+  constexpr int SIDE = 12;  // at 100 %
+  const qreal scale = qApp->devicePixelRatio();
+  QPixmap image(QSizeF(SIDE * scale, SIDE * scale).toSize());
+  image.setDevicePixelRatio(scale);
+  image.fill(Qt::transparent);
+  QPainter painter(&image);
+  painter.setRenderHint(QPainter::Antialiasing);
+  QLinearGradient gradient(0, 0, 0, SIDE);
+  gradient.setColorAt(0, CUiResource::getColor(QStringLiteral("clr_btn_top")));
+  gradient.setColorAt(1, CUiResource::getColor(QStringLiteral("clr_btn_bottom")));
+  painter.setBrush(gradient);
+  painter.setPen(CUiResource::getColor(QStringLiteral("clr_btn_border")));
+  painter.drawRoundedRect(QRectF(0.5, 0.5, SIDE - 1, SIDE - 1), 3, 3);
+  return image;
+}
+
+QPixmap paintCalendar() {
+  constexpr int SIDE = 16;  // at 100 %
+  const qreal scale = qApp->devicePixelRatio();
+  QPixmap image(QSizeF(SIDE * scale, SIDE * scale).toSize());
+  image.setDevicePixelRatio(scale);
+  image.fill(Qt::transparent);
+  const QColor color = CUiResource::getColor(QStringLiteral("clr_btn_s_normal_0"));
+  QPainter painter(&image);
+  painter.setPen(color);
+  painter.drawRect(QRectF(2.5, 3.5, 11, 10));
+  painter.fillRect(QRectF(2, 3, 12, 3), color);
+  for (const int x : {4, 10}) painter.fillRect(QRectF(x, 1, 2, 3), color);  // rings
+  for (const int y : {8, 11})
+    for (const int x : {4, 7, 10}) painter.fillRect(QRectF(x, y, 2, 1), color);
+  return image;
+}
+
 struct CImageRow {
   const char* key;
   QPixmap (*paint)();
 };
 
-constexpr CImageRow IMAGES[] = {{"vn_img_op_hedge_type_bg", paintBar}};
+constexpr CImageRow IMAGES[] = {
+    {"vn_img_op_hedge_type_bg", paintBar},
+    {"img_combobtn_small_normal_1", paintComboButton},
+    {"img_calendar", paintCalendar},
+};
 
 template <class Row, std::size_t N>
 const Row* findRow(const Row (&rows)[N], const QString& key) {
@@ -199,7 +245,7 @@ namespace {
 QString smallButtonStyle() {
   const auto color = [](const char* key) { return CUiResource::getColor(QString::fromLatin1(key)).name(); };
   return QStringLiteral(
-             "QPushButton { border: 1px solid %1; border-radius: 3px; padding: 2px 10px; color: %5;"
+             "QPushButton { border: 1px solid %1; border-radius: 3px; padding: 2px 8px; color: %5;"
              " background: qlineargradient(x1:0, y1:0, x2:0, y2:1, stop:0 %2, stop:1 %3); }"
              "QPushButton:default, QPushButton:focus, QPushButton:hover { border-color: %6; }"
              "QPushButton:hover { color: %6; }"

@@ -6,6 +6,7 @@
 #include "utils/threads.h"
 
 #include <QAction>
+#include <QMenu>
 #include <QPointer>
 
 #include <algorithm>
@@ -92,6 +93,12 @@ QAction* IBaseTable::addMenuAction(const QString& text) {
 }
 
 void IBaseTable::addMenuSeparator() { addMenuAction(QString())->setSeparator(true); }
+
+void IBaseTable::addMenu(QMenu* menu) {
+  utils::assertGui();
+  menu->setParent(this, menu->windowFlags());
+  m_d->menuActions.push_back(menu->menuAction());
+}
 
 const QList<QAction*>& IBaseTable::menuActions() const { return m_d->menuActions; }
 

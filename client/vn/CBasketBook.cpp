@@ -1,64 +1,16 @@
 #include "vn/CBasketBook.h"
 
-#include "utils/CLogCenter.h"
-
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QSaveFile>
-
 #include <algorithm>
 #include <iterator>
 #include <utility>
 
 namespace VN {
 
-namespace {
-
-constexpr utils::CLogSite SITE{"CBasketBook.cpp", "VN::CBasketBook"};
-
-constexpr qint64 MOST_BYTES = 64 << 20;
-constexpr int MOST_KEPT_ASIDE = 1000;
-
-// Texts for users.
-const char* const DAMAGED = "篮子文件 %1 有误（%2），已改名为 %3";
-const char* const DAMAGED_IN_PLACE = "篮子文件 %1 有误（%2），且不能改名，本次不保存篮子";
-const char* const UNREADABLE = "篮子文件 %1 不能读取（%2），本次不保存篮子";
-const char* const NOT_WRITTEN = "篮子文件 %1 不能保存: %2";
-const char* const LEFT_ALONE = "启动时不能读取，未改动";
-
-}  // namespace
-
-CBasketBook::CBasketBook(const QString& path) : m_path(path) {
-  if (!m_path.isEmpty()) read();
-}
-
-void CBasketBook::read() {
-  QFile file(m_path);
-  if (!file.exists()) return;
-  if (file.size() > MOST_BYTES) return keepAside(QStringLiteral("超过 %1 字节").arg(MOST_BYTES));
-  if (!file.open(QIODevice::ReadOnly)) {
-    m_mayWrite = false;
-    return report(QString::fromUtf8(UNREADABLE).arg(QDir::toNativeSeparators(m_path), file.errorString()));
-  }
-  const QString problem = readBasketText(file.readAll(), m_named);
-  file.close();
-  if (!problem.isEmpty()) keepAside(problem);
-}
-
-void CBasketBook::keepAside(const QString& why) {
-  QString aside = m_path + QStringLiteral(".damaged");
-  for (int i = 2; QFileInfo::exists(aside) && i <= MOST_KEPT_ASIDE; ++i)
-    aside = m_path + QStringLiteral(".damaged-%1").arg(i);
-  m_mayWrite = QFile::rename(m_path, aside);
-  const QString file = QDir::toNativeSeparators(m_path);
-  report(m_mayWrite ? QString::fromUtf8(DAMAGED).arg(file, why, QFileInfo(aside).fileName())
-                    : QString::fromUtf8(DAMAGED_IN_PLACE).arg(file, why));
-}
-
-void CBasketBook::report(const QString& message) {
-  m_messages.append(message);
-  utils::logError(SITE, "{0}", message.toStdString());
+CBasketBook::CBasketBook(const QString& path) : m_file(path, QStringLiteral("篮子")) {
+  QByteArray text;
+  if (!m_file.read(text)) return;
+  const QString problem = readBasketText(text, m_named);
+  if (!problem.isEmpty()) m_file.keepAside(problem);
 }
 
 CBasketPtr CBasketBook::find(const QString& name) const {
@@ -96,39 +48,25 @@ const std::vector<CBasketPtr>& CBasketBook::named() {
 
 QString CBasketBook::save() {
   settle();
-  QString problem;
-  if (!m_mayWrite) {
-    problem = QString::fromUtf8(LEFT_ALONE);
-  } else if (!m_path.isEmpty()) {
-    const QByteArray text = basketText(m_named);
-    QSaveFile file(m_path);
-    const bool isWritten = file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit();
-    if (!isWritten) problem = file.errorString();
-  }
-  if (!problem.isEmpty()) {
-    problem = QString::fromUtf8(NOT_WRITTEN).arg(QDir::toNativeSeparators(m_path), problem);
-    utils::logError(SITE, "{0}", problem.toStdString());
-  }
+  const QString problem = m_file.write(basketText(m_named));
   m_changed.call();
   return problem;
 }
 
-bool CBasketBook::remove(const QString& name) {
+std::optional<QString> CBasketBook::remove(const QString& name) {
   settle();
   const CBasketPtr basket = find(name);
-  if (!basket) return false;
+  if (!basket) return std::nullopt;
   m_named.erase(std::find(m_named.begin(), m_named.end(), basket));
-  save();
-  return true;
+  return save();
 }
 
-bool CBasketBook::rename(const QString& from, const QString& to) {
+std::optional<QString> CBasketBook::rename(const QString& from, const QString& to) {
   settle();
   const CBasketPtr basket = find(from);
-  if (!basket || (from != to && find(to))) return false;
+  if (!basket || (from != to && find(to))) return std::nullopt;
   basket->setName(to);
-  save();
-  return true;
+  return save();
 }
 
 }  // namespace VN

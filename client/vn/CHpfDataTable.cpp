@@ -1,6 +1,7 @@
 #include "vn/CHpfDataTable.h"
 
-#include "gw/view/CHpfTableView.h"
+#include "vn/CHpfDataTablePrivate.h"
+
 #include "rdservice/struct_registry.h"
 
 #include "utils/threads.h"
@@ -10,8 +11,6 @@
 #include <QClipboard>
 #include <QMenu>
 #include <QPointer>
-
-#include <set>
 
 namespace VN {
 
@@ -31,39 +30,6 @@ constexpr const char* CHOOSE_COLUMNS_TEXT = "显示的列";
 constexpr const char* STATISTICS_TEXT = "统计行";
 
 }  // namespace
-
-struct CHpfDataTable::Private {
-  Private(CHpfDataTable* table, int type, int flags)
-      : q(table), view(table->findChild<GW::CHpfTableView*>()), recordType(type), menuFlags(flags), extraData(*table) {}
-
-  /// Where the menu was opened. Rows may move while it is open, so that the cell's text is taken then.
-  struct CPlace {
-    bool isCell;
-    QString text;
-  };
-
-  void showMenu(const QPoint& position);
-  void copyCell(const CPlace& place) { QApplication::clipboard()->setText(place.text); }
-  void copyRows(const CPlace&) { QApplication::clipboard()->setText(view->selectedText(false)); }
-  void fitColumns(const CPlace&) { q->adjustVisibleRowsColumnWidth(); }
-  void find(const CPlace&) { Q_EMIT view->sigFindRequested(); }
-  void clearFilters(const CPlace&);
-  bool isAlways(const CPlace&) const { return true; }
-  bool hasCell(const CPlace& place) const { return place.isCell; }
-  bool hasFilter(const CPlace&) const;
-  void addColumnChooser(QMenu& menu);
-  void addStatisticsSwitch(QMenu& menu);
-  void showStatistics(bool shown);
-
-  CHpfDataTable* q;
-  GW::CHpfTableView* view;
-  int recordType;
-  int menuFlags;
-  int tradeType = 0;
-  bool isStatisticsShown = true;
-  std::set<int> statistics;  ///< columns of the statistics row, also while it is not shown
-  CHpfExtraDataModel extraData;
-};
 
 void CHpfDataTable::Private::showMenu(const QPoint& position) {
   struct CEntry {
@@ -96,6 +62,10 @@ void CHpfDataTable::Private::showMenu(const QPoint& position) {
   if (!menu.isEmpty()) menu.exec(view->viewport()->mapToGlobal(position));
   delete opened.data();
 }
+
+void CHpfDataTable::Private::copyCell(const CPlace& place) { QApplication::clipboard()->setText(place.text); }
+
+void CHpfDataTable::Private::copyRows(const CPlace&) { QApplication::clipboard()->setText(view->selectedText(false)); }
 
 void CHpfDataTable::Private::clearFilters(const CPlace&) {
   for (int id = 0; id < q->columnCount(); ++id) q->onFilterTrigger(id, GW::FilterNone, {});
@@ -133,6 +103,14 @@ void CHpfDataTable::Private::showStatistics(bool shown) {
   for (const int id : statistics) q->setColumnSumVisible(id, shown);
 }
 
+void CHpfDataTable::Private::setStatistics(int columnId, bool enabled) {
+  if (enabled)
+    statistics.insert(columnId);
+  else
+    statistics.erase(columnId);
+  q->setColumnSumVisible(columnId, enabled && isStatisticsShown);
+}
+
 CHpfDataTable::CHpfDataTable(int tableId, int recordType, QWidget* parent, int menuFlags)
     : GW::CStandardHpfTable(tableId, parent), m_d(new Private(this, recordType, menuFlags)) {
   if (const rdservice::CStructDes* des = rdservice::structDesOf(recordType)) addRecordColumns(*des);
@@ -155,10 +133,7 @@ int CHpfDataTable::tradeType() const { return m_d->tradeType; }
 int CHpfDataTable::addColumn(const CHpfDataColumnProperty& property, bool statistics, bool movable, const QString&) {
   const int id = addPlainColumn(property.number, property.title, Qt::Alignment(property.alignment));
   m_d->view->setColumnMovable(id, movable);
-  if (statistics) {
-    m_d->statistics.insert(id);
-    m_d->showStatistics(m_d->isStatisticsShown);
-  }
+  if (statistics) m_d->setStatistics(id, true);
   return id;
 }
 

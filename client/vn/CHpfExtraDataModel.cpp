@@ -1,6 +1,6 @@
 #include "vn/CHpfExtraDataModel.h"
 
-#include "vn/CHpfDataTable.h"
+#include "vn/CHpfDataTablePrivate.h"
 
 #include "utils/CMutex.h"
 #include "utils/threads.h"
@@ -40,7 +40,7 @@ void CHpfExtraDataModel::addData(const std::string& key, int columnId, const QSt
 
 void CHpfExtraDataModel::setColumnStatEnable(int columnId, bool enabled, int statType, int, const QString&) {
   utils::assertGui();
-  if (statType == 0 && m_d->has(columnId)) m_d->table.setColumnSumVisible(columnId, enabled);
+  if (statType == 0 && m_d->has(columnId)) m_d->table.m_d->setStatistics(columnId, enabled);
 }
 
 }  // namespace VN

@@ -4,18 +4,23 @@
 #include "utils/CMutex.h"
 #include "utils/threads.h"
 #include "vn/CBasketBook.h"
+#include "vn/CChoiceBook.h"
 #include "vn/user_settings.h"
 
 namespace VN {
 
 struct CUserConfig::Private {
-  Private(const CUserSettings& s, const std::string& basketFile)
-      : settings(s), baskets(QString::fromStdString(basketFile)), startMessages(baskets.messages()) {}
+  Private(const CUserSettings& s, const std::string& basketFile, const std::string& choicesFile)
+      : settings(s),
+        baskets(QString::fromStdString(basketFile)),
+        choices(QString::fromStdString(choicesFile)),
+        startMessages(baskets.messages() + choices.messages()) {}
 
   const CUserSettings settings;
   mutable utils::CMutex mutex;
   QList<CAccountPtr> accounts TS_GUARDED_BY(mutex);
   CBasketBook baskets;  ///< GUI thread
+  CChoiceBook choices;  ///< GUI thread
   const QStringList startMessages;
   std::unique_ptr<utils::CInstance<CUserConfig>> registration;
 };
@@ -52,6 +57,58 @@ void CUserConfig::setAccountDatas(const QList<CAccountPtr>& accounts) {
 int CUserConfig::variantCode() const { return m_d->settings.variantCode; }
 int CUserConfig::counterType() const { return m_d->settings.counterType; }
 
+CMsgSetting CUserConfig::getMsgSetting(int kind) const {
+  switch (kind) {
+    case 0: return m_d->settings.priorityMessage;
+    case 1: return m_d->settings.renewalMessage;
+    default: return {};
+  }
+}
+
+bool CUserConfig::isCompactMode() const {
+  utils::assertGui();
+  return m_d->choices.isCompactMode();
+}
+
+void CUserConfig::setCompactMode(bool compact) {
+  utils::assertGui();
+  m_d->choices.setCompactMode(compact);
+}
+
+bool CUserConfig::isOrderConfirmed(const std::string& accountKey) const {
+  utils::assertGui();
+  return m_d->choices.isOrderConfirmed(accountKey);
+}
+
+void CUserConfig::setOrderConfirmed(const std::string& accountKey, bool confirmed) {
+  utils::assertGui();
+  m_d->choices.setOrderConfirmed(accountKey, confirmed);
+}
+
+QString CUserConfig::fileFolder() const {
+  utils::assertGui();
+  return m_d->choices.fileFolder();
+}
+
+void CUserConfig::setFileFolder(const QString& folder) {
+  utils::assertGui();
+  m_d->choices.setFileFolder(folder);
+}
+
+utils::CSubscriptionPtr CUserConfig::subscribeChoices(std::function<void()> callback) {
+  return m_d->choices.subscribe(std::move(callback));
+}
+
+bool CUserConfig::getTableSetting(CTableConfigInfo& info) const {
+  utils::assertGui();
+  return m_d->choices.getTableSetting(info);
+}
+
+void CUserConfig::saveTableSetting(const CTableConfigInfo& info) {
+  utils::assertGui();
+  m_d->choices.saveTableSetting(info);
+}
+
 CUserConfig::CBasketPtr CUserConfig::getBasketSettingNoCreate(const QString& name) {
   utils::assertGui();
   return m_d->baskets.get(name);
@@ -68,12 +125,12 @@ QString CUserConfig::saveBaskets() {
   return m_d->baskets.save();
 }
 
-bool CUserConfig::removeBasketSetting(const QString& name) {
+std::optional<QString> CUserConfig::removeBasketSetting(const QString& name) {
   utils::assertGui();
   return m_d->baskets.remove(name);
 }
 
-bool CUserConfig::renameBasketSetting(const QString& from, const QString& to) {
+std::optional<QString> CUserConfig::renameBasketSetting(const QString& from, const QString& to) {
   utils::assertGui();
   return m_d->baskets.rename(from, to);
 }
@@ -96,8 +153,9 @@ CUserConfig* CUserManager::getUserConfig() { return utils::CInstance<CUserConfig
 CUserConfig* getUserConfig() { return CUserManager::getUserConfig(); }
 CConfig* getConfig() { return utils::CInstance<CConfig>::get(); }
 
-std::unique_ptr<CUserConfig> makeUserConfig(const CUserSettings& settings, const std::string& basketFile) {
-  return std::make_unique<CUserConfig>(std::make_unique<CUserConfig::Private>(settings, basketFile));
+std::unique_ptr<CUserConfig> makeUserConfig(const CUserSettings& settings, const std::string& basketFile,
+                                            const std::string& choicesFile) {
+  return std::make_unique<CUserConfig>(std::make_unique<CUserConfig::Private>(settings, basketFile, choicesFile));
 }
 
 std::unique_ptr<CConfig> makeConfig(const CUserSettings& settings) {

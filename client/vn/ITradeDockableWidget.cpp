@@ -1,5 +1,8 @@
 #include "vn/ITradeDockableWidget.h"
 
+#include "utils/threads.h"
+#include "vn/CTradeClient.h"
+
 namespace VN {
 
 namespace {
@@ -13,9 +16,13 @@ struct CDockType {
 
 constexpr CDockType DOCK_TYPES[] = {
     {"cpt", "融资融券合约", 1100, 420},
+    {"crdaq", "预约展期查询", 900, 360},
 };
 
 }  // namespace
+
+IAccountDemand::IAccountDemand() = default;
+IAccountDemand::~IAccountDemand() = default;
 
 struct ITradeDockableWidget::Private {
   QString typeKey;
@@ -41,6 +48,15 @@ CDockWidgetInfo ITradeDockableWidget::getDockWidgetInfo(const QString& typeKey) 
 const QString& ITradeDockableWidget::typeKey() const { return m_d->typeKey; }
 const std::string& ITradeDockableWidget::panelId() const { return m_d->panelId; }
 const CDockWidgetInfo& ITradeDockableWidget::dockInfo() const { return m_d->info; }
+
+bool ITradeDockableWidget::needRequestAccount(const std::string& accountKey) const {
+  utils::assertGui();
+  const CTradeClient* client = CTradeClient::instance();
+  if (client == nullptr || !rdservice::isLoginStatusReady(client->getLoginStatus(accountKey))) return false;
+  for (const QWidget* widget = parentWidget(); widget != nullptr; widget = widget->parentWidget())
+    if (const auto* const host = dynamic_cast<const IAccountDemand*>(widget)) return host->needsAccount(accountKey);
+  return true;
+}
 
 void ITradeDockableWidget::requestAccount(const rdservice::CAccountInfo&) {}
 void ITradeDockableWidget::refreshAccounts() {}

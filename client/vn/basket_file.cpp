@@ -5,6 +5,7 @@
 #include <QJsonObject>
 #include <QSet>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -26,12 +27,18 @@ const QString KEY_OPERATION = QStringLiteral("operation");
 const QString KEY_VOLUME = QStringLiteral("volume");
 const QString KEY_AMOUNT = QStringLiteral("amount");
 
+/// Nearest to the volume that can be read again.
+double wholeNumber(std::int64_t volume) {
+  constexpr auto MOST = static_cast<std::int64_t>(MAX_WHOLE);
+  return static_cast<double>(std::clamp(volume, -MOST, MOST));
+}
+
 QJsonObject stockObject(const CBasketStockData& stock) {
   return {{KEY_MARKET, stock.market},
           {KEY_CODE, stock.code},
           {KEY_NAME, stock.name},
           {KEY_OPERATION, stock.operation},
-          {KEY_VOLUME, static_cast<double>(stock.volume)},
+          {KEY_VOLUME, wholeNumber(stock.volume)},
           {KEY_AMOUNT, std::isfinite(stock.amount) ? stock.amount : 0.0}};  // JSON has no other numbers
 }
 

@@ -60,6 +60,8 @@ class HOST_API CBaseHighPerformanceTable : public IBaseTable {
   int rowCount() const override;
   /// The record of a displayed row; null outside 0 to rowCount() - 1.
   rdservice::IDataPtr getData(int row) const;
+  /// Displayed row of the held record of that key; -1 when it is not displayed.
+  int rowOfKey(const std::string& key) const;
   /// The text shown in a displayed row's cell; empty for an unknown row or column.
   QString cellText(int row, int columnId) const;
 

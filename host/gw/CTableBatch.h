@@ -12,8 +12,8 @@ namespace GW {
 
 class CBaseHighPerformanceTable;
 
-/// What a table shows at present: its account key and compact type, and in a paged table the number of the newest
-/// query.
+/// What a table shows at present: its account key and compact type, and in tables that count their queries the number
+/// of the newest one.
 struct CTableScope {
   std::string account;
   int type = 0;

@@ -10,6 +10,7 @@
 #include <memory>
 
 class QAction;
+class QMenu;
 
 namespace GW {
 
@@ -53,6 +54,8 @@ class HOST_API IBaseTable : public CBaseWidget {
   /// Adds an entry below the table's own; the table owns it.
   QAction* addMenuAction(const QString& text);
   void addMenuSeparator();
+  /// Adds a menu below the entries; the table owns it.
+  void addMenu(QMenu* menu);
   const QList<QAction*>& menuActions() const;
 
   /// The layout as text: columns by number, with width, order and hidden state, sort order and filters, headed by the

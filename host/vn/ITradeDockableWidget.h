@@ -19,6 +19,16 @@ struct CDockWidgetInfo {
   QSize size;  ///< preferred size, pixels at 100 %
 };
 
+/// Implemented by a host's widget that has panels inside it and knows which accounts they serve. GUI thread.
+class HOST_API IAccountDemand {
+ public:
+  IAccountDemand();
+  virtual ~IAccountDemand();
+
+  /// Whether the panels inside shall serve that account.
+  virtual bool needsAccount(const std::string& accountKey) const = 0;
+};
+
 /// Base of the panels that a trading client docks. GUI thread.
 class HOST_API ITradeDockableWidget : public GW::IDockableWidget {
  public:
@@ -32,6 +42,10 @@ class HOST_API ITradeDockableWidget : public GW::IDockableWidget {
   /// The panel's number as text.
   const std::string& panelId() const;
   const CDockWidgetInfo& dockInfo() const;
+
+  /// Whether the panel still has to ask for that account's data: the account can answer, and the nearest
+  /// `IAccountDemand` among the panel's parents, if there is one, wants it.
+  bool needRequestAccount(const std::string& accountKey) const;
 
   /// The host wants this account shown. Default: nothing.
   virtual void requestAccount(const rdservice::CAccountInfo& account);

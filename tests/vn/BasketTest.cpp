@@ -71,12 +71,14 @@ TEST_F(Baskets, ComeBackAsTheyWere) {
   EXPECT_TRUE((second.getBasketSettings()[0]->stocks == QList<CBasketStockData>{OTHER_LINE, LINE}));
   EXPECT_TRUE(second.getBasketSettings()[1]->stocks.isEmpty());
 
-  auto infinite = LINE;
-  infinite.amount = std::numeric_limits<double>::infinity();
-  save(second, "空", {infinite});  // which JSON cannot say
+  auto extreme = LINE;
+  extreme.amount = std::numeric_limits<double>::infinity();
+  extreme.volume = std::numeric_limits<std::int64_t>::max();
+  save(second, "空", {extreme});  // which JSON cannot say
   CUserConfig& third = run();
-  EXPECT_EQ(third.startMessages(), QStringList());
+  ASSERT_EQ(third.startMessages(), QStringList());
   EXPECT_EQ(third.getBasketSettings()[1]->stocks[0].amount, 0);
+  EXPECT_EQ(third.getBasketSettings()[1]->stocks[0].volume, std::int64_t{1} << 53);
 }
 
 TEST_F(Baskets, AreKeptAsSoonAsTheyHaveAName) {
@@ -113,9 +115,9 @@ TEST_F(Baskets, RemovalAndRenamingAreSavedAndTold) {
   int done = 0;
   for (const auto& step : steps) {
     const QString from = QString::fromUtf8(step.from);
-    EXPECT_EQ(step.to ? config.renameBasketSetting(from, QString::fromUtf8(step.to)) : config.removeBasketSetting(from),
-              step.isDone)
-        << step.from;
+    const auto problem =
+        step.to ? config.renameBasketSetting(from, QString::fromUtf8(step.to)) : config.removeBasketSetting(from);
+    EXPECT_EQ(problem, step.isDone ? std::make_optional(QString()) : std::nullopt) << step.from;
     if (step.isDone) ++done;
     EXPECT_EQ(told, done);
   }
@@ -180,13 +182,32 @@ TEST_F(Baskets, ADamagedFileIsKeptAsideAndReported) {
   EXPECT_EQ(files().size(), aside + 1);
 }
 
+TEST_F(Baskets, AFileThatCannotBeReadIsLeftAlone) {
+  ASSERT_TRUE(QFile::link(QStringLiteral("/proc/self/mem"), path()));  // opens, but nothing can be read from its begin
+  CUserConfig& config = run();
+  ASSERT_EQ(config.startMessages().size(), 1);
+  EXPECT_TRUE(config.startMessages()[0].contains(QStringLiteral("不能读取"))) << qPrintable(config.startMessages()[0]);
+  EXPECT_TRUE(config.saveBaskets().contains(QStringLiteral("未改动")));
+  EXPECT_EQ(files(), list({"baskets.json"}));
+}
+
 TEST_F(Baskets, AFileThatCannotBeWrittenIsTold) {
   CUserConfig& config = run();
   config.getBasketSettingNoCreate(QStringLiteral("A"))->setName(QStringLiteral("A"));
   ASSERT_TRUE(QDir().mkdir(path()));  // a folder where the file belongs
   EXPECT_TRUE(config.saveBaskets().contains(path())) << qPrintable(config.saveBaskets());
+  EXPECT_EQ(config.renameBasketSetting(QStringLiteral("A"), QStringLiteral("B")), config.saveBaskets());
+  EXPECT_EQ(config.removeBasketSetting(QStringLiteral("B")), config.saveBaskets());
+  config.getBasketSettingNoCreate(QStringLiteral("A"))->setName(QStringLiteral("A"));
   ASSERT_TRUE(QDir().rmdir(path()));
   EXPECT_EQ(config.saveBaskets(), QString());
+  // More than can be read again.
+  const auto large = config.getBasketSettingNoCreate(QStringLiteral("large"));
+  large->setName(QStringLiteral("large"));
+  auto line = LINE;
+  line.name = QString(64 << 20, QLatin1Char('x'));
+  large->stocks = {line};
+  EXPECT_TRUE(config.saveBaskets().endsWith(QStringLiteral("超过 67108864 字节")));
   EXPECT_EQ(names(run()), list({"A"}));
 }
 
