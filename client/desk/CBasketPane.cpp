@@ -155,8 +155,11 @@ void CBasketPane::renameBasket() {
   dialog->setText(m_chosen->name());
   dialog->getInput([this, basket = m_chosen](const QString& text) {
     const QString name = text.trimmed();
-    if (name == basket->name() || VN::getUserConfig()->renameBasketSetting(basket->name(), name)) return;
-    GW::CMessageBox::warning(this, QString::fromUtf8(RENAME_TITLE), QString::fromUtf8(TAKEN_TEXT).arg(name));
+    if (name == basket->name()) return;
+    if (const auto problem = VN::getUserConfig()->renameBasketSetting(basket->name(), name))
+      showProblem(*problem);
+    else
+      GW::CMessageBox::warning(this, QString::fromUtf8(RENAME_TITLE), QString::fromUtf8(TAKEN_TEXT).arg(name));
   });
 }
 
@@ -167,7 +170,8 @@ void CBasketPane::deleteBasket() {
   const CBasketPtr basket = m_chosen;
   const int answer = GW::CMessageBox::question(this, QString::fromUtf8(DELETE_TITLE),
                                                QString::fromUtf8(DELETE_TEXT).arg(basket->name()));
-  if (answer == QMessageBox::Yes) VN::getUserConfig()->removeBasketSetting(basket->name());
+  if (answer == QMessageBox::Yes)
+    showProblem(VN::getUserConfig()->removeBasketSetting(basket->name()).value_or(QString()));
 }
 
 void CBasketPane::deleteLines() {
@@ -184,8 +188,9 @@ void CBasketPane::deleteLines() {
   save();
 }
 
-void CBasketPane::save() {
-  const QString problem = VN::getUserConfig()->saveBaskets();
+void CBasketPane::save() { showProblem(VN::getUserConfig()->saveBaskets()); }
+
+void CBasketPane::showProblem(const QString& problem) {
   if (problem.isEmpty()) return;
   // Queued: the editor of the cell that was changed closes first.
   QMetaObject::invokeMethod(

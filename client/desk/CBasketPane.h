@@ -33,6 +33,8 @@ class CBasketPane : public QWidget {
   void deleteBasket();
   void deleteLines();
   void save();
+  /// Tells the user why the baskets were not written; nothing when they were.
+  void showProblem(const QString& problem);
 
   QStackedWidget* m_pages;
   QListWidget* m_names = nullptr;

@@ -12,6 +12,7 @@
 #include "vn/basket_file.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFile>
 #include <QLineEdit>
 #include <QListWidget>
@@ -212,6 +213,38 @@ TEST_F(Baskets, AreRenamedEditedAndDeletedByClicksAndKept) {
   EXPECT_EQ(displayed(), QStringLiteral("甲: 600009 12345; 丙: "));
   for (const char* name : {"甲", "丙"}) VN::getUserConfig()->removeBasketSetting(QString::fromUtf8(name));
   EXPECT_FALSE(control<QListWidget>("篮子")->isVisible());
+}
+
+TEST_F(Baskets, ChangesThatCannotBeWrittenAreTold) {
+  raise("baskets");
+  make("甲", {"600000"});
+  const QString path = m_folder.filePath(QStringLiteral("baskets.json"));
+  ASSERT_TRUE(QFile::remove(path) && QDir().mkdir(path));  // a folder where the file belongs
+  const QString problem = VN::getUserConfig()->saveBaskets();
+  ASSERT_TRUE(problem.contains(path));
+  auto* names = control<QListWidget>("篮子");
+  const struct {
+    const char* what;
+    std::function<void(kit::CExpectedBoxes&)> act;
+    QString shown;  ///< the first basket; the change holds as long as the desk is open
+  } steps[] = {
+      {"renamed", [&](kit::CExpectedBoxes&) { rename("乙"); }, QStringLiteral("乙")},
+      {"deleted",
+       [&](kit::CExpectedBoxes& boxes) {
+         boxes.expect(QStringLiteral("删除篮子"), QStringLiteral("确定删除篮子“乙”？"), QMessageBox::Yes);
+         press("删除篮子");
+       },
+       QString()},
+  };
+  for (const auto& step : steps) {
+    SCOPED_TRACE(step.what);
+    kit::CExpectedBoxes boxes;
+    choose(0);
+    step.act(boxes);
+    boxes.expect(QStringLiteral("警告"), problem, QMessageBox::Ok);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(names->count() > 0 ? names->item(0)->text() : QString(), step.shown);
+  }
 }
 
 TEST_F(Baskets, WhatWasWrongWithTheFileStandsAmongTheMessages) {

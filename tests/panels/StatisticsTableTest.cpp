@@ -5,6 +5,7 @@
 #include "compacts/tables/compact_fields.h"
 #include "compacts/tables/compact_fold.h"
 #include "gw/CSimpleInputDialog.h"
+#include "gw/view/CHpfTableView.h"
 #include "gw/widget_events.h"
 #include "kit/CExpectedBoxes.h"
 #include "kit/CSignalCount.h"
@@ -20,6 +21,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QLineEdit>
+#include <QMenu>
 #include <QTest>
 #include <QTimer>
 
@@ -89,6 +91,18 @@ class CStatisticsTest : public testing::Test {
     m_runtime.counter().reply(requests() - 1, {});
     m_runtime.settle();
   }
+  /// Chooses "统计行" from the table's menu.
+  void switchStatistics() {
+    QTimer::singleShot(0, m_table.get(), [] {
+      auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+      ASSERT_NE(menu, nullptr);
+      for (QAction* action : menu->actions())
+        if (action->text() == QStringLiteral("统计行")) action->trigger();
+      menu->close();
+    });
+    Q_EMIT m_table->findChild<GW::CHpfTableView*>()->sigMenuRequested(QPoint(5, 5));
+  }
+  std::string holdingSum() const { return m_table->columnSumText(kit::columnOf(*m_table, "当前拥股")).toStdString(); }
   std::vector<std::string> shown() const {
     m_table->updateTable();
     return kit::visible(*m_table,
@@ -112,7 +126,9 @@ TEST_F(CStatisticsTest, OneRowForEachSecurityTypeAndSource) {
   const auto lines = m_runtime.logged("[static compact] mapStatics size = 5");
   ASSERT_EQ(lines.size(), 1U);
   EXPECT_EQ(lines[0].file, "CCompactsStaticsTable.cpp");
-  EXPECT_EQ(m_table->columnSumText(kit::columnOf(*m_table, "当前拥股")).toStdString(), "1,530");
+  EXPECT_EQ(holdingSum(), "1,530");
+  switchStatistics();
+  EXPECT_EQ(holdingSum(), "");
   EXPECT_TRUE(m_table->statisticMap().empty());
 
   // Another query adds and replaces; a refresh begins anew.
@@ -122,6 +138,9 @@ TEST_F(CStatisticsTest, OneRowForEachSecurityTypeAndSource) {
   EXPECT_EQ(m_table->rowCount(), 0);
   answer({compact("C1", '0', '0')});
   EXPECT_THAT(shown(), ElementsAre("600000 | 融资 | 普通 | 100 | 0 | 500 | 浦发银行"));
+  EXPECT_EQ(holdingSum(), "") << "as the user has chosen";
+  switchStatistics();
+  EXPECT_EQ(holdingSum(), "500");
 }
 
 TEST_F(CStatisticsTest, EveryCombinationOfForceAndAccount) {
@@ -133,6 +152,12 @@ TEST_F(CStatisticsTest, EveryCombinationOfForceAndAccount) {
   dataOf(A)->updateDatas({compact("C1", '0', '0'), statistic});
   const std::string stored = "600000 | 融资 | 普通 | 100 | 0 | 500 | 浦发银行";
   const std::string cached = "000001 | 融资 | 普通 | 0 | 9 | 30 | 平安银行";
+  std::size_t late = 0;  // a query that is overtaken
+  const auto ask = [&] {
+    m_table->refresh(A, true);
+    m_runtime.settle();
+    late = requests() - 1;
+  };
   const struct {
     const char* what;
     std::function<void()> act;
@@ -153,12 +178,65 @@ TEST_F(CStatisticsTest, EveryCombinationOfForceAndAccount) {
        1,
        {cached},
        "[static compact] query fail : acc = 3.1001, errmsg = 柜台繁忙."},
+      {"overtaken by the data centre",
+       [&] {
+         ask();
+         m_table->refresh(A, false);
+         m_runtime.counter().reply(late, {});
+       },
+       3,
+       {stored},
+       "mapStatics size = 1"},
+      {"refreshed before the fold",
+       [&] {
+         ask();
+         const kit::CStrandLatch latch;
+         m_runtime.counter().reply(late, {compact("C2", '1', '0')});
+         m_runtime.settleWithoutStrand();
+         m_runtime.counter().reply(late + 1, {});
+         m_runtime.settleWithoutStrand();
+         m_table->refresh(A, true);
+       },
+       1,
+       {},
+       "query success : data acc = 3.1001, data size = 1."},
+      {"refreshed before the cached ones",
+       [&] {
+         ask();
+         const kit::CStrandLatch latch;
+         m_runtime.counter().fail(late, 7, "超时");
+         m_runtime.settleWithoutStrand();
+         m_table->refresh(A, true);
+       },
+       1,
+       {},
+       "query fail : acc = 3.1001, errmsg = 超时."},
+      {"cleared",
+       [&] {
+         ask();
+         m_table->clearData();
+         m_runtime.counter().reply(late, {});
+       },
+       2,
+       {},
+       nullptr},
       {"stale",
        [&] {
-         m_table->refresh(A, true);
-         m_runtime.settle();
-         const std::size_t late = requests() - 1;
+         ask();
          m_table->setAccount(B, false, false);
+         m_runtime.counter().reply(late, {compact("C3", '0', '0')});
+         m_runtime.settle();
+         EXPECT_EQ(requests(), late + 1) << "nobody waits for more batches";
+       },
+       1,
+       {},
+       "[static compact] acc changed : data acc = 3.1001, current acc = 3.1002."},
+      {"stale, and the other one queried too",
+       [&] {
+         m_table->setAccount(A, true, false);
+         m_runtime.settle();
+         late = requests() - 1;
+         m_table->setAccount(B, true, false);
          m_runtime.counter().reply(late, {});
        },
        1,
@@ -168,14 +246,16 @@ TEST_F(CStatisticsTest, EveryCombinationOfForceAndAccount) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     kit::CSignalCount done(m_table.get(), &CCompactsStaticsTable::sigQueryData);
+    const std::size_t linesBefore = c.line != nullptr ? m_runtime.logged(c.line).size() : 0;
     c.act();
     m_runtime.settle();
     EXPECT_EQ(done.count(), c.signalCount);
     EXPECT_EQ(shown(), c.rows);
     if (c.line != nullptr) {
-      EXPECT_EQ(m_runtime.logged(c.line).size(), 1U);
+      EXPECT_EQ(m_runtime.logged(c.line).size(), linesBefore + 1);
     }
   }
+  EXPECT_EQ(m_runtime.logged("query fail").size(), 2U) << "a query that was stopped has not failed";
 }
 
 /// The fold against one that says the rule in the plainest way.
@@ -232,6 +312,7 @@ TEST_F(CStatisticsTest, MenuActionsSaveBaskets) {
     const char* preset;
     const char* typed;  ///< null: as it is
     QList<VN::CBasketStockData> lines;
+    bool isOtherAccount = false;  ///< by the time the user confirms
   } cases[] = {
       {"生成普通融资负债篮子",
        "融资负债篮子",
@@ -240,25 +321,27 @@ TEST_F(CStatisticsTest, MenuActionsSaveBaskets) {
       {"生成专项融资负债篮子", "专项融资负债篮子", "我的", {line("SH", "600000", "浦发银行", 19, 60, 435)}},
       {"生成普通融券负债篮子", "融券负债篮子", "我的", {line("SH", "600000", "浦发银行", 18, 40, 290)}},
       {"生成专项融券负债篮子", "专项融券负债篮子", nullptr, {}},
+      {"生成普通融资负债篮子", "融资负债篮子", "太晚", {}, true},
   };
   kit::CExpectedBoxes boxes;
   QStringList actions;
   for (const auto& c : cases) {
     SCOPED_TRACE(c.action);
-    boxes.expect(QStringLiteral("提示"), QStringLiteral("篮子保存成功"), QMessageBox::Ok);
+    if (!c.isOtherAccount) boxes.expect(QStringLiteral("提示"), QStringLiteral("篮子保存成功"), QMessageBox::Ok);
     QTimer::singleShot(0, m_table.get(), [&] {
       auto* const dialog = qobject_cast<GW::CSimpleInputDialog*>(QApplication::activeModalWidget());
       ASSERT_NE(dialog, nullptr);
       EXPECT_EQ(dialog->title(), QStringLiteral("保存篮子"));
       EXPECT_EQ(dialog->text(), QString::fromUtf8(c.preset));
       if (c.typed != nullptr) dialog->setText(QString::fromUtf8(c.typed));
+      if (c.isOtherAccount) m_table->setAccount(B, false, false);
       QTest::keyClick(dialog->findChild<QLineEdit*>(), Qt::Key_Return);
     });
     for (QAction* action : m_table->menuActions())
       if (action->text() == QString::fromUtf8(c.action)) action->trigger();
     const auto basket =
         VN::getUserConfig()->getBasketSettingNoCreate(QString::fromUtf8(c.typed != nullptr ? c.typed : c.preset));
-    EXPECT_TRUE(basket->isNamed());
+    EXPECT_EQ(basket->isNamed(), !c.isOtherAccount);
     EXPECT_EQ(basket->stocks, c.lines);
   }
   EXPECT_EQ(VN::getUserConfig()->getBasketSettings().size(), 3);
@@ -266,11 +349,25 @@ TEST_F(CStatisticsTest, MenuActionsSaveBaskets) {
 
 TEST_F(CStatisticsTest, ReturnsWhatTheUserConfirms) {
   m_table->setAccount(A, false, false);
+  constexpr std::int64_t FAR = 3000000000;  // beyond an int
   CCompactsStaticsTable::CStatisticMap statics;
-  for (const auto& statistic : VN::foldCompacts(
-           {compact("C1", '1', '0', "600000", 40), compact("C2", '1', '1', "000001", 70),
-            compact("C3", '1', '0', "300999", 10), compact("C4", '0', '0'), compact("C5", '1', '1', "600000", 800)}))
-    statics[statistic->getKey()] = statistic;
+  std::vector<IDataPtr> compacts = {compact("C1", '1', '0', "600000", 40),  compact("C2", '1', '1', "000001", 70),
+                                    compact("C3", '1', '0', "300999", 10),  compact("C4", '0', '0'),
+                                    compact("C5", '1', '1', "600000", 800), compact("C6", '1', '0', "600100", FAR),
+                                    compact("C7", '1', '0', "000001", -FAR)};
+  dataOf(A)->updateDatas({position("600100", FAR)});
+  for (const char* code : {"7", "8"}) {  // of no market, so that the client places no order
+    const auto lent = compact(code, '1', '0', code);
+    const IDataPtr held = position(code, 100);
+    lent->exchangeId = "";
+    static_cast<rdservice::CPositionStatics&>(*held).exchangeId = "";
+    compacts.push_back(lent);
+    dataOf(A)->updateDatas({held});
+  }
+  for (const auto& statistic : VN::foldCompacts(compacts)) statics[statistic->getKey()] = statistic;
+  statics["none"] = nullptr;
+  kit::CExpectedBoxes boxes;
+  boxes.expect(QStringLiteral("警告"), QStringLiteral("部分还券委托未能发出，请查看委托后重试"), QMessageBox::Ok);
   for (const bool accepts : {false, true}) {
     const std::size_t before = requests();
     QTimer::singleShot(0, m_table.get(), [&] {
@@ -288,7 +385,7 @@ TEST_F(CStatisticsTest, ReturnsWhatTheUserConfirms) {
         orders.push_back(order->code + " " + std::to_string(order->operationType) + " " +
                          std::to_string(order->volume));
     if (accepts)
-      EXPECT_THAT(orders, ElementsAre("600000 23 40", "600000 1012 500", "000001 1012 30"));
+      EXPECT_THAT(orders, ElementsAre("600000 23 40", "600000 1012 500", "600100 23 2147483647", "000001 1012 30"));
     else
       EXPECT_THAT(orders, IsEmpty());
   }
@@ -337,6 +434,24 @@ TEST(ChangeTable, ShowsTheWholeListOfItsAccount) {
        1,
        {},
        "[change compact] fail : acc = 3.1001, errmsg = " + complaint.toString()},
+      {"after a newer one",
+       [&](std::size_t n) {
+         table.refresh(A);
+         runtime.settle();
+         runtime.counter().reply(n + 1, {change("2", "600000", 8)});
+         runtime.counter().reply(n, {change("1", "600000", 5)});
+       },
+       1,
+       {"600000 | 浦发银行 | 8.00"},
+       "[change compact] query success : data acc = 3.1001, data size = 1."},
+      {"cleared",
+       [&](std::size_t n) {
+         table.clearData();
+         runtime.counter().reply(n, {change("1", "600000", 5), change("2", "600000", 5)});
+       },
+       1,
+       {},
+       ""},
       {"stale",
        [&](std::size_t n) {
          table.setAccount(B, false, false);
@@ -358,10 +473,12 @@ TEST(ChangeTable, ShowsTheWholeListOfItsAccount) {
     EXPECT_EQ(done.count(), c.signalCount);
     table.updateTable();
     EXPECT_EQ(kit::visible(table, {"证券代码", "证券名称", "变动金额"}), c.rows);
+    if (c.line.empty()) continue;
     const auto lines = runtime.logged(c.line);
     ASSERT_EQ(lines.size(), 1U);
     EXPECT_EQ(lines[0].file, "CCompactsTable.cpp");
   }
+  EXPECT_TRUE(runtime.logged("current acc = 3.1001").empty()) << "only another account is a change";
   kit::CSignalCount done(&table, &CCompactsChangeTable::sigQueryData);
   const std::size_t requests = runtime.counter().held().size();
   table.setAccount(B, false, true);

@@ -1,6 +1,7 @@
 #include "compacts/tables/CCompactsBaseTable.h"
 
 #include "compacts/tables/compact_fields.h"
+#include "gw/column_delegates.h"
 #include "rdservice/TypeManager.h"
 #include "rdservice/rdservice_enums.h"
 #include "utils/CLogCenter.h"
@@ -74,6 +75,29 @@ bool CCompactsBaseTable::isOwnRecord(const rdservice::IDataPtr& record) const {
 void CCompactsBaseTable::logStale(const CReplyText& text, const GW::CTableScope& madeFor,
                                   const GW::CTableScope& present) {
   utils::logInfo(text.site, text.stale, madeFor.account, present.account, madeFor.type, present.type);
+}
+
+template <class CDelegate>
+CDelegate* CCompactsBaseTable::findDelegate() const {
+  for (int column = 0; column < columnCount(); ++column)
+    if (auto* found = dynamic_cast<CDelegate*>(columnDelegate(column))) return found;
+  return nullptr;
+}
+
+void CCompactsBaseTable::selectCompact(const std::string& key) {
+  utils::assertGui();
+  const QString item = QString::fromStdString(key);
+  auto* const radio = findDelegate<GW::CBaseTableColumnRadioButtonDelegate>();
+  if (radio == nullptr || !getDataByKey(key)) return;
+  radio->setItemChecked(item, true);
+  updateTable();
+  selectRow(rowOfKey(key));
+}
+
+int CCompactsBaseTable::renewalDays(const std::string& key) const {
+  utils::assertGui();
+  const auto* const days = findDelegate<GW::CBaseTableColumnIntSpinBoxDelegate>();
+  return days != nullptr ? days->itemInt(QString::fromStdString(key)) : 0;
 }
 
 rdservice::CStkUnClosedCompactsPtr CCompactsBaseTable::doubleClickedCompact(const QString& key) const {

@@ -69,6 +69,12 @@ class CCompactsBaseTable : public CHpfDataTable {
   virtual void applyPriorityResults(const std::string& account, const std::vector<rdservice::IDataPtr>& responses,
                                     const std::map<std::string, std::string>& labels);
 
+  /// Single-select tables: selects the compact of that key and brings its row into view; nothing when it is not held.
+  void selectCompact(const std::string& key);
+
+  /// Days by which the user wants the compact of that key extended, 0 to 182; 0 without the column.
+  int renewalDays(const std::string& key) const;
+
   /// Has `applyPriorityResults` run on the strand. Any thread.
   void postPriorityResults(const std::string& account, const std::vector<rdservice::IDataPtr>& responses,
                            const std::map<std::string, std::string>& labels);
@@ -120,6 +126,9 @@ class CCompactsBaseTable : public CHpfDataTable {
   void filterBrushSource(int brushSource);
 
  private:
+  /// The delegate of that kind among the columns; null when there is none.
+  template <class CDelegate>
+  CDelegate* findDelegate() const;
   void endFailed(const std::string& what) const;
 
   /// Taken before the mutex of the rows, never inside it.

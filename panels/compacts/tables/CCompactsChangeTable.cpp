@@ -67,7 +67,6 @@ void CCompactsChangeTable::setAccount(const std::string& account, bool, bool not
     const utils::CMutexLock lock(m_accountLock);
     isSame = account == m_account;
     m_account = account;
-    setScope({account, 0, 0});
   }
   if (!isSame)
     refresh(std::string());
@@ -78,9 +77,20 @@ void CCompactsChangeTable::setAccount(const std::string& account, bool, bool not
 void CCompactsChangeTable::refresh(const std::string& account) {
   utils::assertGui();
   if (!account.empty() && account != currentAccount()) return;
-  clear();
+  startOver();
   updateTable();
   query();
+}
+
+void CCompactsChangeTable::startOver() {
+  setScope({currentAccount(), 0, scope().query + 1});
+  clear();
+}
+
+void CCompactsChangeTable::clearData() {
+  utils::assertGui();
+  startOver();
+  Q_EMIT sigQueryData();
 }
 
 void CCompactsChangeTable::query() {
@@ -91,14 +101,16 @@ void CCompactsChangeTable::query() {
   request->dataType = m_dataType;
   CTradeClient::instance()->queryData(
       request,
-      m_tasks.guarded([this, account](const utils::RDError& error, const std::vector<IDataPtr>& records,
-                                      const bson::BSONObj& extra) { onQueryData(account, error, records, extra); }),
+      m_tasks.guarded(
+          [this, madeFor = scope()](const utils::RDError& error, const std::vector<IDataPtr>& records,
+                                    const bson::BSONObj& extra) { onQueryData(madeFor, error, records, extra); }),
       0, 0);
 }
 
-void CCompactsChangeTable::onQueryData(const std::string& account, const utils::RDError& error,
+void CCompactsChangeTable::onQueryData(const GW::CTableScope& madeFor, const utils::RDError& error,
                                        const std::vector<IDataPtr>& records, const bson::BSONObj& extra) {
-  if (account != currentAccount()) {
+  const std::string& account = madeFor.account;
+  if (madeFor != scope()) {
     logStale(account);
     return;
   }
@@ -107,24 +119,26 @@ void CCompactsChangeTable::onQueryData(const std::string& account, const utils::
     utils::logInfo(SITE, "[change compact] fail : acc = {0}, errmsg = {1}", account, why);
   } else {
     utils::logInfo(SITE, "[change compact] query success : data acc = {0}, data size = {1}.", account, records.size());
-    if (!show(account, records)) return;
+    if (!showRows(madeFor, records)) return;
   }
   Q_EMIT sigQueryData();
 }
 
-bool CCompactsChangeTable::show(const std::string& account, const std::vector<IDataPtr>& records) {
-  GW::CTableBatch batch(*this, {account, 0, 0});
+bool CCompactsChangeTable::showRows(const GW::CTableScope& madeFor, const std::vector<IDataPtr>& records) {
+  GW::CTableBatch batch(*this, madeFor);
   for (const IDataPtr& record : records) {
     if (m_tasks.isClosing()) return false;
     writeRow(record);
   }
   const bool isShown = batch.commit();
-  if (!isShown) logStale(account);
+  if (!isShown) logStale(madeFor.account);
   return isShown;
 }
 
 void CCompactsChangeTable::logStale(const std::string& account) const {
-  utils::logInfo(SITE, "[change compact] acc changed : data acc = {0}, current acc = {1}", account, currentAccount());
+  const std::string current = currentAccount();
+  if (account != current)
+    utils::logInfo(SITE, "[change compact] acc changed : data acc = {0}, current acc = {1}", account, current);
 }
 
 void CCompactsChangeTable::writeRow(const IDataPtr& record) {

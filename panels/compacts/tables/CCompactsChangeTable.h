@@ -28,6 +28,8 @@ class CCompactsChangeTable : public CHpfDataTable {
   void setAccount(const std::string& account, bool query, bool notifyIfSame);
   /// Empties and queries; nothing when `account` is neither empty nor the one shown.
   void refresh(const std::string& account);
+  /// Empties, and notifies: the reply that is still to come is dropped in silence.
+  void clearData();
 
  Q_SIGNALS:
   /// An answer has been taken in, or there was nothing to query. Emitted on any thread.
@@ -38,12 +40,15 @@ class CCompactsChangeTable : public CHpfDataTable {
 
  private:
   std::string currentAccount() const;
+  /// From now on refuses what was asked before.
+  void startOver();
   void query();
-  /// Service thread: rows are written there.
-  void onQueryData(const std::string& account, const utils::RDError& error,
+  /// Service thread: rows are written there. `madeFor`: what the table showed when it asked.
+  void onQueryData(const GW::CTableScope& madeFor, const utils::RDError& error,
                    const std::vector<rdservice::IDataPtr>& records, const bson::BSONObj& extra);
-  /// False when another account is shown by now.
-  bool show(const std::string& account, const std::vector<rdservice::IDataPtr>& records);
+  /// False when the table shows something else by now, or goes.
+  bool showRows(const GW::CTableScope& madeFor, const std::vector<rdservice::IDataPtr>& records);
+  /// Nothing to tell when only a newer query has been sent.
   void logStale(const std::string& account) const;
   void writeRow(const rdservice::IDataPtr& record);
 

@@ -96,22 +96,37 @@ void CCompactsStaticsTable::setAccount(const std::string& account, bool query, b
     const utils::CMutexLock lock(m_accountLock);
     isSame = account == m_account;
     m_account = account;
-    setScope({account, 0, 0});
   }
   if (isSame) {
     if (notifyIfSame) Q_EMIT sigQueryData();
   } else if (query) {
     refresh(std::string(), query);
   } else {
-    clear();  // so that no basket is made of another account's liabilities
+    startOver();  // so that no basket is made of another account's liabilities
   }
+}
+
+void CCompactsStaticsTable::stopQuery() {
+  setScope({currentAccount(), 0, scope().query + 1});
+  if (const auto model = m_query.lock()) model->stop();
+}
+
+void CCompactsStaticsTable::startOver() {
+  stopQuery();
+  m_statics.clear();
+  clear();
+}
+
+void CCompactsStaticsTable::clearData() {
+  utils::assertGui();
+  startOver();
+  Q_EMIT sigQueryData();
 }
 
 void CCompactsStaticsTable::refresh(const std::string& account, bool force) {
   utils::assertGui();
   if (!account.empty() && account != currentAccount()) return;
-  m_statics.clear();
-  clear();
+  startOver();
   moveColumnBehind(m_nameColumn, getColumnIdByFileId(FileIdStatisticsCode));
   updateTable();
   getExtraDataModel()->setColumnStatEnable(m_holdingColumn, true, SUM, -1, QString());
@@ -120,7 +135,6 @@ void CCompactsStaticsTable::refresh(const std::string& account, bool force) {
 
 void CCompactsStaticsTable::queryData(bool force) {
   const std::string account = currentAccount();
-  stopQuery();
   if (force && !account.empty()) {
     const CAccountPtr info = getUserConfig()->getAccountData(QString::fromStdString(account));
     if (!info) {
@@ -129,13 +143,10 @@ void CCompactsStaticsTable::queryData(bool force) {
     }
     const auto model = std::make_shared<CCompactQueryModel>(
         info, rdservice::RecordStkUnClosedCompacts,
-        m_tasks.guarded([this, account, number = ++m_queryNumber](bool success, const std::vector<IDataPtr>& records,
-                                                                  const std::string& error) {
-          if (!success && number != m_queryNumber)
-            Q_EMIT sigQueryData();  // stopped
-          else
-            onQueryUnfinishCompact(account, success, records, error);
-        }));
+        m_tasks.guarded(
+            [this, madeFor = scope()](bool success, const std::vector<IDataPtr>& records, const std::string& error) {
+              takeReply(madeFor, success, records, error);
+            }));
     m_query = model;
     model->start();
     return;
@@ -145,62 +156,69 @@ void CCompactsStaticsTable::queryData(bool force) {
   Q_EMIT sigQueryData();
 }
 
-void CCompactsStaticsTable::stopQuery() {
-  if (const auto model = m_query.lock()) model->stop();
-}
-
-void CCompactsStaticsTable::endStale(const std::string& account) {
-  utils::logInfo(REPLY_SITE, "[static compact] acc changed : data acc = {0}, current acc = {1}.", account,
-                 currentAccount());
+void CCompactsStaticsTable::endStale(const GW::CTableScope& madeFor) {
+  const std::string current = currentAccount();
+  if (madeFor.account != current)
+    utils::logInfo(REPLY_SITE, "[static compact] acc changed : data acc = {0}, current acc = {1}.", madeFor.account,
+                   current);
   Q_EMIT sigQueryData();
 }
 
 void CCompactsStaticsTable::onQueryUnfinishCompact(const std::string& account, bool success,
                                                    const std::vector<IDataPtr>& records,
                                                    const std::string& errorMessage) {
-  if (account != currentAccount()) {
-    endStale(account);
+  takeReply({account, 0, scope().query}, success, records, errorMessage);
+}
+
+void CCompactsStaticsTable::takeReply(const GW::CTableScope& madeFor, bool success,
+                                      const std::vector<IDataPtr>& records, const std::string& errorMessage) {
+  if (madeFor != scope()) {
+    endStale(madeFor);
   } else if (!success) {
-    utils::logInfo(REPLY_SITE, "[static compact] query fail : acc = {0}, errmsg = {1}.", account, errorMessage);
-    m_tasks.post([this, account] { showCachedStatics(account); });
+    utils::logInfo(REPLY_SITE, "[static compact] query fail : acc = {0}, errmsg = {1}.", madeFor.account, errorMessage);
+    m_tasks.post([this, madeFor] { showCachedStatics(madeFor); });
   } else {
-    utils::logInfo(REPLY_SITE, "[static compact] query success : data acc = {0}, data size = {1}.", account,
+    utils::logInfo(REPLY_SITE, "[static compact] query success : data acc = {0}, data size = {1}.", madeFor.account,
                    records.size());
-    m_tasks.post([this, account, records] { doUpdateUnfinishCompactStatics(account, records); });
+    m_tasks.post([this, madeFor, records] { showFold(madeFor, records); });
   }
 }
 
-void CCompactsStaticsTable::showCachedStatics(const std::string& account) {
+void CCompactsStaticsTable::showCachedStatics(const GW::CTableScope& madeFor) {
   std::vector<CStkUnClosedCompactsStaticsPtr> statics;
-  if (const rdservice::CAccountDataPtr store = accountDataOf(account)) {
+  if (const rdservice::CAccountDataPtr store = accountDataOf(madeFor.account)) {
     const std::vector<IDataPtr> cached = store->getData(rdservice::RecordStkUnClosedCompactsStatics);
     for (const IDataPtr& record : cached)
       if (auto statistic = boost::dynamic_pointer_cast<rdservice::CStkUnClosedCompactsStatics>(record))
         statics.push_back(std::move(statistic));
   }
-  if (show(account, statics))
+  if (showRows(madeFor, statics))
     Q_EMIT sigQueryData();
   else
-    endStale(account);
+    endStale(madeFor);
 }
 
 void CCompactsStaticsTable::doUpdateUnfinishCompactStatics(const std::string& account,
                                                            const std::vector<IDataPtr>& compacts) {
+  showFold({account, 0, scope().query}, compacts);
+}
+
+void CCompactsStaticsTable::showFold(const GW::CTableScope& madeFor, const std::vector<IDataPtr>& compacts) {
   const std::vector<CStkUnClosedCompactsStaticsPtr> statics = foldCompacts(compacts);
-  if (!show(account, statics)) {
-    endStale(account);
+  if (!showRows(madeFor, statics)) {
+    endStale(madeFor);
     return;
   }
   utils::logInfo(FOLD_SITE, "[static compact] mapStatics size = {0}", statics.size());
   Q_EMIT sigQueryData();
 }
 
-bool CCompactsStaticsTable::show(const std::string& account,
-                                 const std::vector<CStkUnClosedCompactsStaticsPtr>& statics) {
-  const rdservice::CAccountDataPtr store = accountDataOf(account);
-  GW::CTableBatch batch(*this, {account, 0, 0});
+bool CCompactsStaticsTable::showRows(const GW::CTableScope& madeFor,
+                                     const std::vector<CStkUnClosedCompactsStaticsPtr>& statics) {
+  const rdservice::CAccountDataPtr store = accountDataOf(madeFor.account);
+  GW::CTableBatch batch(*this, madeFor);
   for (const CStkUnClosedCompactsStaticsPtr& statistic : statics) {
-    if (m_tasks.isClosing()) return true;
+    if (m_tasks.isClosing()) return false;
     writeRow(store, statistic);
   }
   return batch.commit();

@@ -6,8 +6,6 @@
 #include "utils/CMutex.h"
 #include "vn/CHpfDataTable.h"
 
-#include <atomic>
-#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -33,6 +31,8 @@ class CCompactsStaticsTable : public CHpfDataTable {
   /// Empties and computes anew; nothing when `account` is neither empty nor the one shown. `force`: from a query of
   /// every compact, else from what the data centre holds.
   void refresh(const std::string& account, bool force);
+  /// Empties, and notifies: what is still under way brings no rows.
+  void clearData();
 
   /// Answer to the query of every compact. Service threads.
   void onQueryUnfinishCompact(const std::string& account, bool success, const std::vector<rdservice::IDataPtr>& records,
@@ -62,17 +62,22 @@ class CCompactsStaticsTable : public CHpfDataTable {
   struct CBasketKind;
 
   std::string currentAccount() const;
+  /// Ends the query, and from now on refuses what was made of its answer and of those before.
+  void stopQuery();
+  void startOver();
   void addMenu();
   void addHoldingColumn();
   void addNameColumn();
   void queryData(bool force);
-  /// Nobody waits for its answer any more.
-  void stopQuery();
-  void endStale(const std::string& account);
+  // `madeFor`: what the table showed when it asked.
+  void takeReply(const GW::CTableScope& madeFor, bool success, const std::vector<rdservice::IDataPtr>& records,
+                 const std::string& errorMessage);
+  void endStale(const GW::CTableScope& madeFor);
   /// Strand: the statistics that the counter itself has made.
-  void showCachedStatics(const std::string& account);
-  /// Rows of the statistics, all at once; false when another account is shown by now.
-  bool show(const std::string& account, const std::vector<rdservice::CStkUnClosedCompactsStaticsPtr>& statics);
+  void showCachedStatics(const GW::CTableScope& madeFor);
+  void showFold(const GW::CTableScope& madeFor, const std::vector<rdservice::IDataPtr>& compacts);
+  /// Rows of the statistics, all at once; false when the table shows something else by now, or goes.
+  bool showRows(const GW::CTableScope& madeFor, const std::vector<rdservice::CStkUnClosedCompactsStaticsPtr>& statics);
   void writeRow(const rdservice::CAccountDataPtr& store, const rdservice::CStkUnClosedCompactsStaticsPtr& statistic);
   void askForBasket(const CBasketKind& kind);
   void saveBasket(const CBasketKind& kind, const QString& name);
@@ -83,7 +88,6 @@ class CCompactsStaticsTable : public CHpfDataTable {
   int m_nameColumn = -1;
   CStatisticMap m_statics;
   std::weak_ptr<CCompactQueryModel> m_query;  ///< the newest one
-  std::atomic<std::uint64_t> m_queryNumber{0};
   CTableTasks m_tasks;
 };
 

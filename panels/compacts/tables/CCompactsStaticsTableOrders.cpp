@@ -32,10 +32,12 @@ constexpr const char* HINT_TITLE = "提示";
 constexpr const char* WARNING_TITLE = "警告";
 constexpr const char* SAVED_TEXT = "篮子保存成功";
 constexpr const char* RETURN_TITLE = "批量还券确认";
+constexpr const char* NOT_PLACED_TEXT = "部分还券委托未能发出，请查看委托后重试";
 constexpr int COMMAND_KIND = 8;
 
 int toInt(std::int64_t volume) {
-  return static_cast<int>(std::min<std::int64_t>(volume, std::numeric_limits<int>::max()));
+  using CLimits = std::numeric_limits<int>;
+  return static_cast<int>(std::clamp<std::int64_t>(volume, CLimits::min(), CLimits::max()));
 }
 
 CPlaceCommandParameter returnCommand(const CSecuRepayEntry& entry) {
@@ -96,7 +98,10 @@ void CCompactsStaticsTable::askForBasket(const CBasketKind& kind) {
   auto* const dialog = new GW::CSimpleInputDialog(QString::fromUtf8(SAVE_TITLE), QString(), this);
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   dialog->setText(QString::fromUtf8(kind.basketName));
-  dialog->getInput([this, &kind](const QString& name) { saveBasket(kind, name); });
+  // Another account's rows may have come while the user was asked.
+  dialog->getInput([this, &kind, account = currentAccount()](const QString& name) {
+    if (account == currentAccount()) saveBasket(kind, name);
+  });
 }
 
 void CCompactsStaticsTable::saveBasket(const CBasketKind& kind, const QString& name) {
@@ -137,7 +142,7 @@ void CCompactsStaticsTable::returnSecurities(const CStatisticMap& statics) {
   if (!account) return;
   std::list<CSecuRepayEntry> entries;
   for (const auto& [key, statistic] : statics) {
-    if (statistic->compactType != rdservice::CompactTypeSecuritiesLending) continue;
+    if (!statistic || statistic->compactType != rdservice::CompactTypeSecuritiesLending) continue;
     CSecuRepayEntry entry;
     entry.account = account;
     entry.position = positionOf(store, statistic->exchangeId.str(), statistic->code.str());
@@ -150,8 +155,11 @@ void CCompactsStaticsTable::returnSecurities(const CStatisticMap& statics) {
   auto* const dialog = new CSecuRepayComfirmDialog(QString::fromUtf8(RETURN_TITLE), this);  // deletes itself
   dialog->setData(entries, store);
   if (dialog->exec() != QDialog::Accepted) return;
+  bool isAllPlaced = true;
   for (const CSecuRepayEntry& entry : entries)
-    if (entry.volume >= 1) CTradeClient::instance()->placeCommands(returnCommand(entry));
+    if (entry.volume >= 1) isAllPlaced = CTradeClient::instance()->placeCommands(returnCommand(entry)) && isAllPlaced;
+  if (!isAllPlaced)
+    GW::CMessageBox::warning(this, QString::fromUtf8(WARNING_TITLE), QString::fromUtf8(NOT_PLACED_TEXT));
 }
 
 }  // namespace VN
