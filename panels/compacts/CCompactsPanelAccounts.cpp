@@ -9,6 +9,7 @@
 #include "rdservice/TraderCenter.h"
 #include "utils/CLogCenter.h"
 #include "utils/threads.h"
+#include "vn/CSingleAccountCommandModeComboBox.h"
 #include "vn/CTradeClient.h"
 #include "vn/CUserConfig.h"
 
@@ -82,13 +83,24 @@ void CCompactsPanel::requestAccount(const rdservice::CAccountInfo& account) {
 }
 
 void CCompactsPanel::requestAccount(const std::string& accountKey) {
-  m_requestedAccounts.insert(accountKey);
-  if (m_unclosedTable == nullptr || m_accountCombo == nullptr) return;
-  if (m_accountCombo->currentKey().toStdString() != accountKey) return;
   constexpr utils::CLogSite SITE{"CCompactsPanel.cpp", "void VN::CCompactsPanel::requestAccount(const std::string&)"};
-  utils::logInfo(SITE, "PT! [INDEPENDEN] request account : panel_id = {0}, this = {1}, account = {2}, NEED request.",
-                 panelId(), fmt::ptr(this), accountKey);
-  if (startQuery(false) && !m_unclosedTable->refresh(accountKey, true, false)) m_accountCombo->setEnabled(true);
+  const auto log = [&](const char* text) { utils::logInfo(SITE, text, panelId(), fmt::ptr(this), accountKey); };
+  if (m_mode == ModeOrderPanel) {
+    if (!needRequestAccount(accountKey)) {
+      log("PT! [ORDER] request account : panel_id = {0}, this = {1}, account = {2}, NOT need request.");
+      return;
+    }
+    log("PT! [ORDER] request account : panel_id = {0}, this = {1}, account = {2}, NEED request.");
+    m_requestedAccounts.insert(accountKey);
+    if (m_unclosedTable == nullptr) return;
+  } else {
+    m_requestedAccounts.insert(accountKey);
+    if (m_unclosedTable == nullptr || m_accountCombo == nullptr) return;
+    if (m_accountCombo->currentKey().toStdString() != accountKey) return;
+    log("PT! [INDEPENDEN] request account : panel_id = {0}, this = {1}, account = {2}, NEED request.");
+  }
+  if (startQuery(false) && !m_unclosedTable->refresh(accountKey, true, false) && m_accountCombo != nullptr)
+    m_accountCombo->setEnabled(true);
   doRequestAccount(accountKey);
 }
 
@@ -98,10 +110,12 @@ void CCompactsPanel::doRequestAccount(const std::string& accountKey) {
   if (!account) return;
   const auto subscribe = [&](int dataType, void (CCompactsPanel::*receive)(const rdservice::IDataPtr&),
                              QMap<QString, utils::CSubscriptionPtr>& subscriptions) {
-    utils::CSubscriptionPtr handle =
-        account->subscribe(dataType, std::string(), [this, receive](const std::vector<rdservice::IDataPtr>& changed) {
+    utils::CSubscriptionPtr handle = account->subscribe(
+        dataType, std::string(),
+        [this, receive](const std::vector<rdservice::IDataPtr>& changed) {
           for (const rdservice::IDataPtr& data : changed) (this->*receive)(data);
-        });
+        },
+        [this](const std::string& cleared, int type) { onClearAccountDatas(cleared, type); });
     if (handle) subscriptions[QString::fromStdString(accountKey)] = std::move(handle);
   };
   subscribe(rdservice::RecordStkUnClosedCompacts, &CCompactsPanel::onStkUnClosedCompacts, m_unclosedSubscriptions);
@@ -116,9 +130,16 @@ void CCompactsPanel::onStkClosedCompacts(const rdservice::IDataPtr& data) {
   if (m_closedTable != nullptr) m_closedTable->onPushData(data);
 }
 
+void CCompactsPanel::onClearAccountDatas(const std::string& accountKey, int dataType) {
+  if (dataType == rdservice::RecordStkUnClosedCompacts && m_unclosedTable != nullptr)
+    m_unclosedTable->clearTable(accountKey);
+  if (dataType == rdservice::RecordStkClosedCompacts && m_closedTable != nullptr) m_closedTable->clearTable(accountKey);
+}
+
 void CCompactsPanel::setAccount(const std::string& accountKey, bool query, bool userChosen) {
   utils::assertGui();
   const bool allowed = query && startQuery(false);
+  if (m_commandModeCombo != nullptr) m_commandModeCombo->setAccount(accountKey);
   if (m_unclosedTable != nullptr) m_unclosedTable->setAccount(accountKey, allowed, userChosen);
   if (m_closedTable != nullptr) m_closedTable->setAccount(accountKey, allowed, userChosen);
   if (m_changeTable != nullptr) m_changeTable->setAccount(accountKey, false, userChosen);

@@ -1,61 +1,16 @@
 // The independent panel, used through its widgets.
 
-#include "compacts/CCompactsPanel.h"
+#include "CPanelUnderTest.h"
 
-#include "compacts/tables/CCompactsTable.h"
-#include "gw/controls.h"
-#include "kit/CTestRuntime.h"
-#include "kit/records.h"
-#include "rdservice/TraderCenter.h"
-#include "vn/CCountDownButton.h"
 #include "vn/CTradeClient.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QTest>
-
 namespace {
 
 using kit::CTestRuntime;
 using testing::ElementsAre;
-using VN::CCompactsPanel;
-
-struct CPanelUnderTest {
-  explicit CPanelUnderTest(CTestRuntime& r) : runtime(r), panel(new CCompactsPanel(3, nullptr, 0)) {
-    panel->resize(1200, 400);
-    panel->show();
-    combo = panel->findChild<GW::CComboBox*>();
-    refresh = panel->findChild<VN::CCountDownButton*>();
-    table = panel->findChild<VN::CCompactsTable*>();
-    runtime.settle();
-  }
-
-  QStringList accounts() const {
-    QStringList texts;
-    for (int i = 0; i < combo->count(); ++i) texts << combo->itemText(i);
-    return texts;
-  }
-  void choose(const char* key) {
-    combo->setCurrentIndex(combo->findData(QString::fromLatin1(key)));
-    runtime.settle();
-  }
-  void clickRefresh() {
-    QTest::mouseClick(refresh, Qt::LeftButton);
-    runtime.settle();
-  }
-  rdservice::CStkUnClosedCompactsPtr compact(const char* key, const std::string& number) const {
-    return kit::compact(rdservice::TraderCenter::instance()->getDataCenter()->getAccountData(key)->getAccountInfo(),
-                        number);
-  }
-  std::size_t requests() const { return runtime.counter().held().size(); }
-
-  CTestRuntime& runtime;
-  std::unique_ptr<CCompactsPanel> panel;
-  GW::CComboBox* combo = nullptr;
-  VN::CCountDownButton* refresh = nullptr;
-  VN::CCompactsTable* table = nullptr;
-};
 
 TEST(CCompactsPanel, ListsTheCreditAccountsThatAreLoggedIn) {
   CTestRuntime runtime;
@@ -220,19 +175,30 @@ TEST(CCompactsPanel, ParameterStringsRoundTripAndDamagedOnesDoNothing) {
 }
 
 TEST(CCompactsPanel, ManyPanelsComeAndGoWhileRepliesAndPushesRun) {
+  constexpr int ROUNDS = 100;  // of two panels
   CTestRuntime runtime;
-  for (int i = 0; i < 20; ++i) {
-    CPanelUnderTest p(runtime);
-    p.panel->refreshAccounts();
-    p.panel->requestAccount(
-        *rdservice::TraderCenter::instance()->getDataCenter()->getAccountData("3.1001")->getAccountInfo());
-    QTest::mouseClick(p.refresh, Qt::LeftButton);
-    runtime.counter().push({p.compact("3.1001", "C1")});
-    runtime.counter().reply(p.requests() - 1, {p.compact("3.1001", "C2")});
+  const auto account = rdservice::TraderCenter::instance()->getDataCenter()->getAccountData("3.1001")->getAccountInfo();
+  for (int i = 0; i < ROUNDS; ++i) {
+    VN::CCompactsPanel panel(i, nullptr, 0);
+    VN::CCompactsPanel inner(i, nullptr, 1);
+    panel.show();
+    inner.show();
+    panel.requestAccount(*account);
+    inner.setAccount(account->getKey(), true, true);
+    for (VN::CCompactsPanel* each : {&panel, &inner})
+      QTest::mouseClick(each->findChild<VN::CCountDownButton*>(), Qt::LeftButton);
+    VN::CTradeClient::instance()->setLogin("3.1002", i % 2 == 0);
+    runtime.counter().push({kit::compact(account, "C" + std::to_string(i % 7), 1000 + i)});
+    const std::size_t requests = runtime.counter().held().size();
+    for (std::size_t n = requests - 2; n < requests; ++n) runtime.counter().reply(n, {kit::compact(account, "C2")});
+    if (i % 10 == 0) runtime.settle();
   }
   runtime.settle();
   CPanelUnderTest last(runtime);
-  EXPECT_EQ(last.accounts().size(), 3);
+  last.clickRefresh();
+  runtime.counter().reply(last.requests() - 1, {last.compact("3.1001", "C1")});
+  runtime.settle();
+  EXPECT_EQ(last.table->rowCount(), 1);
 }
 
 }  // namespace

@@ -1,0 +1,8 @@
+#include "appointment/CQueryAppointRespWrapper.h"
+
+namespace VN {
+
+CQueryAppointRespWrapper::CQueryAppointRespWrapper() = default;
+CQueryAppointRespWrapper::~CQueryAppointRespWrapper() = default;
+
+}  // namespace VN
