@@ -38,6 +38,7 @@ QString readPanels(const QJsonArray& panels, CDeskLayout& layout) {
     const CDeskLayout::CPanelKey panelKey{panel.value(key("type")).toString(), panel.value(key("id")).toString()};
     if (!layout.params.emplace(panelKey, panel.value(key("param")).toString()).second)
       return QStringLiteral("panels[%1] 与前面的面板重复").arg(i);
+    if (!panel.value(key("open")).toBool(true)) layout.closed.insert(panelKey);
   }
   return {};
 }
@@ -49,8 +50,11 @@ QByteArray layoutText(const CDeskLayout& layout) {
   for (const CBytesField& field : WINDOW_FIELDS)
     window.insert(key(field.key), QString::fromLatin1((layout.*field.bytes).toBase64()));
   QJsonArray panels;
-  for (const auto& [panel, param] : layout.params)
-    panels.append(QJsonObject{{key("type"), panel.first}, {key("id"), panel.second}, {key("param"), param}});
+  for (const auto& [panel, param] : layout.params) {
+    QJsonObject entry{{key("type"), panel.first}, {key("id"), panel.second}, {key("param"), param}};
+    if (layout.closed.count(panel) > 0) entry.insert(key("open"), false);
+    panels.append(entry);
+  }
   const QJsonObject all{
       {key("format"), formatName()}, {key("version"), VERSION}, {key("window"), window}, {key("panels"), panels}};
   return QJsonDocument(all).toJson();

@@ -4,6 +4,7 @@
 #include <QString>
 
 #include <map>
+#include <set>
 #include <utility>
 
 /// Where the desk's window and docks were and how its panels were set up, as the layout file keeps it.
@@ -13,6 +14,7 @@ struct CDeskLayout {
   QByteArray geometry;                  ///< `QWidget::saveGeometry`
   QByteArray state;                     ///< `QMainWindow::saveState`
   std::map<CPanelKey, QString> params;  ///< what each panel's `param` returned
+  std::set<CPanelKey> closed;           ///< those of `params` whose panels are not there
 };
 
 /// The file's text: JSON, the same for the same layout.

@@ -9,6 +9,7 @@
 #include <QMainWindow>
 #include <QSaveFile>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -42,6 +43,7 @@ void CLayoutKeeper::read() {
   } else {
     m_written = file.readAll();
     m_readProblem = readLayoutText(m_written, m_layout);
+    m_isRead = m_readProblem.isEmpty();
   }
 }
 
@@ -54,12 +56,35 @@ bool CLayoutKeeper::restore(std::vector<VN::ITradeDockableWidget*> panels, CRepo
     docksRestored = m_window.restoreState(m_layout.state, STATE_VERSION);
     if (!docksRestored) m_readProblem = QStringLiteral("window.state 不是停靠布局");
   }
-  for (VN::ITradeDockableWidget* panel : m_panels)
-    if (const auto param = m_layout.params.find(keyOf(*panel)); param != m_layout.params.end())
-      panel->setParam(param->second);
+  for (VN::ITradeDockableWidget* panel : m_panels) setParam(*panel);
   if (!m_readProblem.isEmpty()) keepAside(m_readProblem);
   startTimer(SAVE_PERIOD_MS);
   return docksRestored;
+}
+
+std::vector<CDeskLayout::CPanelKey> CLayoutKeeper::openPanels() const {
+  std::vector<CDeskLayout::CPanelKey> open;
+  for (const auto& [key, param] : m_layout.params)
+    if (m_layout.closed.count(key) == 0) open.push_back(key);
+  return open;
+}
+
+void CLayoutKeeper::setParam(VN::ITradeDockableWidget& panel) const {
+  const auto param = m_layout.params.find(keyOf(panel));
+  if (param != m_layout.params.end()) panel.setParam(param->second);
+}
+
+void CLayoutKeeper::addPanel(VN::ITradeDockableWidget& panel) {
+  setParam(panel);
+  m_panels.push_back(&panel);
+}
+
+void CLayoutKeeper::removePanel(VN::ITradeDockableWidget& panel) {
+  const auto gone = std::remove(m_panels.begin(), m_panels.end(), &panel);
+  if (gone == m_panels.end()) return;
+  m_panels.erase(gone, m_panels.end());
+  m_layout.params[keyOf(panel)] = panel.param();
+  m_layout.closed.insert(keyOf(panel));
 }
 
 /// `QMainWindow::saveState` writes the names of the docks as a QDataStream does.
@@ -85,7 +110,10 @@ void CLayoutKeeper::keepAside(const QString& why) {
 QByteArray CLayoutKeeper::presentText() {
   m_layout.geometry = m_window.saveGeometry();
   m_layout.state = m_window.saveState(STATE_VERSION);
-  for (const VN::ITradeDockableWidget* panel : m_panels) m_layout.params[keyOf(*panel)] = panel->param();
+  for (const VN::ITradeDockableWidget* panel : m_panels) {
+    m_layout.params[keyOf(*panel)] = panel->param();
+    m_layout.closed.erase(keyOf(*panel));
+  }
   return layoutText(m_layout);
 }
 

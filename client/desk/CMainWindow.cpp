@@ -6,25 +6,35 @@
 #include "CLogView.h"
 #include "CMessageView.h"
 #include "COrderTable.h"
-#include "CPanelHost.h"
+#include "CPanelDocks.h"
 #include "CPositionTable.h"
-#include "compacts/CCompactsPanel.h"
+#include "gw/widget_events.h"
 #include "runtime/CClientRuntime.h"
 #include "vn/CTradeClient.h"
 #include "vn/CUserConfig.h"
 
 #include <QCoreApplication>
 #include <QDockWidget>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QLayout>
 #include <QMenu>
 #include <QMenuBar>
+#include <QScreen>
 #include <QStatusBar>
 
 namespace {
 
 constexpr int METER_PERIOD_MS = 1000;
-constexpr int FIRST_PANEL_ID = 1;
+constexpr int BOTTOM_HEIGHT = 190;  // pixels, of messages and log at first
+
+/// Room for every view of a panel of compacts beside the broker's side, as far as the screen has it.
+QSize firstSize() {
+  constexpr QSize LEAST(1280, 760);
+  constexpr QSize BEST(1680, 960);
+  const QScreen* screen = QGuiApplication::primaryScreen();
+  return screen != nullptr ? screen->availableSize().boundedTo(BEST).expandedTo(LEAST) : LEAST;
+}
 
 QString loginText(const rdservice::CAccountInfo& account, rdservice::EBROKER_LOGIN_STATUS status,
                   const std::string& why) {
@@ -45,8 +55,10 @@ QString loginText(const rdservice::CAccountInfo& account, rdservice::EBROKER_LOG
 
 CMainWindow::CMainWindow(const QString& layoutFile) {
   setWindowTitle(QStringLiteral("融资融券交易台"));
-  resize(1280, 760);
+  resize(firstSize());
   setDockNestingEnabled(true);
+  m_panelMenu = menuBar()->addMenu(QStringLiteral("面板(&P)"));
+  m_panelMenu->setEnabled(false);
   m_viewMenu = menuBar()->addMenu(QStringLiteral("视图(&V)"));
   m_state = new QLabel(this);
   m_gap = new QLabel(this);
@@ -89,10 +101,10 @@ void CMainWindow::startClient(std::unique_ptr<runtime::CClientRuntime> client) {
 }
 
 void CMainWindow::addDocks() {
-  m_panel = new VN::CCompactsPanel(FIRST_PANEL_ID, this, 0);
-  new CPanelHost(m_panel);
-  QDockWidget* compacts =
-      addDock(QStringLiteral("compacts1"), m_panel->dockInfo().title, m_panel, Qt::TopDockWidgetArea);
+  m_panels = std::make_unique<CPanelDocks>(*this, m_layout.get());
+  m_panels->openKept();
+  m_panels->fillMenu(*m_panelMenu);
+  m_panelMenu->setEnabled(true);
   QDockWidget* broker = addDock(QStringLiteral("broker"), QStringLiteral("柜台"), new CBrokerPane(*m_client, this),
                                 Qt::TopDockWidgetArea);
   m_messages = new CMessageView(this);
@@ -108,16 +120,19 @@ void CMainWindow::addDocks() {
   log->raise();
 
   const bool isRestored =
-      m_layout && m_layout->restore({m_panel}, [this](const QString& text) { m_messages->addMessage(text); });
+      m_layout && m_layout->restore(m_panels->widgets(), [this](const QString& text) { m_messages->addMessage(text); });
   for (QDockWidget* dock : behindLog)
     if (isRestored && !m_layout->hasPlaceOf(dock->objectName())) tabifyDockWidget(log, dock);
+  for (const CPanelDocks::CPanel& panel : m_panels->panels())
+    if (isRestored && !m_layout->hasPlaceOf(panel.dock->objectName())) m_panels->place(panel.dock);
+  QDockWidget* top = m_panels->panels().empty() ? broker : m_panels->panels().front().dock;
   QMetaObject::invokeMethod(
       this,
-      [this, isRestored, compacts, broker, messages, log] {
+      [this, isRestored, top, broker, messages, log] {
         if (!isRestored) {
-          resizeDocks({compacts, messages}, {500, 190}, Qt::Vertical);
-          resizeDocks({compacts, broker}, {1280, 1}, Qt::Horizontal);  // the broker's side takes what it needs
-          resizeDocks({messages, log}, {360, 920}, Qt::Horizontal);
+          resizeDocks({top, messages}, {height(), BOTTOM_HEIGHT}, Qt::Vertical);
+          resizeDocks({top, broker}, {width(), 1}, Qt::Horizontal);  // the broker's side takes what it needs
+          resizeDocks({messages, log}, {width() * 2 / 7, width() * 5 / 7}, Qt::Horizontal);
           settleDocks();
         }
         m_meter.reset();
@@ -133,6 +148,14 @@ void CMainWindow::settleDocks() {
     layout()->invalidate();
     layout()->activate();
   }
+}
+
+VN::CCompactsPanel* CMainWindow::panel() const { return m_panels ? m_panels->firstCompacts() : nullptr; }
+
+bool CMainWindow::handleEvent(int type, int, int, QString, void*) {
+  if (type != GW::EventCompactMode) return false;
+  m_panels->tellCompactMode();
+  return true;
 }
 
 void CMainWindow::listenToClient() {

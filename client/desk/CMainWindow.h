@@ -1,5 +1,6 @@
 #pragma once
 
+#include "gw/IEventReceiver.h"
 #include "utils/CEventLoopMeter.h"
 
 #include <QMainWindow>
@@ -8,6 +9,7 @@
 
 class CLayoutKeeper;
 class CMessageView;
+class CPanelDocks;
 class QDockWidget;
 class QLabel;
 class QMenu;
@@ -19,9 +21,9 @@ namespace VN {
 class CCompactsPanel;
 }
 
-/// The desk's window: docks the compacts panel beside the broker's side, below them messages, log, positions, orders
-/// and baskets. Empty until a client runs.
-class CMainWindow : public QMainWindow {
+/// The desk's window: docks the panels beside the broker's side, below them messages, log, positions, orders and
+/// baskets. Empty until a client runs.
+class CMainWindow : public QMainWindow, public GW::IEventReceiver {
  public:
   /// `layoutFile` keeps where window and docks are; empty: they are where they are at first, and nothing is kept.
   explicit CMainWindow(const QString& layoutFile = QString());
@@ -33,7 +35,9 @@ class CMainWindow : public QMainWindow {
   /// Docks the panels on a running client, which the window owns from now on, and starts it.
   void startClient(std::unique_ptr<runtime::CClientRuntime> client);
 
-  VN::CCompactsPanel* panel() const { return m_panel; }
+  CPanelDocks& panels() const { return *m_panels; }
+  /// The first panel of compacts; null when there is none.
+  VN::CCompactsPanel* panel() const;
   runtime::CClientRuntime& client() const { return *m_client; }
   /// Longest time that the event loop did not turn since the panels were docked or `restartMeter`,
   /// milliseconds.
@@ -42,6 +46,9 @@ class CMainWindow : public QMainWindow {
   void restartMeter() { m_meter.reset(); }
   /// Why the counter could not be used; empty while it can.
   const QString& startFailure() const { return m_startFailure; }
+
+  /// What the panels tell their host.
+  bool handleEvent(int type, int p1, int p2, QString text, void* data) override;
 
  protected:
   void timerEvent(QTimerEvent* event) override;
@@ -53,9 +60,10 @@ class CMainWindow : public QMainWindow {
   void listenToClient();
 
   std::unique_ptr<runtime::CClientRuntime> m_client;  ///< outlives the panels, which the destructor deletes first
-  VN::CCompactsPanel* m_panel = nullptr;
   CMessageView* m_messages = nullptr;
   std::unique_ptr<CLayoutKeeper> m_layout;
+  std::unique_ptr<CPanelDocks> m_panels;
+  QMenu* m_panelMenu = nullptr;
   QMenu* m_viewMenu = nullptr;
   QString m_startFailure;
   QLabel* m_state = nullptr;

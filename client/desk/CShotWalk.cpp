@@ -1,16 +1,22 @@
 #include "CShotWalk.h"
 
 #include "CMainWindow.h"
+#include "CPanelDocks.h"
+#include "orderpanel/COrderPanel.h"
+#include "orderpanel/order_panel_ids.h"
+
 #include "compacts/CCompactsPanel.h"
 #include "compacts/panel_ids.h"
 #include "gw/CBaseHighPerformanceTable.h"
 #include "gw/controls.h"
 #include "vn/CCountDownButton.h"
 
+#include <QAbstractScrollArea>
 #include <QApplication>
 #include <QCheckBox>
 #include <QDir>
 #include <QDockWidget>
+#include <QMouseEvent>
 #include <QPixmap>
 #include <QTableWidget>
 
@@ -31,13 +37,30 @@ struct CViewStep {
 };
 
 constexpr CViewStep VIEWS[] = {
-    {VN::ViewClosed, "closed"},
-    {VN::ViewChanges, "changes"},
-    {VN::ViewStatistics, "statistics"},
-    {VN::ViewUnclosed, nullptr},
+    {VN::ViewClosed, "closed"},       {VN::ViewChanges, "changes"}, {VN::ViewStatistics, "statistics"},
+    {VN::ViewPriority, "priorities"}, {VN::ViewUnclosed, nullptr},
 };
 
+struct CSideStep {
+  EPanelSide side;
+  const char* picture;
+};
+
+constexpr CSideStep SIDES[] = {{SideRight, "order-panel-right"}, {SideBottom, "order-panel-below"}};
+constexpr QSize PICTURE_SIZE(1680, 960);
+constexpr QPoint FIRST_ROW(150, 10);  // of a table's viewport, behind the select column
+
 constexpr const char* DOCKS[] = {"positions", "orders", "baskets"};
+
+void doubleClick(QWidget* widget, const QPoint& place) {
+  const QPoint onScreen = widget->mapToGlobal(place);
+  for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick,
+                                  QEvent::MouseButtonRelease}) {
+    const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+    QMouseEvent event(type, place, onScreen, Qt::LeftButton, held, Qt::NoModifier);
+    QApplication::sendEvent(widget, &event);
+  }
+}
 
 }  // namespace
 
@@ -46,6 +69,7 @@ CShotWalk::CShotWalk(CMainWindow& window, const QString& folder, QObject* parent
   const auto combo = [this] {
     return m_window.panel() != nullptr ? m_window.panel()->findChild<GW::CComboBox*>() : nullptr;
   };
+  m_window.resize(PICTURE_SIZE);
   m_steps.push_back({nextPicture("start"), [] {}, [combo] { return combo() != nullptr && combo()->count() > 0; }});
   m_steps.push_back({QString(), [this] { addAccountSteps(); }, [] { return true; }});
   m_waited.start();
@@ -64,16 +88,17 @@ void CShotWalk::addAccountSteps() {
   addPushSteps(nextPicture("pushes"));
   addViewSteps();
   addDockSteps();
+  addOrderPanelSteps();
 }
 
 QString CShotWalk::nextPicture(const char* name) {
   return QStringLiteral("%1-%2").arg(++m_pictures, 2, 10, QLatin1Char('0')).arg(QString::fromLatin1(name));
 }
 
-bool CShotWalk::isPanelUpToDate() const {
-  const auto widgets = m_window.panel()->findChildren<QWidget*>();
-  return std::all_of(widgets.begin(), widgets.end(), [](QWidget* widget) {
-    const auto* table = dynamic_cast<GW::CBaseHighPerformanceTable*>(widget);
+bool CShotWalk::isUpToDate(const QWidget& widget) {
+  const auto widgets = widget.findChildren<QWidget*>();
+  return std::all_of(widgets.begin(), widgets.end(), [](QWidget* child) {
+    const auto* table = dynamic_cast<GW::CBaseHighPerformanceTable*>(child);
     return table == nullptr || !table->isVisible() || table->isUpToDate();
   });
 }
@@ -84,7 +109,7 @@ void CShotWalk::addViewSteps() {
     auto* button = group->button(step.view);
     if (button == nullptr) continue;  // the user has no right to it
     m_steps.push_back({step.picture != nullptr ? nextPicture(step.picture) : QString(), [button] { button->click(); },
-                       [this] { return m_waited.elapsed() > LOOK_MS && isPanelUpToDate(); }});
+                       [this] { return m_waited.elapsed() > LOOK_MS && isUpToDate(*m_window.panel()); }});
   }
 }
 
@@ -98,6 +123,29 @@ void CShotWalk::addDockSteps() {
                        },
                        [this] { return m_waited.elapsed() > CHOICE_MS; }});
   }
+}
+
+/// An order panel whose compacts are asked for; the first of them is double-clicked.
+void CShotWalk::addOrderPanelSteps() {
+  const auto panel = [this]() -> COrderPanel* {
+    for (const CPanelDocks::CPanel& open : m_window.panels().panels())
+      if (auto* orders = dynamic_cast<COrderPanel*>(open.panel)) return orders;
+    return nullptr;
+  };
+  const auto looked = [this, panel] { return m_waited.elapsed() > LOOK_MS && isUpToDate(*panel()); };
+  m_steps.push_back(
+      {QString(), [this] { m_window.panels().open(QString::fromLatin1(COrderPanel::TYPE_KEY)); }, looked});
+  m_steps.push_back({QString(), [panel] { panel()->findChild<VN::CCountDownButton*>()->click(); }, looked});
+  m_steps.push_back({QString(),
+                     [panel] {
+                       auto* table = panel()->findChild<QWidget*>(QStringLiteral("compactsTable0"));
+                       doubleClick(table->findChild<QAbstractScrollArea*>()->viewport(), FIRST_ROW);
+                     },
+                     looked});
+  for (const CSideStep& step : SIDES)
+    m_steps.push_back(
+        {nextPicture(step.picture),
+         [panel, side = step.side] { panel()->compacts().slotTableLayoutClicked(false, side, QString()); }, looked});
 }
 
 void CShotWalk::addChoice(int account) {

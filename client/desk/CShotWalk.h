@@ -8,6 +8,7 @@
 #include <vector>
 
 class CMainWindow;
+class QWidget;
 
 /// Walks through the desk's views by itself, as a user would, and saves a picture of each: the run without a display.
 /// Ends the application; its exit code is 1 when a step did not come about in time.
@@ -32,8 +33,9 @@ class CShotWalk : public QObject {
   void addPushSteps(const QString& picture);
   void addViewSteps();
   void addDockSteps();
-  /// Whether the compacts panel's visible tables show everything that has arrived.
-  bool isPanelUpToDate() const;
+  void addOrderPanelSteps();
+  /// Whether the widget's visible tables show everything that has arrived.
+  static bool isUpToDate(const QWidget& widget);
   QString nextPicture(const char* name);
   bool save(const QString& picture);
   void finish(int exitCode);

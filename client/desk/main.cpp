@@ -35,6 +35,7 @@ void openClient(CMainWindow& window, const CDeskOptions& options, const QString&
   paths.configFolder = options.config.toStdString();
   paths.database = database.toStdString();
   paths.basketFile = QDir(options.data).filePath(QStringLiteral("baskets.json")).toStdString();
+  paths.choicesFile = QDir(options.data).filePath(QStringLiteral("choices.json")).toStdString();
   paths.logFile = QDir(options.data).filePath(QStringLiteral("desk.log")).toStdString();
   std::vector<std::string> errors;
   std::unique_ptr<CClientRuntime> client = CClientRuntime::open(paths, errors);

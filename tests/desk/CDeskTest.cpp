@@ -13,6 +13,7 @@
 #include <QDir>
 #include <QDockWidget>
 #include <QFile>
+#include <QMenuBar>
 #include <QTableWidget>
 #include <QTest>
 
@@ -74,17 +75,33 @@ void DeskTest::refresh(int rows) {
   ASSERT_TRUE(waitUntil([this, rows] { return m_combo->isEnabled() && m_table->rowCount() == rows; }));
 }
 
-QWidget* DeskTest::findControl(const QString& accessibleName) const {
-  const auto widgets = m_window->findChildren<QWidget*>();
+const QWidget& DeskTest::windowWidget() const { return *m_window; }
+
+QWidget* DeskTest::findControl(const QWidget& parent, const QString& accessibleName) {
+  const auto widgets = parent.findChildren<QWidget*>();
   for (QWidget* widget : widgets)
     if (widget->accessibleName() == accessibleName) return widget;
   return nullptr;
 }
 
+QDockWidget* DeskTest::dock(const char* name) const {
+  return m_window->findChild<QDockWidget*>(QString::fromLatin1(name));
+}
+
+QWidget* DeskTest::openPanel(const char* menuText) {
+  const auto docks = m_window->findChildren<QDockWidget*>();
+  const auto actions = m_window->menuBar()->findChildren<QAction*>();
+  for (QAction* action : actions)
+    if (action->text() == QString::fromUtf8(menuText)) action->trigger();
+  const auto now = m_window->findChildren<QDockWidget*>();
+  for (QDockWidget* dock : now)
+    if (!docks.contains(dock)) return dock->widget();
+  return nullptr;
+}
+
 void DeskTest::raise(const char* dockName) {
-  auto* dock = m_window->findChild<QDockWidget*>(QString::fromLatin1(dockName));
-  dock->show();
-  dock->raise();
+  dock(dockName)->show();
+  dock(dockName)->raise();
 }
 
 void DeskTest::chooseAtBroker(const char* key) {

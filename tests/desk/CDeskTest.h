@@ -14,6 +14,7 @@
 #include <vector>
 
 class CMainWindow;
+class QDockWidget;
 class QWidget;
 
 namespace GW {
@@ -52,8 +53,16 @@ class DeskTest : public testing::Test {
   /// The widget of the class and accessible name.
   template <class Widget>
   Widget* control(const char* accessibleName) const {
-    return dynamic_cast<Widget*>(findControl(QString::fromUtf8(accessibleName)));
+    return dynamic_cast<Widget*>(findControl(windowWidget(), QString::fromUtf8(accessibleName)));
   }
+  template <class Widget>
+  static Widget* controlIn(const QWidget& parent, const char* accessibleName) {
+    return dynamic_cast<Widget*>(findControl(parent, QString::fromUtf8(accessibleName)));
+  }
+  /// Null when there is none of that object name.
+  QDockWidget* dock(const char* name) const;
+  /// Opens a panel by its entry in the menu and returns the panel, null when none was opened.
+  QWidget* openPanel(const char* menuText);
   /// Brings the dock of that object name to the front.
   void raise(const char* dockName);
   /// Chooses one account in the broker's pane.
@@ -73,5 +82,6 @@ class DeskTest : public testing::Test {
   VN::CCompactsTable* m_table = nullptr;
 
  private:
-  QWidget* findControl(const QString& accessibleName) const;
+  const QWidget& windowWidget() const;
+  static QWidget* findControl(const QWidget& parent, const QString& accessibleName);
 };

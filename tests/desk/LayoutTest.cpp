@@ -165,7 +165,6 @@ TEST(Layout, AFileThatCannotBeWrittenIsReportedOnce) {
 
 TEST_F(DeskTest, ComesBackAsItWasLeft) {
   const QString path = m_folder.filePath(QStringLiteral("layout.json"));
-  const auto dock = [this](const char* name) { return m_window->findChild<QDockWidget*>(QString::fromLatin1(name)); };
   open(path);
   const QString first = m_window->panel()->param();
   m_table->setColumnWidth(1, 321);

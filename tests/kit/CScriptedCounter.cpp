@@ -144,8 +144,9 @@ void CScriptedCounter::reply(std::size_t number, const std::vector<IDataPtr>& re
   call([reply = replyOf(number), fresh, extra] { reply({}, fresh, extra); });
 }
 
-void CScriptedCounter::fail(std::size_t number, int code, const std::string& text) {
-  call([reply = replyOf(number), error = utils::RDError(code, text)] { reply(error, {}, {}); });
+void CScriptedCounter::fail(std::size_t number, int code, const std::string& text,
+                            const std::vector<IDataPtr>& records) {
+  call([reply = replyOf(number), error = utils::RDError(code, text), records] { reply(error, records, {}); });
 }
 
 void CScriptedCounter::push(const std::vector<IDataPtr>& records) {

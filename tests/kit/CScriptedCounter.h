@@ -35,7 +35,8 @@ class CScriptedCounter final : public counter::ICounter {
 
   /// Answers a held request; again for a duplicate.
   void reply(std::size_t number, const std::vector<rdservice::IDataPtr>& records, const bson::BSONObj& extra = {});
-  void fail(std::size_t number, int code, const std::string& text);
+  void fail(std::size_t number, int code, const std::string& text,
+            const std::vector<rdservice::IDataPtr>& records = {});
   void push(const std::vector<rdservice::IDataPtr>& records);
   void setLogin(const std::string& accountKey, rdservice::EBROKER_LOGIN_STATUS status);
 

@@ -1,5 +1,6 @@
 // The shipped module: what it exports, and that it works on the shipped client library.
 
+#include "appointment/CQueryAppointmentInfoPanel.h"
 #include "compacts/CCompactsPanel.h"
 #include "runtime/CClientRuntime.h"
 #include "vn/CTradeClient.h"
@@ -14,22 +15,27 @@
 
 namespace {
 
-TEST(Module, ExportsTheEntryClassAndNothingElse) {
+TEST(Module, ExportsTheEntryClassesAndNothingElse) {
   if (std::string(PC_SANITIZE) != "") GTEST_SKIP() << "sanitizers add symbols of their own";
   QProcess nm;
   nm.start(QStringLiteral("nm"),
            {QStringLiteral("-DC"), QStringLiteral("--defined-only"), QStringLiteral(MODULE_FILE)});
   ASSERT_TRUE(nm.waitForFinished()) << "nm did not run";
-  int entries = 0;
+  constexpr const char* CONSTRUCTORS[] = {"VN::CCompactsPanel::CCompactsPanel(int, QWidget*, int)",
+                                          "VN::CQueryAppointmentInfoPanel::CQueryAppointmentInfoPanel(int, QWidget*)"};
+  bool hasEntry[] = {false, false};
   const QStringList lines = QString::fromUtf8(nm.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
   for (const QString& line : lines) {
-    EXPECT_TRUE(line.contains(QStringLiteral("VN::CCompactsPanel"))) << line.toStdString();
-    if (line.contains(QStringLiteral("VN::CCompactsPanel::CCompactsPanel(int, QWidget*, int)"))) ++entries;
+    EXPECT_TRUE(line.contains(QStringLiteral("VN::CCompactsPanel")) ||
+                line.contains(QStringLiteral("VN::CQueryAppointmentInfoPanel")))
+        << line.toStdString();
+    for (int i = 0; i < 2; ++i)
+      if (line.contains(QLatin1String(CONSTRUCTORS[i]))) hasEntry[i] = true;
   }
-  EXPECT_GE(entries, 1);
+  EXPECT_TRUE(hasEntry[0] && hasEntry[1]);
 }
 
-TEST(Module, PanelRunsOnTheClientLibrary) {
+TEST(Module, PanelsRunOnTheClientLibrary) {
   QTemporaryDir folder;
   for (const char* name : {"broker.toml", "user.toml", "rights.toml", "counter.toml"}) {
     QFile file(folder.filePath(QLatin1String(name)));
@@ -47,6 +53,8 @@ TEST(Module, PanelRunsOnTheClientLibrary) {
   EXPECT_EQ(dynamic_cast<const VN::CCompactsPanel*>(object), panel.get());
   EXPECT_EQ(qobject_cast<const VN::CTradeClient*>(VN::CTradeClient::instance()), VN::CTradeClient::instance());
   EXPECT_FALSE(panel->param().isEmpty());
+  const VN::CQueryAppointmentInfoPanel appointments(2, nullptr);
+  EXPECT_EQ(appointments.param(), QStringLiteral("||0"));
 }
 
 }  // namespace
