@@ -2,6 +2,7 @@
 
 #include "CLayoutKeeper.h"
 #include "CPanelHost.h"
+#include "appointment/CQueryAppointmentInfoPanel.h"
 #include "compacts/CCompactsPanel.h"
 #include "compacts/panel_ids.h"
 #include "orderpanel/COrderPanel.h"
@@ -44,6 +45,12 @@ VN::ITradeDockableWidget* makeCompacts(int number, QWidget* parent) {
   return panel;
 }
 
+VN::ITradeDockableWidget* makeAppointments(int number, QWidget* parent) {
+  auto* panel = new VN::CQueryAppointmentInfoPanel(number, parent);
+  new CPanelHost(panel);
+  return panel;
+}
+
 VN::ITradeDockableWidget* makeOrderPanel(int number, QWidget* parent) { return new COrderPanel(number, parent); }
 
 }  // namespace
@@ -58,6 +65,7 @@ struct CPanelDocks::CKind {
 const CPanelDocks::CKind CPanelDocks::KINDS[] = {
     {COMPACTS_TYPE, "compacts", "新建融资融券合约面板", &makeCompacts},
     {COrderPanel::TYPE_KEY, "orderPanel", "新建下单面板", &makeOrderPanel},
+    {"crdaq", "appointments", "新建预约展期面板", &makeAppointments},
 };
 
 CPanelDocks::CPanelDocks(QMainWindow& window, CLayoutKeeper* keeper) : m_window(window), m_keeper(keeper) {}

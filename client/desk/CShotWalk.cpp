@@ -89,6 +89,7 @@ void CShotWalk::addAccountSteps() {
   addViewSteps();
   addDockSteps();
   addOrderPanelSteps();
+  addAppointmentStep();
 }
 
 QString CShotWalk::nextPicture(const char* name) {
@@ -146,6 +147,11 @@ void CShotWalk::addOrderPanelSteps() {
     m_steps.push_back(
         {nextPicture(step.picture),
          [panel, side = step.side] { panel()->compacts().slotTableLayoutClicked(false, side, QString()); }, looked});
+}
+
+void CShotWalk::addAppointmentStep() {
+  m_steps.push_back({nextPicture("appointments"), [this] { m_window.panels().open(QStringLiteral("crdaq")); },
+                     [this] { return m_waited.elapsed() > LOOK_MS && isUpToDate(m_window); }});
 }
 
 void CShotWalk::addChoice(int account) {

@@ -34,6 +34,7 @@ class CShotWalk : public QObject {
   void addViewSteps();
   void addDockSteps();
   void addOrderPanelSteps();
+  void addAppointmentStep();
   /// Whether the widget's visible tables show everything that has arrived.
   static bool isUpToDate(const QWidget& widget);
   QString nextPicture(const char* name);

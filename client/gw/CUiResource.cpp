@@ -54,6 +54,7 @@ constexpr CColorRow COLORS[] = {
     {"clr_table_idle_mark", 0xff9aa5b1, 0xff6c7885},
     {"clr_table_sums", 0xfff3f1e6, 0xff2b2a22},
     {"clr_table_sums_text", 0xff1f2a36, 0xffe3dcc0},
+    {"clr_control_rim", 0xffdfe5ec, 0xff8d9aa8},
     {"clr_table_control_border", 0xffb4bfcc, 0xff5c6874},  // check boxes, radio buttons, cells that one types into
     {"clr_table_control_background", 0xffffffff, 0xff14181c},
     {"clr_table_control_accent", 0xff1a66c8, 0xff3d86dc},
@@ -210,6 +211,10 @@ void setUiTheme(EUiTheme wanted) {
   for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
     palette.setColor(QPalette::Disabled, role, CUiResource::getColor(QStringLiteral("clr_table_disabled_text")));
   QApplication::setPalette(palette);
+  // The style draws the rims of these in a darker shade of the window, which a dark one hides.
+  QPalette rims = palette;
+  rims.setColor(QPalette::Window, CUiResource::getColor(QStringLiteral("clr_control_rim")));
+  for (const char* control : {"QRadioButton", "QCheckBox"}) QApplication::setPalette(rims, control);
   notifyUiResourceChanged();
 }
 
