@@ -21,6 +21,7 @@ constexpr int BEEP_PERIOD_MS = 400;
 CMessageView::CMessageView(QWidget* parent) : QListWidget(parent) {
   setAccessibleName(QStringLiteral("消息"));
   setAlternatingRowColors(true);
+  setUniformItemSizes(true);
   m_subscription =
       VN::CMsgService::subscribe([this](const VN::CMsgService::CMessage& message) { showMessage(message); });
 }
@@ -29,22 +30,35 @@ CMessageView::~CMessageView() { delete m_box.data(); }
 
 void CMessageView::addMessage(const QString& text) {
   addItem(QTime::currentTime().toString(QStringLiteral("HH:mm:ss  ")) + text);
-  if (count() > SHOWN_MESSAGES) delete takeItem(0);
-  scrollToBottom();
+  settleSoon();
 }
 
 void CMessageView::showMessage(const VN::CMsgService::CMessage& message) {
   addMessage(message.text);
   if (message.level == VN::CMsgService::LevelError)
     item(count() - 1)->setIcon(style()->standardIcon(QStyle::SP_MessageBoxWarning));
-  if (message.isPopup) popUp(message);
-  if (!message.hasSound) return;
-  for (int i = 0; i < std::min(message.times, MOST_BEEPS); ++i)
-    QTimer::singleShot(i * BEEP_PERIOD_MS, this, [] { QApplication::beep(); });
+  if (message.isPopup) m_popUps.push_back(message);
+  if (m_popUps.size() > LINES_OF_BOX) m_popUps.removeFirst();
+  if (message.hasSound) m_beeps = std::clamp(message.times, m_beeps, MOST_BEEPS);
 }
 
-/// A message that comes while the box is open joins the former ones in it.
-void CMessageView::popUp(const VN::CMsgService::CMessage& message) {
+void CMessageView::settleSoon() {
+  if (m_isSettling) return;
+  m_isSettling = true;
+  QTimer::singleShot(0, this, [this] { settle(); });
+}
+
+void CMessageView::settle() {
+  m_isSettling = false;
+  if (count() > SHOWN_MESSAGES) model()->removeRows(0, count() - SHOWN_MESSAGES);
+  scrollToBottom();
+  for (int i = 0; i < m_beeps; ++i) QTimer::singleShot(i * BEEP_PERIOD_MS, this, [] { QApplication::beep(); });
+  m_beeps = 0;
+  if (!m_popUps.isEmpty()) popUp();
+}
+
+/// Messages that come while the box is open join the former ones in it.
+void CMessageView::popUp() {
   QStringList lines;
   if (m_box && m_box->isVisible()) {
     lines = m_box->text().split(QLatin1Char('\n'));
@@ -55,11 +69,14 @@ void CMessageView::popUp(const VN::CMsgService::CMessage& message) {
     m_box->addButton(QStringLiteral("关闭"), QMessageBox::AcceptRole);
     m_box->setModal(false);
   }
-  lines += message.text.split(QLatin1Char('\n'));
-  const bool isError = message.level == VN::CMsgService::LevelError;
-  if (isError || m_box->icon() == QMessageBox::NoIcon)
-    m_box->setIcon(isError ? QMessageBox::Warning : QMessageBox::Information);
-  m_box->setWindowTitle(message.title.isEmpty() ? QStringLiteral("消息") : message.title);
+  for (const VN::CMsgService::CMessage& message : qAsConst(m_popUps)) {
+    lines += message.text.split(QLatin1Char('\n'));
+    const bool isError = message.level == VN::CMsgService::LevelError;
+    if (isError || m_box->icon() == QMessageBox::NoIcon)
+      m_box->setIcon(isError ? QMessageBox::Warning : QMessageBox::Information);
+    m_box->setWindowTitle(message.title.isEmpty() ? QStringLiteral("消息") : message.title);
+  }
+  m_popUps.clear();
   m_box->setText(QStringList(lines.mid(std::max(0, lines.size() - LINES_OF_BOX))).join(QLatin1Char('\n')));
   m_box->show();
 }

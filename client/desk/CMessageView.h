@@ -2,6 +2,7 @@
 
 #include "vn/CMsgService.h"
 
+#include <QList>
 #include <QListWidget>
 #include <QPointer>
 
@@ -17,8 +18,14 @@ class CMessageView : public QListWidget {
 
  private:
   void showMessage(const VN::CMsgService::CMessage& message);
-  void popUp(const VN::CMsgService::CMessage& message);
+  void settleSoon();
+  void settle();
+  void popUp();
 
   QPointer<QMessageBox> m_box;  ///< at most one; deletes itself when it is closed
+  /// What waits for `settle`: messages come by the thousand, and what makes room and noise for them comes once.
+  QList<VN::CMsgService::CMessage> m_popUps;
+  int m_beeps = 0;
+  bool m_isSettling = false;
   utils::CSubscriptionPtr m_subscription;
 };

@@ -22,12 +22,18 @@ CPanelHost::CPanelHost(VN::ITradeDockableWidget* panel) : QObject(panel), m_pane
 CPanelHost::~CPanelHost() = default;
 
 void CPanelHost::onLoginStatus(const rdservice::CAccountInfoPtr& account) {
-  if (account) m_panel->requestAccount(*account);
+  if (!account) return;
+  if (QString::fromStdString(account->getKey()) == m_requested) m_requested.clear();
+  m_panel->requestAccount(*account);
 }
 
 void CPanelHost::requestShownAccount() {
   const auto combos = m_panel->findChildren<GW::CComboBox*>();
-  for (const GW::CComboBox* combo : combos)
-    if (const VN::CAccountPtr account = VN::getUserConfig()->getAccountData(combo->currentKey()))
-      m_panel->requestAccount(*account);
+  for (const GW::CComboBox* combo : combos) {
+    const QString key = combo->currentKey();
+    const VN::CAccountPtr account = VN::getUserConfig()->getAccountData(key);
+    if (!account || key == m_requested) continue;
+    m_requested = key;
+    m_panel->requestAccount(*account);
+  }
 }

@@ -4,6 +4,7 @@
 #include "rdservice/rdservice_enums.h"
 
 #include <QObject>
+#include <QString>
 
 namespace VN {
 class ITradeDockableWidget;
@@ -21,4 +22,5 @@ class CPanelHost : public QObject {
   void requestShownAccount();
 
   VN::ITradeDockableWidget* m_panel;
+  QString m_requested;  ///< account asked for last; one that is still shown is not asked for again
 };

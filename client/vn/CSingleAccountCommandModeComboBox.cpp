@@ -12,7 +12,7 @@ const QString DIRECT_KEY = QStringLiteral("direct");
 }  // namespace
 
 CSingleAccountCommandModeComboBox::CSingleAccountCommandModeComboBox(int id, QWidget* parent) : CComboBox(id, parent) {
-  beginRefill();  // a box that has just been made has nothing to report
+  beginRefill();
   addItem(QStringLiteral("下单前确认"), CONFIRMED_KEY);
   addItem(QStringLiteral("直接下单"), DIRECT_KEY);
   setAccessibleName(QStringLiteral("下单方式"));

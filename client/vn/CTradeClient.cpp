@@ -76,6 +76,12 @@ std::size_t entriesOf(const rdservice::CSetCreditRepayPriorityReq& request) {
   return most;
 }
 
+bool isGone(rdservice::EBROKER_LOGIN_STATUS status) {
+  return status == rdservice::LoginStatusLoggedOut || status == rdservice::LoginStatusFailed;
+}
+
+utils::RDError goneError() { return {utils::RDError::NoAccount, "资金账号已退出登录"}; }
+
 }  // namespace
 
 struct CTradeClient::Private : counter::ICounterSink {
@@ -93,6 +99,8 @@ struct CTradeClient::Private : counter::ICounterSink {
   void takeAccounts(const std::vector<IDataPtr>& records);
   void queryCompacts(int dataType, const rdservice::CQueryCompactReqV2Ptr& request, CCompactReply reply);
   rdservice::CAccountInfoPtr accountOfKey(const std::string& accountKey) const;
+  /// Whether the account has logged out or lost its connection: what was asked before must not come back.
+  bool hasGone(const std::string& accountKey) const;
   /// A copy of the request, unless it names no account.
   template <class Request>
   void sendForAccount(const boost::shared_ptr<Request>& request, counter::CCounterReply reply);
@@ -145,8 +153,9 @@ void CTradeClient::Private::queryCompacts(int dataType, const rdservice::CQueryC
   sent->dataType = dataType;
   const std::uint64_t mark = markOf(sent->accountKey);
   requests.send(sent,
-                [mark, reply = std::move(reply)](const utils::RDError& error, const std::vector<IDataPtr>& records,
-                                                 const bson::BSONObj& extra) {
+                [this, mark, account = sent->accountKey, reply = std::move(reply)](
+                    const utils::RDError& error, const std::vector<IDataPtr>& records, const bson::BSONObj& extra) {
+                  if (error.isSuccess() && hasGone(account)) return reply(goneError(), {}, 0, extra);
                   rdservice::noteMark(records, mark);
                   reply(error, records, 0, extra);
                 });
@@ -159,8 +168,11 @@ void CTradeClient::queryData(const rdservice::CQueryDataReqPtr& request, CDataRe
   m_d->requests.send(
       sent, [this, accountKey, mark, dataType = sent->dataType, reply = std::move(reply)](
                 const utils::RDError& error, const std::vector<IDataPtr>& records, const bson::BSONObj& extra) {
-        if (isKept(dataType)) m_d->takeData(accountKey, mark, dataType, error, records);
-        if (reply) reply(error, records, extra);
+        const bool isLate = error.isSuccess() && isCompactType(dataType) && m_d->hasGone(accountKey);
+        const utils::RDError outcome = isLate ? goneError() : error;
+        const std::vector<IDataPtr> taken = isLate ? std::vector<IDataPtr>() : records;
+        if (isKept(dataType)) m_d->takeData(accountKey, mark, dataType, outcome, taken);
+        if (reply) reply(outcome, taken, extra);
       });
 }
 
@@ -262,9 +274,15 @@ void CTradeClient::Private::onLoginStatus(const std::string& accountKey, rdservi
     account = found->second;
     loginStatus[accountKey] = status;
   }
-  if (status == rdservice::LoginStatusLoggedOut) dropCompacts(accountKey);
+  if (isGone(status)) dropCompacts(accountKey);
   Q_EMIT q->sigLoginStatus(account, status, text);
   if (rdservice::isLoginStatusReady(status)) fetchAccount(account);
+}
+
+bool CTradeClient::Private::hasGone(const std::string& accountKey) const {
+  const utils::CMutexLock lock(mutex);
+  const auto found = loginStatus.find(accountKey);
+  return found != loginStatus.end() && isGone(found->second);
 }
 
 /// Nothing keeps the compacts of an account up to date that is not logged in.

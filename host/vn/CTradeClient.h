@@ -25,7 +25,8 @@ namespace VN {
 /// The client's connection to its counter. Requests may be made from any thread.
 ///
 /// When an account has logged in, the client fetches its positions, statistics and orders into the account's store, and
-/// subscribes to the quotes of every instrument. When it logs out, its compacts are dropped from the store.
+/// subscribes to the quotes of every instrument. When it has logged out or lost its
+/// connection, its compacts are dropped from the store, and answers to compact queries made before become errors.
 ///
 /// Every request is answered exactly once: by the counter's first reply, by a time-out error when the counter is
 /// silent (`RDError::TimedOut`), or by `RDError::Stopped` when the client ends. Replies are called on a service

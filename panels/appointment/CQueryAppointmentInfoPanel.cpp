@@ -59,8 +59,10 @@ QString typeKeyText() { return QStringLiteral("crdaq"); }
 /// The date as eight digits: year, month, day.
 int digitsOf(const QDate& date) { return (date.year() * 100 + date.month()) * 100 + date.day(); }
 
-void showTip(QWidget* edit, const QString& text) {
-  GW::CMessageTip::showTip(edit, GW::CMessageTip::Below, text, GW::CMessageTip::Warning, TIP_SECONDS, TIP_WIDTH);
+/// Beside the edit, or beside `otherwise` where the bar had no room for it.
+void showTip(QWidget* edit, QWidget* otherwise, const QString& text) {
+  GW::CMessageTip::showTip(edit->isVisible() ? edit : otherwise, GW::CMessageTip::Below, text, GW::CMessageTip::Warning,
+                           TIP_SECONDS, TIP_WIDTH);
 }
 
 }  // namespace
@@ -224,11 +226,11 @@ void CQueryAppointmentInfoPanel::initAccountCombobox() {
 
 bool CQueryAppointmentInfoPanel::hasValidDates() const {
   if (m_startEdit->text().isEmpty())
-    showTip(m_startEdit, QStringLiteral("请选择起始日期!"));
+    showTip(m_startEdit, m_toolbar, QStringLiteral("请选择起始日期!"));
   else if (m_endEdit->text().isEmpty())
-    showTip(m_endEdit, QStringLiteral("请选择终止日期!"));
+    showTip(m_endEdit, m_toolbar, QStringLiteral("请选择终止日期!"));
   else if (m_startEdit->date() > m_endEdit->date())
-    showTip(m_endEdit, QStringLiteral("终止日期不能小于起始日期!"));
+    showTip(m_endEdit, m_toolbar, QStringLiteral("终止日期不能小于起始日期!"));
   else
     return true;
   return false;
@@ -303,7 +305,7 @@ void CQueryAppointmentInfoPanel::doRenewAppointmentInfo() {
   if (!panel || answer != QMessageBox::Yes) return;
   for (const rdservice::IDataPtr& record : checked) {
     const auto compact = boost::dynamic_pointer_cast<StockSMTQueryAppointmentInfoResp>(record);
-    if (!compact) continue;
+    if (!compact || !m_table->getDataByKey(compact->getKey())) continue;  // gone while the user was asked
     const auto apply = boost::make_shared<rdservice::CCreditCompactRenewalApply>();
     apply->accountInfo = compact->accountInfo;
     apply->compactNumber = compact->fieldA;

@@ -59,6 +59,7 @@ CCompactsPanel::CCompactsPanel(int panelId, QWidget* parent, int mode)
 CCompactsPanel::~CCompactsPanel() {
   m_lifeline.close();
   QObject::disconnect(this, nullptr, nullptr, nullptr);
+  if (CTradeClient* client = CTradeClient::instance()) client->disconnect(this);
   m_unclosedSubscriptions.clear();
   m_closedSubscriptions.clear();
 }
@@ -132,7 +133,8 @@ bool CCompactsPanel::handleEvent(int type, int p1, int p2, QString text, void* d
       if (p1 == IdRenewalLink) applyRenewal();
       return true;
     case GW::EventComboChanged:
-      if (p1 == IdAccountCombo) setAccount(m_accountCombo->currentKey().toStdString(), true, true);
+      if (p1 == IdAccountCombo && m_accountCombo != nullptr)
+        setAccount(m_accountCombo->currentKey().toStdString(), true, true);
       return true;
     case GW::EventCellEdited:
       if (data != nullptr) checkPriorityCell(text, *static_cast<const rdservice::IDataPtr*>(data));

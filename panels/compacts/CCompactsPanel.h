@@ -10,9 +10,11 @@
 #include "utils/CSubscription.h"
 #include "utils/RDError.h"
 #include "vn/CAccount.h"
+#include "vn/CSingleAccountCommandModeComboBox.h"
 #include "vn/ITradeDockableWidget.h"
 
 #include <QMap>
+#include <QPointer>
 #include <QVector>
 
 #include <map>
@@ -43,7 +45,6 @@ class CCompactsBaseTable;
 class CCompactsChangeTable;
 class CCompactsStaticsTable;
 class CCountDownButton;
-class CSingleAccountCommandModeComboBox;
 
 /// The dockable panel that shows the compacts of a credit account. GUI thread, unless a member says otherwise.
 ///
@@ -125,6 +126,7 @@ class PANELS_API CCompactsPanel : public ITradeDockableWidget {
 
  protected:
   void resizeEvent(QResizeEvent* event) override;
+  bool event(QEvent* event) override;
 
   // repay priorities
   /// Whether a text can be a priority: 1 to 999999, "0" or nothing.
@@ -156,6 +158,7 @@ class PANELS_API CCompactsPanel : public ITradeDockableWidget {
   void addPriorityButtons();
   void addRenewalLink();
   void createPositionMenu();
+  void placeInOrderPanel();
   /// A table of unclosed (id 0) or closed (id 1) compacts.
   CCompactsBaseTable* createTable(int tableId, QWidget* parent);
 
@@ -209,7 +212,7 @@ class PANELS_API CCompactsPanel : public ITradeDockableWidget {
   GW::CRadioButtonGroup* m_radioGroup = nullptr;       ///< mode 0
   QList<GW::CSmallNoNormalButton*> m_priorityButtons;  ///< mode 0, only with the right to set repay priorities
   CCountDownButton* m_refreshButton = nullptr;
-  CSingleAccountCommandModeComboBox* m_commandModeCombo = nullptr;  ///< only when the host gave one
+  QPointer<CSingleAccountCommandModeComboBox> m_commandModeCombo;  ///< only when the host gave one
   CCompactsBaseTable* m_unclosedTable = nullptr;
   CCompactsBaseTable* m_closedTable = nullptr;      ///< mode 0
   CCompactsChangeTable* m_changeTable = nullptr;    ///< mode 0, only with the right to change details

@@ -113,7 +113,10 @@ void CCompactsPanel::doRequestAccount(const std::string& accountKey) {
     utils::CSubscriptionPtr handle = account->subscribe(
         dataType, std::string(),
         [this, receive](const std::vector<rdservice::IDataPtr>& changed) {
-          for (const rdservice::IDataPtr& data : changed) (this->*receive)(data);
+          for (const rdservice::IDataPtr& data : changed) {
+            if (m_lifeline.isClosing()) return;  // the GUI thread waits for this call
+            (this->*receive)(data);
+          }
         },
         [this](const std::string& cleared, int type) { onClearAccountDatas(cleared, type); });
     if (handle) subscriptions[QString::fromStdString(accountKey)] = std::move(handle);
@@ -139,7 +142,7 @@ void CCompactsPanel::onClearAccountDatas(const std::string& accountKey, int data
 void CCompactsPanel::setAccount(const std::string& accountKey, bool query, bool userChosen) {
   utils::assertGui();
   const bool allowed = query && startQuery(false);
-  if (m_commandModeCombo != nullptr) m_commandModeCombo->setAccount(accountKey);
+  if (m_commandModeCombo) m_commandModeCombo->setAccount(accountKey);
   if (m_unclosedTable != nullptr) m_unclosedTable->setAccount(accountKey, allowed, userChosen);
   if (m_closedTable != nullptr) m_closedTable->setAccount(accountKey, allowed, userChosen);
   if (m_changeTable != nullptr) m_changeTable->setAccount(accountKey, false, userChosen);

@@ -17,6 +17,7 @@
 #include "rdservice/ConfigCollector.h"
 #include "vn/CCountDownButton.h"
 
+#include <QEvent>
 #include <QMenu>
 #include <QResizeEvent>
 
@@ -206,8 +207,18 @@ CCompactsBaseTable* CCompactsPanel::createTable(int tableId, QWidget* parent) {
 
 void CCompactsPanel::resizeEvent(QResizeEvent* event) {
   ITradeDockableWidget::resizeEvent(event);
+  placeInOrderPanel();
+}
+
+bool CCompactsPanel::event(QEvent* event) {
+  const bool isHandled = ITradeDockableWidget::event(event);
+  if (event->type() == QEvent::LayoutRequest) placeInOrderPanel();  // the bar needs another height
+  return isHandled;
+}
+
+void CCompactsPanel::placeInOrderPanel() {
   if (m_mode != ModeOrderPanel || m_unclosedTable == nullptr) return;
-  const int barHeight = m_toolbar->height();
+  const int barHeight = m_toolbar->sizeHint().height();
   m_toolbar->setGeometry(0, 0, width(), barHeight);
   m_unclosedTable->setGeometry(0, barHeight, width(), height() - barHeight);
 }

@@ -35,6 +35,15 @@ void markRenewed(CStkUnClosedCompacts& compact) {
   compact.renewalFlag = '1';
 }
 
+/// Those that are still there after the user was asked, and with them the days that were entered.
+QVector<CStkUnClosedCompactsPtr> stillHeld(const CCompactsBaseTable& table,
+                                           const QVector<CStkUnClosedCompactsPtr>& compacts) {
+  QVector<CStkUnClosedCompactsPtr> held;
+  for (const CStkUnClosedCompactsPtr& compact : compacts)
+    if (table.getDataByKey(compact->getKey())) held.push_back(compact);
+  return held;
+}
+
 /// What is stored now is changed, so that no push since the application is reverted.
 void storeRenewed(const rdservice::CAccountInfo& account, const CStkUnClosedCompacts& compact) {
   const rdservice::CAccountDataPtr store = accountDataOf(account.getKey());
@@ -68,7 +77,7 @@ void CCompactsPanel::applyRenewal() {
   if (kept.isEmpty())
     GW::CMessageBox::warning(this, warningTitle(), QStringLiteral("请选择您要展期的合约!"));
   else if (ask(kept.size()))
-    operatorCompactRenewInfo(kept);
+    operatorCompactRenewInfo(stillHeld(*m_unclosedTable, kept));
 }
 
 void CCompactsPanel::operatorCompactRenewInfo(const QVector<CStkUnClosedCompactsPtr>& compacts) {

@@ -3,9 +3,10 @@
 // the program first. Each tells the sanitizer of the ordering and goes on to Qt's own. What a slot itself does wrong is
 // still reported.
 //
-// Known here are the mutexes, events and invocations posted by the program, signals of the program's own classes, and
-// waiting for a thread. Not known are signals that Qt's own code emits on another thread, QThreadPool,
-// QSemaphore and QWaitCondition: between threads use std::thread, the engine's strands and std::mutex.
+// Known here are the mutexes, events and invocations posted by the program, signals of the program's own classes, the
+// end of an object that events were posted to, and waiting for a thread. Not known are signals that Qt's own code emits
+// on another thread, QThreadPool, QSemaphore and QWaitCondition: between threads use std::thread, the engine's strands
+// and std::mutex.
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -109,6 +110,13 @@ bool QMetaObject::invokeMethodImpl(QObject* object, QtPrivate::QSlotObjectBase* 
       "_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlotObjectBaseEN2Qt14ConnectionTypeEPv");
   __tsan_release(&s_eventQueues);
   return qt(object, slot, type, result);
+}
+
+// Events that were posted to an object go with it, on its own thread.
+extern "C" void _ZN7QObjectD2Ev(QObject* object) {
+  static const auto qt = hidden<void(QObject*)>("_ZN7QObjectD2Ev");
+  __tsan_acquire(&s_eventQueues);
+  qt(object);
 }
 
 bool QThread::wait(QDeadlineTimer deadline) {

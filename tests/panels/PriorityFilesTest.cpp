@@ -15,6 +15,7 @@
 #include <QFileInfo>
 #include <QTimer>
 
+#include <functional>
 #include <map>
 #include <random>
 
@@ -30,6 +31,7 @@ class CFileChoice : public QObject {
   CFileChoice() { qApp->installEventFilter(this); }
   QString path;
   int asked = 0;
+  std::function<void()> onShown;  ///< instead of an answer
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override {
@@ -37,6 +39,7 @@ class CFileChoice : public QObject {
     if (dialog != nullptr)
       QTimer::singleShot(0, dialog, [this, dialog] {
         ++asked;
+        if (onShown) return onShown();
         if (!path.isEmpty()) dialog->selectFile(path);
         QMetaObject::invokeMethod(dialog, path.isEmpty() ? "reject" : "accept");
       });
@@ -69,7 +72,7 @@ struct PriorityFiles : testing::Test {
   void press(const char* text) {
     const auto buttons = p.panel->findChildren<GW::CSmallNoNormalButton*>();
     for (GW::CSmallNoNormalButton* button : buttons)
-      if (button->text() == QString::fromUtf8(text)) button->click();
+      if (button->text() == QString::fromUtf8(text)) return button->click();  // which may take the panel with it
   }
   void exportTo(const QString& path, const QString& answer = QStringLiteral("导出成功!")) {
     choice.path = path;
@@ -206,6 +209,13 @@ TEST_F(PriorityFiles, GarbageSaysSoAndKeepsWhatWasTyped) {
   edits->setItemText(key, QStringLiteral("3"));
   importFrom(write("garbage.xls", QByteArray(5000, '\0')));
   EXPECT_EQ(edits->itemText(key), QStringLiteral("3"));
+}
+
+TEST_F(PriorityFiles, ThePanelMayGoWhileADialogIsOpen) {
+  show(2);
+  choice.onShown = [this] { p.panel.reset(); };
+  press("导出优先级");
+  EXPECT_EQ(choice.asked, 1);
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include "vn/CUserConfig.h"
 
 #include <QCheckBox>
+#include <QElapsedTimer>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QScrollArea>
@@ -26,6 +27,7 @@
 namespace {
 
 constexpr int UPDATE_PERIOD_MS = 1000;
+constexpr int PERIODS_PER_COST = 100;  ///< the figures take at most a hundredth of the time
 constexpr QSize PANEL_SIZE(1100, 420);
 constexpr QSize LEAST_COMPACTS(200, 80);
 constexpr const char* TITLE = "融资融券下单";
@@ -177,7 +179,11 @@ bool COrderPanel::handleEvent(int type, int p1, int p2, QString text, void* data
 
 void COrderPanel::updateFigures() {
   m_form->updatePrice();
+  QElapsedTimer cost;
+  cost.start();
   m_form->setEquityCompensation(m_compacts->getEquityCompensation());
+  // The sum goes over every compact: of a large table it is taken less often.
+  m_updates.setInterval(std::max(UPDATE_PERIOD_MS, static_cast<int>(cost.elapsed()) * PERIODS_PER_COST));
   if (const auto selected = m_compacts->getSelectCompact())
     m_form->setCompactNumber(QString::fromStdString(selected->fieldA));
 }

@@ -27,6 +27,7 @@ constexpr const char* HINT_TITLE = "提示";
 constexpr const char* NO_ACCOUNT = "没有选择已登录的信用账号。";
 constexpr const char* NO_DIRECT_REPAY = "直接还款不经委托，请在柜台办理。";
 constexpr const char* COMPACT_FILLED = "已填入所选合约的证券和数量，请核对后再下单。";
+constexpr const char* OTHER_ACCOUNT = "所选合约 %1 属于资金账号 %2，与下单的账号不同。";
 constexpr const char* OTHER_SECURITY = "所选合约 %1 的证券是 %2，与委托的证券 %3 不同。";
 constexpr const char* NO_VOLUME = "请输入委托数量。";
 constexpr const char* NOT_PLACED = "委托没有发出，请检查账号、证券和数量。";
@@ -87,6 +88,10 @@ QString COrderPanel::makeCommand(VN::CPlaceCommandParameter& command) {
   order.accountInfo = account;
   order.volume = m_form->volume();
   order.price = m_form->price();
+  if (compact && !VN::getUserConfig()->isCompactMode() && compact->accountInfo &&
+      compact->accountInfo->getKey() != account->getKey())
+    return QString::fromUtf8(OTHER_ACCOUNT)
+        .arg(QString::fromStdString(compact->fieldA), QString::fromStdString(compact->accountInfo->accountId));
   if (compact && (compact->exchangeId != instrument.exchangeId || compact->code != instrument.code))
     return QString::fromUtf8(OTHER_SECURITY)
         .arg(QString::fromStdString(compact->fieldA), QString::fromStdString(compact->code.str()),

@@ -23,7 +23,7 @@ constexpr qint64 MAX_CHARS = 1 << 22;
 const QString CANCEL = QStringLiteral("取消");
 
 /// What the event loop returns; negative when none can run because the program has quit.
-enum ELoopEnd : int { LoopDone = 1, LoopBox = 2 };
+enum ELoopEnd : int { LoopDone = 1, LoopBox = 2 };  // LoopBox: the box must come, or has gone
 
 }  // namespace
 
@@ -52,6 +52,8 @@ class CFileJob::CLoop : public QObject {
     if (end == LoopBox && !m_isOver) {
       showBox();
       end = m_loop.exec();
+      // Cancelled: the box has gone, the work has not ended yet.
+      while (end == LoopBox && !m_isOver) end = m_loop.exec(QEventLoop::ExcludeUserInputEvents);
     }
     if (end >= 0 && !m_isOver) m_job.cancel();  // the program quits
   }
@@ -89,7 +91,10 @@ class CFileJob::CLoop : public QObject {
     m_box = new QProgressDialog(m_text, CANCEL, 0, 0, QApplication::activeWindow());
     m_box->setWindowModality(Qt::ApplicationModal);
     m_box->setWindowTitle(QStringLiteral("提示"));
-    const auto cancel = [this] { m_job.cancel(); };
+    const auto cancel = [this] {
+      m_job.cancel();
+      m_loop.exit(LoopBox);
+    };
     connect(m_box.data(), &QProgressDialog::canceled, this, cancel);
     connect(m_box.data(), &QObject::destroyed, this, cancel);
     m_box->show();

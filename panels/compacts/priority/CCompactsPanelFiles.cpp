@@ -47,7 +47,17 @@ const CContainer& containerOf(const QString& suffix) {
   return CONTAINERS[2];
 }
 
-QString fileFilter() { return QStringLiteral("Excel Files(*.csv);;Excel Files(*.xls);;Excel Files(*.xlsx)"); }
+/// The file that the user chooses; empty for none. The dialog goes with its parent.
+QString askForFile(QWidget* parent, QFileDialog::AcceptMode mode, const QString& caption) {
+  const QPointer<QFileDialog> dialog = new QFileDialog(
+      parent, caption, getOpenFileDir(), QStringLiteral("Excel Files(*.csv);;Excel Files(*.xls);;Excel Files(*.xlsx)"));
+  dialog->setAcceptMode(mode);
+  dialog->setFileMode(mode == QFileDialog::AcceptSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+  const bool isChosen = dialog->exec() == QDialog::Accepted;
+  const QStringList files = isChosen && dialog ? dialog->selectedFiles() : QStringList();
+  delete dialog.data();
+  return files.value(0);
+}
 
 /// What stands behind the last separator. A file may carry a character that only looks like one.
 QString fileNameOf(const QString& path) {
@@ -109,7 +119,7 @@ void CCompactsPanel::tryExportRepayPriority() {
     return;
   }
   const QPointer<CCompactsPanel> panel = this;
-  const QString path = QFileDialog::getSaveFileName(this, QStringLiteral("导出规则"), getOpenFileDir(), fileFilter());
+  const QString path = askForFile(this, QFileDialog::AcceptSave, QStringLiteral("导出规则"));
   if (!panel || path.isEmpty()) return;
   setOpenFileDir(path);
   const bool isWritten = doExport(path);
@@ -153,7 +163,7 @@ void CCompactsPanel::tryImportRepayPriority() {
     return;
   }
   const QPointer<CCompactsPanel> panel = this;
-  const QString path = QFileDialog::getOpenFileName(this, QStringLiteral("导入规则"), getOpenFileDir(), fileFilter());
+  const QString path = askForFile(this, QFileDialog::AcceptOpen, QStringLiteral("导入规则"));
   if (!panel || path.isEmpty()) return;
   setOpenFileDir(path);
   const CContainer& container = containerOf(QFileInfo(path).suffix());
@@ -173,8 +183,10 @@ void CCompactsPanel::tryImportRepayPriority() {
 
 int CCompactsPanel::doImport(const QString& line, const QString& separator) {
   enum EOutcome : int { Rejected = 0, Skipped = 1, Applied = 2 };
+  // Counted before the line is cut: one of a million separators is not worth a million texts.
+  const int columns = line.count(separator) + 1;
+  if (columns != COLUMNS && columns != COLUMNS_WITH_REMARKS) return Rejected;
   const QStringList cells = line.split(separator, Qt::KeepEmptyParts, Qt::CaseSensitive);
-  if (cells.size() != COLUMNS && cells.size() != COLUMNS_WITH_REMARKS) return Rejected;
   const QString& account = cells.at(FileAccount);
   if (account.isEmpty() || !account.at(0).isNumber()) return Skipped;
   GW::CBaseTableColumnLineeditDelegate* edits = priorityEdits();

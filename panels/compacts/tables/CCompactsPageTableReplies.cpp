@@ -275,13 +275,20 @@ void CCompactsPageTable::writeRow(const rdservice::CAccountDataPtr& store, const
 
 void CCompactsPageTable::applyPriorityResults(const std::string& account, const std::vector<IDataPtr>& responses,
                                               const std::map<std::string, std::string>& labels) {
-  const std::vector<IDataPtr> changed = storePriorities(account, responses, labels, nullptr);
+  std::vector<IDataPtr> changed = storePriorities(account, responses, labels, nullptr);
+  const GW::CTableScope shown = shownScope();
+  const rdservice::CAccountDataPtr store = accountDataOf(account);
+  // A priority that was cleared has no response; its row follows what the counter has pushed into the store.
+  for (const IDataPtr& row : getAllDatas()) {
+    const auto* compact = dynamic_cast<const rdservice::CStkUnClosedCompacts*>(row.get());
+    if (compact == nullptr || !store || labels.count(compact->fieldA) == 0) continue;
+    const IDataPtr held = store->getData(rdservice::RecordStkUnClosedCompacts, row->getKey());
+    if (held && held->version() > row->version()) changed.push_back(held);
+  }
   {
     const utils::CMutexLock lock(m_bookMutex);
     for (const IDataPtr& record : changed) m_book.renew(record);
   }
-  const GW::CTableScope shown = shownScope();
-  const rdservice::CAccountDataPtr store = accountDataOf(account);
   GW::CTableBatch batch(*this, shown);
   for (const IDataPtr& record : changed)
     if (getDataByKey(record->getKey())) writeRow(store, record);  // only rows of this page
