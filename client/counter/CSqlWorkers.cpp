@@ -2,6 +2,7 @@
 
 #include "counter/CSqlConnection.h"
 #include "utils/CLogCenter.h"
+#include "utils/background.h"
 
 #include <cassert>
 #include <exception>
@@ -54,6 +55,7 @@ void CSqlWorkers::stop() {
 }
 
 void CSqlWorkers::work() {
+  utils::workInBackground();
   const auto connection = [this] {
     utils::CMutexLock lock(s_opening);
     return std::make_unique<CSqlConnection>(m_path);

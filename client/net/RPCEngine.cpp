@@ -4,6 +4,7 @@
 #include "net/engine_factory.h"
 
 #include "utils/CInstance.h"
+#include "utils/background.h"
 
 #include <boost/asio/post.hpp>
 #include <boost/asio/strand.hpp>
@@ -70,7 +71,10 @@ CStrandPtr RPCEngine::Private::getStrand(const std::string& name) {
   std::function<void(CSerialQueue::CTask)> submit;
   if (isOpen) {
     submit = [strand = boost::asio::make_strand(*pool)](CSerialQueue::CTask task) {
-      boost::asio::post(strand, std::move(task));
+      boost::asio::post(strand, [task = std::move(task)]() mutable {
+        utils::workInBackground();
+        task();
+      });
     };
   }
   return strands.emplace(name, std::move(submit)).first->second.handle;

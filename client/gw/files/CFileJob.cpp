@@ -1,5 +1,6 @@
 #include "gw/files/CFileJob.h"
 
+#include "utils/background.h"
 #include "utils/threads.h"
 
 #include <QApplication>
@@ -126,6 +127,7 @@ void CFileJob::runBeside(const QString& text, const CWork& work) {
   CLoop loop(*this, text);
   m_loop = &loop;
   std::thread thread([this, &work] {
+    utils::workInBackground();
     work(*this);
     const utils::CMutexLock lock(m_mutex);
     m_isDone = true;
