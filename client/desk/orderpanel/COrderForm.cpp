@@ -96,7 +96,6 @@ COrderForm::COrderForm(QWidget* parent) : QWidget(parent), m_grid(new QGridLayou
   for (const CRepayName& repay : REPAY_TYPES) m_repayTypes->addItem(utf8(repay.name), QString::number(repay.type));
   m_security = new QLineEdit(this);
   m_security->setPlaceholderText(utf8(SECURITY_HINT));
-  m_security->setClearButtonEnabled(true);
   m_name = new QLabel(this);
   m_name->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);  // the fields keep their widths
   m_price = makeSpinBox(this, MOST_PRICE, 2, CENT);
