@@ -56,7 +56,7 @@ enum EOperationType : int {
 
 /// What a direct repayment of money pays, a character code.
 enum ERepayType : int {
-  RepayTypeFinancing = '0',        ///< principal and interest of financing, in the counter's order
+  RepayTypeFinancing = '0',  ///< principal and interest of financing, in the counter's order
   RepayTypeFinancingInterest = '1',
   RepayTypeLendingFee = '3',       ///< fees of securities lending
   RepayTypeLendingInterest = '4',  ///< interest of securities lending
