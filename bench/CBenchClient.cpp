@@ -1,5 +1,6 @@
 #include "CBenchClient.h"
 
+#include "compacts/tables/CCompactsTable.h"
 #include "counter/CBookGenerator.h"
 #include "gw/controls.h"
 #include "rdservice/TraderCenter.h"
@@ -11,6 +12,7 @@
 #include <QTimer>
 
 #include <atomic>
+#include <ctime>
 
 namespace {
 
@@ -51,6 +53,21 @@ bool CBenchClient::wait(const std::function<bool()>& isDone) {
     QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
   }
   return true;
+}
+
+double CBenchClient::processorMs() {
+  timespec time{};
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
+
+bool CBenchClient::isSameAsStored(const VN::CCompactsTable& table) {
+  const auto store = rdservice::TraderCenter::instance()->getDataCenter()->getAccountData(account());
+  for (int row = 0; row < table.rowCount(); ++row) {
+    const rdservice::IDataPtr record = table.getData(row);
+    if (record != store->getData(rdservice::RecordStkUnClosedCompacts, record->getKey())) return false;
+  }
+  return store->getData(rdservice::RecordStkUnClosedCompacts).size() == static_cast<std::size_t>(table.rowCount());
 }
 
 std::string CBenchClient::open(const COptions& options) {

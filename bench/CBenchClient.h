@@ -10,6 +10,10 @@
 #include <memory>
 #include <string>
 
+namespace VN {
+class CCompactsTable;
+}
+
 /// A client on the embedded counter with a large generated account, and the panel on it, shown.
 class CBenchClient {
  public:
@@ -31,6 +35,10 @@ class CBenchClient {
 
   /// Processes events until `isDone` says so, looking at least every so often; false after a minute.
   static bool wait(const std::function<bool()>& isDone);
+  /// Milliseconds of processor time that this process has used.
+  static double processorMs();
+  /// Whether every row is as the data centre holds it, and no compact of the account is missing.
+  static bool isSameAsStored(const VN::CCompactsTable& table);
 
  private:
   std::string open(const COptions& options);

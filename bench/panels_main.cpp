@@ -20,7 +20,6 @@
 
 #include <fmt/format.h>
 
-#include <ctime>
 #include <vector>
 
 namespace {
@@ -32,12 +31,6 @@ constexpr int LOGIN_TICK_MS = 400;
 constexpr double GAP_GOAL_MS = 16;
 constexpr double IDLE_GOAL = 0.02;  // of one core
 
-double processorMs() {
-  timespec time{};
-  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-  return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-}
-
 struct CPhase {
   double longestGapMs;
   double processorShare;  ///< of one core
@@ -45,22 +38,13 @@ struct CPhase {
 
 CPhase measure(int seconds, int meterMs) {
   utils::CEventLoopMeter meter(meterMs, nullptr);
-  const double before = processorMs();
+  const double before = CBenchClient::processorMs();
   QElapsedTimer timer;
   timer.start();
   QEventLoop loop;  // waits for events: polling would count
   QTimer::singleShot(seconds * 1000, &loop, &QEventLoop::quit);
   loop.exec();
-  return {meter.longestGap(), (processorMs() - before) / static_cast<double>(timer.elapsed())};
-}
-
-bool isSameAsStored(const VN::CCompactsTable& table) {
-  const auto store = rdservice::TraderCenter::instance()->getDataCenter()->getAccountData(CBenchClient::account());
-  for (int row = 0; row < table.rowCount(); ++row) {
-    const rdservice::IDataPtr record = table.getData(row);
-    if (record != store->getData(rdservice::RecordStkUnClosedCompacts, record->getKey())) return false;
-  }
-  return store->getData(rdservice::RecordStkUnClosedCompacts).size() == static_cast<std::size_t>(table.rowCount());
+  return {meter.longestGap(), (CBenchClient::processorMs() - before) / static_cast<double>(timer.elapsed())};
 }
 
 int fail(const std::string& why) {
@@ -113,7 +97,7 @@ int run(int rows, int seconds, int rate) {
   const bool agree = CBenchClient::wait([&] {
     for (VN::CCompactsTable* table : tables) {
       table->updateTable();
-      if (!table->isUpToDate() || !isSameAsStored(*table)) return false;
+      if (!table->isUpToDate() || !CBenchClient::isSameAsStored(*table)) return false;
     }
     return true;
   });

@@ -21,23 +21,14 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <ctime>
 
 namespace {
-
-using rdservice::IDataPtr;
 
 constexpr int METER_MS = 2;
 constexpr int PUSH_TICK_MS = 20;
 constexpr int USE_TICK_MS = 50;
 constexpr int USES_PER_SORT = 20;
 constexpr double GAP_GOAL_MS = 16;
-
-double processorMs() {
-  timespec time{};
-  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-  return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-}
 
 /// Somebody at the window: scrolls, moves the current row, ticks rows, now and then sorts by another column.
 class CUser : public QObject {
@@ -80,21 +71,11 @@ CPhase use(VN::CCompactsTable& table, runtime::CClientRuntime& client, int secon
   });
   if (pushesPerSecond > 0) pushes.start(PUSH_TICK_MS);
   utils::CEventLoopMeter meter(METER_MS, nullptr);
-  const double before = processorMs();
+  const double before = CBenchClient::processorMs();
   QElapsedTimer timer;
   timer.start();
   CBenchClient::wait([&] { return timer.elapsed() >= seconds * 1000; });
-  return {meter.longestGap(), (processorMs() - before) / static_cast<double>(timer.elapsed())};
-}
-
-/// Whether every row is as the data centre holds it, and no compact is missing.
-bool isSameAsStored(const VN::CCompactsTable& table) {
-  const auto store = rdservice::TraderCenter::instance()->getDataCenter()->getAccountData(CBenchClient::account());
-  for (int row = 0; row < table.rowCount(); ++row) {
-    const IDataPtr record = table.getData(row);
-    if (record != store->getData(rdservice::RecordStkUnClosedCompacts, record->getKey())) return false;
-  }
-  return store->getData(rdservice::RecordStkUnClosedCompacts).size() == static_cast<std::size_t>(table.rowCount());
+  return {meter.longestGap(), (CBenchClient::processorMs() - before) / static_cast<double>(timer.elapsed())};
 }
 
 int fail(const std::string& why) {
@@ -129,7 +110,7 @@ int run(int rows, int seconds, int rate) {
 
   const bool agrees = CBenchClient::wait([&] {
     table.updateTable();
-    return table.isUpToDate() && isSameAsStored(table);
+    return table.isUpToDate() && CBenchClient::isSameAsStored(table);
   });
   fmt::print("table and data centre: {}\n", agrees ? "the same" : "DIFFERENT");
   return agrees ? 0 : 1;
