@@ -105,7 +105,9 @@ void CCompactsPanel::onOperatorCompactRenewInfo(const rdservice::CCreditCompactR
                                                 const CStkUnClosedCompactsPtr& compact, const utils::RDError& error,
                                                 const std::vector<rdservice::IDataPtr>& resp,
                                                 const bson::BSONObj& reply) {
-  if (!error.isSuccess() || reply.objsize() > EMPTY_REPLY_BYTES) {
+  const bool isRenewed = error.isSuccess() && reply.objsize() <= EMPTY_REPLY_BYTES;
+  if (isRenewed && apply->accountInfo && compact) storeRenewed(*apply->accountInfo, *compact);
+  if (!isRenewed) {
     constexpr utils::CLogSite SITE{
         "CCompactsPanel.cpp",
         "void VN::CCompactsPanel::onOperatorCompactRenewInfo(rdservice::CCreditCompactRenewalApplyPtr, const "
@@ -113,8 +115,6 @@ void CCompactsPanel::onOperatorCompactRenewInfo(const rdservice::CCreditCompactR
         "bson::BSONObj)"};
     utils::logInfo(SITE, "[VN::CCompactsPanel::onOperatorCompactRenewInfo] data size : {0}, error: {1}", resp.size(),
                    error.isSuccess() ? reply.toString() : error.errorMsg());
-  } else if (apply->accountInfo && compact) {
-    storeRenewed(*apply->accountInfo, *compact);
   }
   Q_EMIT sigOperatorCompactRenewInfo(apply, error, resp);
 }
