@@ -5,6 +5,8 @@
 #include "vn/CUserConfig.h"
 #include "vn/ITradeDockableWidget.h"
 
+#include <algorithm>
+
 CPanelHost::CPanelHost(VN::ITradeDockableWidget* panel) : QObject(panel), m_panel(panel) {
   VN::CTradeClient* client = VN::CTradeClient::instance();
   connect(client, &VN::CTradeClient::sigAccountsChanged, this, [this] { m_panel->refreshAccounts(); });
@@ -23,8 +25,13 @@ CPanelHost::~CPanelHost() = default;
 
 void CPanelHost::onLoginStatus(const rdservice::CAccountInfoPtr& account) {
   if (!account) return;
-  if (QString::fromStdString(account->getKey()) == m_requested) m_requested.clear();
+  const QString key = QString::fromStdString(account->getKey());
+  if (key == m_requested) m_requested.clear();
   m_panel->requestAccount(*account);
+  // The panel has asked for it when it shows it.
+  const auto combos = m_panel->findChildren<GW::CComboBox*>();
+  if (std::any_of(combos.begin(), combos.end(), [&](const auto* combo) { return combo->currentKey() == key; }))
+    m_requested = key;
 }
 
 void CPanelHost::requestShownAccount() {

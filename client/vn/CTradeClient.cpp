@@ -170,7 +170,8 @@ void CTradeClient::queryData(const rdservice::CQueryDataReqPtr& request, CDataRe
                 const utils::RDError& error, const std::vector<IDataPtr>& records, const bson::BSONObj& extra) {
         const bool isLate = error.isSuccess() && isCompactType(dataType) && m_d->hasGone(accountKey);
         const utils::RDError outcome = isLate ? goneError() : error;
-        const std::vector<IDataPtr> taken = isLate ? std::vector<IDataPtr>() : records;
+        const std::vector<IDataPtr> none;
+        const std::vector<IDataPtr>& taken = isLate ? none : records;
         if (isKept(dataType)) m_d->takeData(accountKey, mark, dataType, outcome, taken);
         if (reply) reply(outcome, taken, extra);
       });

@@ -3,17 +3,21 @@
 #include "CDeskTest.h"
 
 #include "CMainWindow.h"
+#include "compacts/CCompactsPanel.h"
 #include "compacts/tables/CCompactsTable.h"
 #include "gw/controls.h"
 #include "kit/CSignalCount.h"
 #include "rdservice/TraderCenter.h"
 #include "runtime/CClientRuntime.h"
 #include "utils/CEventLoopMeter.h"
+#include "utils/CLogCenter.h"
 #include "vn/CCountDownButton.h"
 #include "vn/CTradeClient.h"
 
 #include <QFile>
 #include <QTest>
+
+#include <atomic>
 
 namespace {
 
@@ -79,6 +83,30 @@ TEST_F(DeskTest, ALateAnswerNeitherFreezesTheWindowNorShowsARowOfTheOldAccount) 
   EXPECT_EQ(wrongRows, 0);
   EXPECT_EQ(m_table->rowCount(), 0);
   EXPECT_LT(meter.longestGap(), LATE_MS) << "the window waited for the counter";
+}
+
+TEST_F(DeskTest, AnAccountIsAskedForOnceUntilItLogsInAgain) {
+  std::atomic<int> asked{0};
+  const utils::CSubscriptionPtr lines = utils::CLogCenter::instance()->addListener([&](const utils::CLogLine& line) {
+    if (line.message.find("account = 3.60010002, NEED request.") != std::string::npos) ++asked;
+  });
+  choose("3.60010002");
+  ASSERT_TRUE(waitUntil([&] { return asked > 0; }));
+  VN::CTradeClient* client = VN::CTradeClient::instance();
+  const auto setLogin = [&](const char* account, bool login) {
+    client->setLogin(account, login);
+    ASSERT_TRUE(waitUntil([&] { return (m_combo->findData(QString::fromLatin1(account)) >= 0) == login; }));
+    for (int turn = 0; turn < 3; ++turn) QCoreApplication::processEvents();  // what the box has told, queued
+  };
+  setLogin(LARGE, false);  // it stands before the chosen one
+  setLogin(LARGE, true);
+  m_window->panel()->refreshAccounts();
+  for (int turn = 0; turn < 3; ++turn) QCoreApplication::processEvents();
+  EXPECT_EQ(asked, 1);
+  setLogin("3.60010002", false);
+  setLogin("3.60010002", true);
+  choose("3.60010002");
+  EXPECT_TRUE(waitUntil([&] { return asked >= 2; }));
 }
 
 TEST_F(DeskTest, ClosingWhileAccountsLogInIsSafe) {
