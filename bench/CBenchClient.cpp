@@ -2,8 +2,10 @@
 
 #include "compacts/tables/CCompactsTable.h"
 #include "counter/CBookGenerator.h"
+#include "counter/CSqlCounter.h"
 #include "gw/controls.h"
 #include "rdservice/TraderCenter.h"
+#include "runtime/CClientConfig.h"
 #include "vn/CTradeClient.h"
 
 #include <QCoreApplication>
@@ -78,10 +80,20 @@ std::string CBenchClient::open(const COptions& options) {
   const std::atomic<bool> giveUp{false};
   const auto book = runtime::CClientRuntime::loadBook(path + "/book", path + "/counter.db", giveUp);
   if (!book.loaded) return book.errorText;
-  std::vector<std::string> errors;
-  m_client = runtime::CClientRuntime::open({path, path + "/counter.db", std::string()}, errors);
-  if (!m_client) return errors.front();
-  m_client->setCounterLatency(0);
+  if (options.replace) {
+    std::vector<utils::CConfigError> wrong;
+    const runtime::CClientConfig config = runtime::readClientConfig(path, wrong);
+    if (!wrong.empty()) return wrong.front().text();
+    counter::CSqlCounterOptions embedded;
+    embedded.databasePath = path + "/counter.db";
+    m_client = std::make_unique<runtime::CClientRuntime>(
+        config, options.replace(std::make_unique<counter::CSqlCounter>(embedded)), std::string());
+  } else {
+    std::vector<std::string> errors;
+    m_client = runtime::CClientRuntime::open({path, path + "/counter.db", std::string()}, errors);
+    if (!m_client) return errors.front();
+    m_client->setCounterLatency(0);
+  }
   m_panel = std::make_unique<VN::CCompactsPanel>(1, nullptr, 0);
   QObject::connect(VN::CTradeClient::instance(), &VN::CTradeClient::sigLoginStatus, m_panel.get(),
                    [panel = m_panel.get()](const rdservice::CAccountInfoPtr& info) { panel->requestAccount(*info); });

@@ -10,6 +10,9 @@
 #include <memory>
 #include <string>
 
+namespace counter {
+class ICounter;
+}
 namespace VN {
 class CCompactsTable;
 }
@@ -21,6 +24,8 @@ class CBenchClient {
     std::int64_t compacts = 0;
     std::int64_t closed = 0;
     bool isPaged = false;
+    /// Puts another counter in the place of the embedded one, which it may own and ask; null: the embedded one.
+    std::function<std::unique_ptr<counter::ICounter>(std::unique_ptr<counter::ICounter> embedded)> replace{};
   };
 
   explicit CBenchClient(const COptions& options);
@@ -30,6 +35,8 @@ class CBenchClient {
   const std::string& error() const { return m_error; }
   runtime::CClientRuntime& client() const { return *m_client; }
   VN::CCompactsPanel& panel() const { return *m_panel; }
+  /// The counter's file.
+  std::string database() const { return m_folder.path().toStdString() + "/counter.db"; }
   /// Key of the large account, which the panel shows.
   static const char* account();
 

@@ -58,7 +58,7 @@ QString statisticsStatement() {
   QStringList groups;
   for (const auto& field : kind.des) {
     const QString column = CSqlTable::column(field.name);
-    columns << (isGroup(field) ? column : QStringLiteral("sum(%1)").arg(column));
+    columns << (isGroup(field) ? CSqlTable::selected(field) : QStringLiteral("sum(%1)").arg(column));
     if (isGroup(field)) groups << column;
   }
   return QStringLiteral("SELECT %1 FROM %2 WHERE %3 = ? GROUP BY %4 ORDER BY %4")

@@ -3,11 +3,13 @@
 #include "counter/record_kinds.h"
 #include "rdservice/CInternedText.h"
 
+#include <QByteArray>
 #include <QSqlQuery>
 #include <QStringList>
 #include <QVariant>
 
 #include <cassert>
+#include <string_view>
 
 namespace counter {
 
@@ -55,21 +57,32 @@ QVariant value(const CFieldDes& field, const IData& record) {
   return {};
 }
 
+qint64 number(const QVariant& stored) {
+  return stored.userType() == QMetaType::LongLong ? *static_cast<const qint64*>(stored.constData())
+                                                  : stored.toLongLong();
+}
+
+/// Fills a field from a column as `CSqlTable::selected` has it.
 void setValue(const CFieldDes& field, IData& record, const QVariant& stored, const CAccountInfoPtr& account) {
+  const auto text = [&stored](const QByteArray& utf8) {
+    assert(stored.userType() == QMetaType::QByteArray || stored.isNull());
+    return std::string_view(utf8.constData(), static_cast<std::size_t>(utf8.size()));
+  };
   switch (field.type) {
     case EFieldType::Account: field.edit<CAccountInfoPtr>(record) = account; return;
-    case EFieldType::Text: field.edit<std::string>(record) = stored.toString().toStdString(); return;
-    case EFieldType::Interned:
-      field.edit<CInternedText>(record) = CInternedText(stored.toString().toStdString());
-      return;
+    case EFieldType::Text: field.edit<std::string>(record) = text(stored.toByteArray()); return;
+    case EFieldType::Interned: field.edit<CInternedText>(record) = CInternedText(text(stored.toByteArray())); return;
     case EFieldType::Char: {
-      const QString text = stored.toString();
-      field.edit<char>(record) = text.isEmpty() ? '\0' : text.front().toLatin1();
+      const qint64 unicode = number(stored);
+      field.edit<char>(record) = QChar(unicode > 0xFF ? ushort(0) : static_cast<ushort>(unicode)).toLatin1();
       return;
     }
-    case EFieldType::Int32: field.edit<std::int32_t>(record) = stored.toInt(); return;
-    case EFieldType::Int64: field.edit<std::int64_t>(record) = stored.toLongLong(); return;
-    case EFieldType::Double: field.edit<double>(record) = stored.toDouble(); return;
+    case EFieldType::Int32: field.edit<std::int32_t>(record) = static_cast<std::int32_t>(number(stored)); return;
+    case EFieldType::Int64: field.edit<std::int64_t>(record) = number(stored); return;
+    case EFieldType::Double:
+      field.edit<double>(record) =
+          stored.userType() == QMetaType::Double ? *static_cast<const double*>(stored.constData()) : stored.toDouble();
+      return;
   }
   assert(false);
 }
@@ -81,6 +94,17 @@ QString tableName(const CRecordKind& kind) { return CSqlTable::column(kind.des.n
 CSqlTable::CSqlTable(const CRecordKind& kind) : m_kind(kind) {}
 
 QString CSqlTable::column(const char* field) { return QLatin1Char('"') + QLatin1String(field) + QLatin1Char('"'); }
+
+QString CSqlTable::selected(const CFieldDes& field) {
+  const QString stored = column(field.name);
+  switch (field.type) {
+    case EFieldType::Account: return QStringLiteral("NULL");
+    case EFieldType::Text:
+    case EFieldType::Interned: return QStringLiteral("CAST(%1 AS BLOB)").arg(stored);
+    case EFieldType::Char: return QStringLiteral("unicode(%1)").arg(stored);
+    default: return stored;
+  }
+}
 
 QString CSqlTable::createStatement() const {
   QStringList fields;
@@ -109,7 +133,9 @@ QString CSqlTable::upsertStatement() const {
 }
 
 QString CSqlTable::selectStatement() const {
-  return QStringLiteral("SELECT %1 FROM %2").arg(columns(), tableName(m_kind));
+  QStringList fields;
+  for (const auto& field : m_kind.des) fields << selected(field);
+  return QStringLiteral("SELECT %1 FROM %2").arg(fields.join(QStringLiteral(", ")), tableName(m_kind));
 }
 
 void CSqlTable::bind(QSqlQuery& query, const IData& record) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "rdservice/CAccountInfo.h"
+#include "rdservice/CStructDes.h"
 #include "rdservice/IData.h"
 
 #include <QString>
@@ -28,6 +29,9 @@ class CSqlTable {
 
   /// Name of a field as a quoted column.
   static QString column(const char* field);
+  /// A field's column as `read` expects it: texts as their UTF-8 bytes and codes as numbers, so that nothing is
+  /// converted twice on the way into a record; no account, since the caller knows it.
+  static QString selected(const rdservice::CFieldDes& field);
 
   void bind(QSqlQuery& query, const rdservice::IData& record) const;
   /// Fills `record` from the query's present row; its account becomes `account`.

@@ -4,6 +4,7 @@
 #include "rdservice/CDataVersion.h"
 #include "rdservice/CStructDes.h"
 #include "rdservice/data_centre_factory.h"
+#include "rdservice/prefetch.h"
 #include "rdservice/reply_marks.h"
 
 #include <boost/smart_ptr/make_shared.hpp>
@@ -62,8 +63,10 @@ CAccountData::Private::CListeners& CAccountData::Private::listenersOf(int typeId
 std::uint64_t takeMark(CAccountData& account) { return ++CAccountData::Private::of(account).lastVersion; }
 
 void noteMark(const std::vector<IDataPtr>& records, std::uint64_t mark) {
-  for (const IDataPtr& record : records)
-    if (record != nullptr) CDataVersion::stampReply(*record, mark);
+  for (std::size_t i = 0; i < records.size(); ++i) {
+    if (i + PREFETCH_AHEAD < records.size()) prefetch(records[i + PREFETCH_AHEAD].get());
+    if (records[i] != nullptr) CDataVersion::stampReply(*records[i], mark);
+  }
 }
 
 void replaceAsOf(CAccountData& account, int typeId, const std::vector<IDataPtr>& records, std::uint64_t mark) {

@@ -3,11 +3,11 @@
 #include "rdservice/CAccountData_p.h"
 #include "rdservice/CDataVersion.h"
 #include "rdservice/CStructDes.h"
+#include "rdservice/prefetch.h"
 
 #include <algorithm>
 #include <cassert>
-#include <string_view>
-#include <unordered_map>
+#include <string>
 #include <utility>
 
 namespace rdservice {
@@ -16,19 +16,33 @@ namespace {
 
 /// Records stored in one go; readers get in between, so that a large batch does not hold up the GUI thread.
 constexpr std::size_t SLICE = 2048;
+constexpr std::size_t KEY_BYTES = 128;  // of a record; what makes up its key stands there
 
-/// For each record of `fresh`, under the key at the same place in `keys`: the record of `held` that has the same
-/// values or is newer, null when it has none.
-std::vector<IDataPtr> unchangedRecords(const CTypeStore& fresh, const std::vector<std::string>& keys,
-                                       const CTypeStore& held) {
-  std::vector<IDataPtr> unchanged(fresh.size());
+struct CKey {
+  std::string text;
+  std::uint32_t hash;
+};
+
+/// What a store holds under the key of a record that is to replace it.
+struct CHeld {
+  IDataPtr unchanged{};     ///< the held record when it has the same values or is newer, else null
+  std::uint64_t basis = 0;  ///< of the held record; 0 without one
+};
+
+/// For each record of `fresh`, under the key at the same place in `keys`.
+std::vector<CHeld> compare(const CTypeStore& fresh, const std::vector<CKey>& keys, const CTypeStore& held) {
+  std::vector<CHeld> found(fresh.size());
+  std::size_t guess = 0;
   for (std::size_t i = 0; i < fresh.size(); ++i) {
-    const std::size_t place = held.find(keys[i]);
+    if (i + PREFETCH_AHEAD < keys.size()) held.expect(keys[i + PREFETCH_AHEAD].hash, guess);
+    const std::size_t place = held.find(keys[i].hash, keys[i].text, guess);
     if (place == CTypeStore::NONE) continue;
+    guess = place + 1;
+    found[i].basis = held.basis(place);
     const IDataPtr& record = held.at(place);
-    if (held.basis(place) > fresh.basis(i) || sameFields(*record, *fresh.records()[i])) unchanged[i] = record;
+    if (found[i].basis > fresh.basis(i) || sameFields(*record, *fresh.records()[i])) found[i].unchanged = record;
   }
-  return unchanged;
+  return found;
 }
 
 }  // namespace
@@ -39,115 +53,152 @@ IDataPtr CAccountData::Private::publish(const IDataPtr& record, bool ofReply) {
   return own;
 }
 
-void CAccountData::Private::storeItem(CItem& item, bool keepNewer) {
-  item.type = &types[item.record->getBaseId()];
-  CTypeStore& store = item.type->store;
-  const std::size_t place = store.find(item.key);
-  const std::uint64_t mark = CDataVersion::mark(*item.record);
+IDataPtr CAccountData::Private::storeItem(CTypeEntry& type, CItem& item, bool keepNewer, std::size_t& guess) {
+  CTypeStore& store = type.store;
+  const IDataPtr& record = *item.record;
+  const std::size_t place = store.find(item.hash, item.key, guess);
+  guess = (place == CTypeStore::NONE ? store.size() : place) + 1;
+  const std::uint64_t mark = CDataVersion::mark(*record);
   // Marks are taken at any moment: the basis of a push is a number given now, which no earlier mark can have.
   const auto basis = [mark](const IDataPtr& published) { return mark != 0 ? mark : published->version(); };
+  IDataPtr replaced;
   if (place == CTypeStore::NONE) {
-    item.held = publish(item.record, mark != 0);
-    store.append(item.key, item.held, basis(item.held));
+    item.held = publish(record, mark != 0);
+    store.append(item.hash, item.held, basis(item.held));
   } else {
     item.held = store.at(place);
-    if (keepNewer && item.record->version() < item.held->version()) return;
-    if (mark != 0 && mark < store.basis(place)) return;
-    if (sameFields(*item.record, *item.held)) {
+    if (keepNewer && record->version() < item.held->version()) return nullptr;
+    if (mark != 0 && mark < store.basis(place)) return nullptr;
+    if (sameFields(*record, *item.held)) {
       store.setBasis(place, mark != 0 ? mark : ++lastVersion);
-      ++item.type->generation;  // a set that is being compared with the store must look at the basis again
-      return;
+      ++type.generation;  // a set that is being compared with the store must look at the basis again
+      return nullptr;
     }
-    item.held = publish(item.record, mark != 0);
-    item.replaced = store.replace(place, item.held, basis(item.held));
+    item.held = publish(record, mark != 0);
+    replaced = store.replace(place, item.held, basis(item.held));
   }
-  ++item.type->generation;
+  ++type.generation;
   item.isChanged = true;
+  return replaced;
+}
+
+std::vector<CAccountData::Private::CItem> CAccountData::Private::itemsOf(const IDataPtr* records, std::size_t count,
+                                                                         std::vector<std::size_t>& itemOf) {
+  std::vector<CItem> items;
+  items.reserve(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    if (i + PREFETCH_AHEAD < count) prefetch(records[i + PREFETCH_AHEAD].get(), KEY_BYTES);
+    if (records[i] == nullptr) continue;
+    items.push_back({&records[i], records[i]->getKey(), 0, records[i]->getBaseId()});
+    items.back().hash = CHashedPlaces::hash(items.back().key);
+  }
+
+  itemOf.assign(count, CTypeStore::NONE);
+  CHashedPlaces seen;
+  seen.reserve(items.size());
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    if (i + PREFETCH_AHEAD < items.size()) seen.expect(items[i + PREFETCH_AHEAD].hash);
+    CItem& item = items[i];
+    const std::size_t first = seen.find(item.hash, [&](std::size_t place) {
+      return items[place].typeId == item.typeId && items[place].key == item.key;
+    });
+    itemOf[static_cast<std::size_t>(item.record - records)] = first == CHashedPlaces::NONE ? kept : first;
+    if (first != CHashedPlaces::NONE) {
+      items[first].record = item.record;
+      continue;
+    }
+    seen.add(item.hash, kept);
+    if (kept != i) items[kept] = std::move(item);
+    ++kept;
+  }
+  items.resize(kept);
+  return items;
 }
 
 std::vector<IDataPtr> CAccountData::Private::store(const IDataPtr* records, std::size_t count, bool keepNewer) {
-  std::vector<CItem> items;
-  items.reserve(count);  // `seen` points into it
-  std::vector<std::size_t> itemOf(count, CTypeStore::NONE);
-  std::map<int, std::unordered_map<std::string_view, std::size_t>> seen;
-  for (std::size_t i = 0; i < count; ++i) {
-    if (records[i] == nullptr) continue;
-    items.push_back({records[i], records[i]->getKey()});
-    auto& seenOfType = seen[records[i]->getBaseId()];
-    if (seenOfType.empty()) seenOfType.reserve(count - i);
-    const auto [found, isNew] = seenOfType.emplace(items.back().key, items.size() - 1);
-    itemOf[i] = found->second;
-    if (isNew) continue;
-    items.pop_back();
-    items[found->second].record = records[i];
-  }
-
+  std::vector<std::size_t> itemOf;
+  std::vector<CItem> items = itemsOf(records, count, itemOf);
+  std::size_t guess = 0;
   for (std::size_t begin = 0; begin < items.size(); begin += SLICE) {
+    std::vector<IDataPtr> replaced;  // freed after the lock is given up
     const utils::CWriteLock lock(mutex);
-    for (std::size_t i = begin; i < std::min(begin + SLICE, items.size()); ++i) storeItem(items[i], keepNewer);
+    for (std::size_t i = begin; i < std::min(begin + SLICE, items.size()); ++i) {
+      CTypeEntry& type = types[items[i].typeId];
+      if (i + PREFETCH_AHEAD < items.size()) {
+        prefetch(items[i + PREFETCH_AHEAD].record->get());
+        type.store.expect(items[i + PREFETCH_AHEAD].hash, guess);
+      }
+      if (type.store.size() == 0) type.store.reserve(items.size());
+      if (IDataPtr old = storeItem(type, items[i], keepNewer, guess)) replaced.push_back(std::move(old));
+    }
   }
   std::map<int, std::pair<std::vector<std::string>, std::vector<IDataPtr>>> changed;
-  for (const CItem& item : items) {
+  for (CItem& item : items) {
     if (!item.isChanged) continue;
-    auto& [keys, changedRecords] = changed[item.held->getBaseId()];
-    keys.push_back(item.key);
+    auto& [keys, changedRecords] = changed[item.typeId];
+    keys.push_back(std::move(item.key));
     changedRecords.push_back(item.held);
   }
   for (const auto& [typeId, change] : changed) listenersOf(typeId).call(change.first, change.second);
 
   std::vector<IDataPtr> held(count);
-  for (std::size_t i = 0; i < count; ++i)
-    if (itemOf[i] != CTypeStore::NONE) held[i] = items[itemOf[i]].held;
+  const bool isOneEach = items.size() == count;
+  for (std::size_t i = 0; i < count; ++i) {
+    if (itemOf[i] == CTypeStore::NONE) continue;
+    IDataPtr& record = items[itemOf[i]].held;
+    held[i] = isOneEach ? std::move(record) : record;
+  }
   return held;
 }
 
 void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& records, std::uint64_t mark) {
   CTypeStore fresh;  // holds the old set in the end, and frees it after the lock is given up
   fresh.reserve(records.size());
-  std::vector<std::string> keys;
+  std::vector<CKey> keys;
   keys.reserve(records.size());
   for (const IDataPtr& record : records) {
     if (record == nullptr) continue;
     assert(record->getBaseId() == typeId);
     const std::uint64_t own = CDataVersion::mark(*record);  // of the reply that brought it
     const std::uint64_t basis = own != 0 ? own : mark;
-    std::string key = record->getKey();
-    const std::size_t place = fresh.find(key);
+    CKey key{record->getKey(), 0};
+    key.hash = CHashedPlaces::hash(key.text);
+    const std::size_t place = fresh.find(key.hash, key.text);
     if (place != CTypeStore::NONE) {
       fresh.replace(place, record, basis);
       continue;
     }
-    fresh.append(key, record, basis);
+    fresh.append(key.hash, record, basis);
     keys.push_back(std::move(key));
   }
 
   // Comparing a large set takes long: it is done while others may read, and again only when somebody stored meanwhile.
-  std::vector<IDataPtr> unchanged(fresh.size());
+  std::vector<CHeld> held(fresh.size());
   std::uint64_t generation = 0;
   {
     const utils::CReadLock lock(mutex);
     const auto type = types.find(typeId);
     if (type != types.end()) {
       generation = type->second.generation;
-      unchanged = unchangedRecords(fresh, keys, type->second.store);
+      held = compare(fresh, keys, type->second.store);
     }
   }
   std::vector<IDataPtr> changed(fresh.size());
   {
     const utils::CWriteLock lock(mutex);
     CTypeEntry& entry = types[typeId];
-    if (entry.generation != generation) unchanged = unchangedRecords(fresh, keys, entry.store);
+    if (entry.generation != generation) held = compare(fresh, keys, entry.store);
     for (std::size_t i = 0; i < fresh.size(); ++i) {
-      if (unchanged[i] == nullptr) changed[i] = publish(fresh.records()[i], true);
-      const IDataPtr& held = unchanged[i] == nullptr ? changed[i] : unchanged[i];
-      const std::size_t before = entry.store.find(keys[i]);
-      const std::uint64_t basis = before == CTypeStore::NONE ? 0 : entry.store.basis(before);
-      fresh.replace(i, held, std::max(basis, fresh.basis(i) != ALWAYS ? fresh.basis(i) : lastVersion.load()));
+      if (held[i].unchanged == nullptr) changed[i] = publish(fresh.records()[i], true);
+      const std::uint64_t basis = fresh.basis(i) != ALWAYS ? fresh.basis(i) : lastVersion.load();
+      fresh.replace(i, held[i].unchanged == nullptr ? changed[i] : held[i].unchanged, std::max(held[i].basis, basis));
     }
     for (std::size_t i = 0; mark != ALWAYS && i < entry.store.size(); ++i) {
       if (entry.store.basis(i) <= mark) continue;
       const std::string key = entry.store.at(i)->getKey();
-      if (fresh.find(key) == CTypeStore::NONE) fresh.append(key, entry.store.at(i), entry.store.basis(i));
+      const std::uint32_t hash = CHashedPlaces::hash(key);
+      if (fresh.find(hash, key) == CTypeStore::NONE) fresh.append(hash, entry.store.at(i), entry.store.basis(i));
     }
     std::swap(fresh, entry.store);
     ++entry.generation;
@@ -156,7 +207,7 @@ void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& 
   std::vector<IDataPtr> changedRecords;
   for (std::size_t i = 0; i < changed.size(); ++i) {
     if (changed[i] == nullptr) continue;
-    changedKeys.push_back(keys[i]);
+    changedKeys.push_back(std::move(keys[i].text));
     changedRecords.push_back(changed[i]);
   }
   if (!changedKeys.empty()) listenersOf(typeId).call(changedKeys, changedRecords);

@@ -24,12 +24,12 @@ struct CAccountData::Private {
 
   /// A record on its way into the store. Of several with one key in a batch only the last is stored.
   struct CItem {
-    IDataPtr record;
-    std::string key;
-    CTypeEntry* type = nullptr;
-    IDataPtr held{};      ///< what the store holds afterwards
-    IDataPtr replaced{};  ///< freed after the lock is given up
+    const IDataPtr* record = nullptr;  ///< the caller's
+    std::string key{};
+    std::uint32_t hash = 0;  ///< of the key
+    int typeId = 0;
     bool isChanged = false;
+    IDataPtr held{};  ///< what the store holds afterwards
   };
 
   explicit Private(CAccountInfoPtr account) : accountInfo(std::move(account)) {}
@@ -37,7 +37,13 @@ struct CAccountData::Private {
   /// The record as it is to be held: stamped in place when nobody has seen it yet, else a stamped copy.
   IDataPtr publish(const IDataPtr& record, bool ofReply) TS_REQUIRES(mutex);
 
-  void storeItem(CItem& item, bool keepNewer) TS_REQUIRES(mutex);
+  /// Returns the record that was replaced, for freeing it outside the lock. `guess`: where the item may stand; then the
+  /// place behind it.
+  IDataPtr storeItem(CTypeEntry& type, CItem& item, bool keepNewer, std::size_t& guess) TS_REQUIRES(mutex);
+
+  /// The records without those that are null or followed by another one of their key; `itemOf` gets for each record the
+  /// place of the item that stands for it, NONE for a null one.
+  static std::vector<CItem> itemsOf(const IDataPtr* records, std::size_t count, std::vector<std::size_t>& itemOf);
 
   /// See CAccountData::updateData and updateDatas.
   std::vector<IDataPtr> store(const IDataPtr* records, std::size_t count, bool keepNewer);

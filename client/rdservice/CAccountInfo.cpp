@@ -38,12 +38,7 @@ const CStructDes& CAccountInfo::structDes() {
   return s_des;
 }
 
-std::string CAccountInfo::getKey() const {
-  std::string key;
-  key.reserve(detail::MAX_DIGITS + 1 + accountId.size());
-  detail::appendAccountKey(key, brokerType, accountId);
-  return key;
-}
+std::string CAccountInfo::getKey() const { return joinKey(*this); }
 
 std::string accountDisplayID(const CAccountInfo& account) {
   return account.name.empty() ? account.accountId : account.accountId + "(" + account.name + ")";

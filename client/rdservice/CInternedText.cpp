@@ -31,6 +31,10 @@ class CShard {
 
 constexpr std::size_t SHARD_BITS = 5;
 
+/// What this thread has found in the pool, by hash: a reply repeats a few texts, and these take no lock.
+constexpr std::size_t RECENT_TEXTS = 1024;
+thread_local std::array<const std::string*, RECENT_TEXTS> recentTexts{};
+
 // Both are never destroyed: records in static objects may still be read while the process ends.
 const std::string* emptyText() {
   static const auto* const s_empty = new std::string;
@@ -40,9 +44,11 @@ const std::string* emptyText() {
 const std::string* intern(std::string_view text) {
   static auto* const s_shards = new std::array<CShard, std::size_t{1} << SHARD_BITS>;
   if (text.empty()) return emptyText();
-  // The high bits: the low ones choose the bucket inside the shard.
   const std::uint64_t hash = std::hash<std::string_view>()(text);
-  return (*s_shards)[hash >> (64 - SHARD_BITS)].intern(text);
+  const std::string*& recent = recentTexts[hash % RECENT_TEXTS];
+  // The high bits: the low ones choose the bucket inside the shard.
+  if (recent == nullptr || *recent != text) recent = (*s_shards)[hash >> (64 - SHARD_BITS)].intern(text);
+  return recent;
 }
 
 }  // namespace

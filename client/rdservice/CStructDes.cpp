@@ -3,11 +3,15 @@
 #include "rdservice/CAccountInfo.h"
 #include "rdservice/CInternedText.h"
 #include "rdservice/hash_mix.h"
+#include "utils/CMutex.h"
 
 #include <algorithm>
 #include <cassert>
 #include <cstring>
 #include <functional>
+#include <map>
+#include <utility>
+#include <vector>
 
 namespace rdservice {
 
@@ -44,18 +48,76 @@ std::uint64_t doubleBits(double value) {
   return bits;
 }
 
-bool sameField(const CFieldDes& field, const IData& a, const IData& b) {
-  switch (field.type) {
-    case EFieldType::Account: return sameAccount(field.get<CAccountInfoPtr>(a), field.get<CAccountInfoPtr>(b));
-    case EFieldType::Text: return field.get<std::string>(a) == field.get<std::string>(b);
-    case EFieldType::Interned: return field.get<CInternedText>(a) == field.get<CInternedText>(b);
-    case EFieldType::Char: return field.get<char>(a) == field.get<char>(b);
-    case EFieldType::Int32: return field.get<std::int32_t>(a) == field.get<std::int32_t>(b);
-    case EFieldType::Int64: return field.get<std::int64_t>(a) == field.get<std::int64_t>(b);
-    case EFieldType::Double: return doubleBits(field.get<double>(a)) == doubleBits(field.get<double>(b));
+/// How records of a type are compared: runs of neighbouring plain members by their bytes, accounts and texts one by
+/// one.
+class CComparison {
+ public:
+  explicit CComparison(const IData& example) {
+    for (const CFieldDes& field : example.getStructDes()) {
+      const auto offset = static_cast<const char*>(field.address(example)) - reinterpret_cast<const char*>(&example);
+      m_parts.push_back({offset, plainSize(field.type), field.type});
+    }
+    std::sort(m_parts.begin(), m_parts.end(), [](const CPart& a, const CPart& b) { return a.offset < b.offset; });
+    const auto joined = [](CPart& part, const CPart& next) {
+      const bool isNeighbour = part.size != 0 && next.size != 0 && part.offset + part.size == next.offset;
+      if (isNeighbour) part.size += next.size;
+      return isNeighbour;
+    };
+    std::size_t last = 0;
+    for (std::size_t i = 1; i < m_parts.size(); ++i)
+      if (!joined(m_parts[last], m_parts[i])) m_parts[++last] = m_parts[i];
+    m_parts.resize(std::min(m_parts.size(), last + 1));
   }
-  assert(false);
-  return false;
+
+  bool areSame(const IData& a, const IData& b) const {
+    const auto* const left = reinterpret_cast<const char*>(&a);
+    const auto* const right = reinterpret_cast<const char*>(&b);
+    return std::all_of(m_parts.begin(), m_parts.end(),
+                       [&](const CPart& part) { return part.isSame(left + part.offset, right + part.offset); });
+  }
+
+ private:
+  struct CPart {
+    std::ptrdiff_t offset;  ///< of the first byte, from the record's
+    std::ptrdiff_t size;    ///< 0: an account or text
+    EFieldType type;
+
+    bool isSame(const char* a, const char* b) const {
+      if (size != 0) return std::memcmp(a, b, static_cast<std::size_t>(size)) == 0;
+      if (type == EFieldType::Text)
+        return *reinterpret_cast<const std::string*>(a) == *reinterpret_cast<const std::string*>(b);
+      return sameAccount(*reinterpret_cast<const CAccountInfoPtr*>(a), *reinterpret_cast<const CAccountInfoPtr*>(b));
+    }
+  };
+
+  static std::ptrdiff_t plainSize(EFieldType type) {
+    switch (type) {
+      case EFieldType::Account:
+      case EFieldType::Text: return 0;
+      case EFieldType::Interned: return sizeof(CInternedText);
+      case EFieldType::Char: return sizeof(char);
+      case EFieldType::Int32: return sizeof(std::int32_t);
+      case EFieldType::Int64: return sizeof(std::int64_t);
+      case EFieldType::Double: return sizeof(double);
+    }
+    assert(false);
+    return 0;
+  }
+
+  std::vector<CPart> m_parts;  ///< by offset
+};
+
+/// Made once for each type, from the first record that is compared; never freed.
+const CComparison& comparisonOf(const IData& record) {
+  const CStructDes* const des = &record.getStructDes();
+  thread_local std::pair<const CStructDes*, const CComparison*> recent{};
+  if (recent.first != des) {
+    static utils::CMutex s_mutex;
+    static auto* const s_all = new std::map<const CStructDes*, CComparison>;
+    const utils::CMutexLock lock(s_mutex);
+    recent = {des, &s_all->try_emplace(des, record).first->second};
+  }
+  return *recent.second;
 }
 
 std::uint64_t hashText(const std::string& text) { return std::hash<std::string>()(text); }
@@ -82,9 +144,7 @@ std::uint64_t hashField(const CFieldDes& field, const IData& record) {
 
 bool sameFields(const IData& a, const IData& b) {
   if (&a == &b) return true;
-  const CStructDes& des = a.getStructDes();
-  if (des.typeId() != b.getStructDes().typeId()) return false;
-  return std::all_of(des.begin(), des.end(), [&](const CFieldDes& field) { return sameField(field, a, b); });
+  return a.getStructDes().typeId() == b.getStructDes().typeId() && comparisonOf(a).areSame(a, b);
 }
 
 std::uint64_t fingerprint(const IData& record) {

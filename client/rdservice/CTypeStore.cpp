@@ -13,9 +13,20 @@ void CTypeStore::reserve(std::size_t count) {
   m_places.reserve(count);
 }
 
-std::size_t CTypeStore::find(const std::string& key) const {
-  const auto found = m_places.find(key);
-  return found == m_places.end() ? NONE : found->second;
+std::size_t CTypeStore::find(std::uint32_t hash, const std::string& key) const {
+  return m_places.find(hash, [&](std::size_t place) { return m_records[place]->getKey() == key; });
+}
+
+std::size_t CTypeStore::find(std::uint32_t hash, const std::string& key, std::size_t guess) const {
+  return guess < size() && m_records[guess]->getKey() == key ? guess : find(hash, key);
+}
+
+void CTypeStore::expect(std::uint32_t hash, std::size_t guess) const {
+  constexpr std::size_t USED_BYTES = 256;  // of a large record
+  if (guess + PREFETCH_AHEAD < size())
+    prefetch(m_records[guess + PREFETCH_AHEAD].get(), USED_BYTES);
+  else
+    m_places.expect(hash);
 }
 
 const IDataPtr& CTypeStore::at(std::size_t place) const {
@@ -26,10 +37,10 @@ const IDataPtr& CTypeStore::at(std::size_t place) const {
   return record;
 }
 
-std::size_t CTypeStore::append(const std::string& key, IDataPtr record, std::uint64_t basis) {
+std::size_t CTypeStore::append(std::uint32_t hash, IDataPtr record, std::uint64_t basis) {
   const std::size_t place = m_records.size();
-  [[maybe_unused]] const bool isNew = m_places.emplace(key, place).second;
-  assert(isNew);
+  assert(find(hash, record->getKey()) == NONE);
+  m_places.add(hash, place);
 #ifndef NDEBUG
   m_fingerprints.push_back(fingerprint(*record));
 #endif

@@ -25,6 +25,7 @@
 
 #include <boost/smart_ptr/make_shared.hpp>
 
+#include <cstdint>
 #include <set>
 
 using namespace rdservice;
@@ -191,6 +192,12 @@ TEST(Records, keys) {
        "3.10010001____SH____600000____0____1"},
   };
   for (const auto& c : cases) EXPECT_EQ(c.key, c.expected);
+  const std::string digits(300, '7');
+  for (std::size_t size = 0; size <= digits.size(); size += size < 40 ? 1 : 65) {
+    const std::string part = digits.substr(0, size);
+    EXPECT_EQ(CStkUnClosedCompacts::genKey(test::creditAccount(), part, "x", INT32_MIN, part),
+              "3.10010001____" + part + "____x____-2147483648____" + part);
+  }
 
   const auto one = test::openCompact("C1");
   EXPECT_EQ(one->getHashKey(7), test::openCompact("C1", 5)->getHashKey(7));

@@ -1,5 +1,6 @@
 #include "rdservice/records.h"
 
+#include "rdservice/CHashedPlaces.h"
 #include "rdservice/CStructDes.h"
 #include "rdservice/data_centre_factory.h"
 #include "rdservice/rdservice_enums.h"
@@ -8,6 +9,10 @@
 #include <gtest/gtest.h>
 
 #include <boost/smart_ptr/make_shared.hpp>
+
+#include <algorithm>
+#include <random>
+#include <utility>
 
 using namespace rdservice;
 using test::closedCompact;
@@ -122,6 +127,51 @@ TEST_F(CStoreTest, aBatchIsToldOnceWhenAllOfItIsStored) {
   EXPECT_EQ(volumeOf(held[0]), 2);
   EXPECT_EQ(takeTold(), "C2") << "C1 did not change, C2 is told as it is held";
   EXPECT_EQ(heldWhenTold, std::vector<std::size_t>{3});
+}
+
+TEST_F(CStoreTest, batchesInAnyOrderEndAsOneRecordAfterTheOther) {
+  std::mt19937 random(5);
+  std::vector<std::pair<std::string, std::int64_t>> expected;  // in order of arrival
+  for (int round = 0; round < 60; ++round) {
+    std::vector<IDataPtr> batch;
+    const bool isReply = round % 5 == 4;  // the same set again, in its order
+    const std::size_t size = isReply ? expected.size() : 1 + random() % 300;
+    for (std::size_t i = 0; i < size; ++i) {
+      const std::string number = isReply ? expected[i].first : "C" + std::to_string(random() % 2000);
+      const auto volume = static_cast<std::int64_t>(random() % 3);
+      const auto held =
+          std::find_if(expected.begin(), expected.end(), [&](const auto& e) { return e.first == number; });
+      if (held == expected.end())
+        expected.emplace_back(number, volume);
+      else
+        held->second = volume;
+      batch.push_back(openCompact(number, volume));
+      if (random() % 4 == 0) batch.push_back(closedCompact(number));  // another type with the same key
+    }
+    store->updateDatas(batch);
+    if (round % 10 == 9) store->updateCompacts(OPEN, store->getData(OPEN));
+  }
+  std::vector<std::pair<std::string, std::int64_t>> held;
+  for (const IDataPtr& record : store->getData(OPEN)) {
+    held.emplace_back(numbersOf({record}), volumeOf(record));
+    EXPECT_EQ(store->getData(OPEN, record->getKey()), record);
+  }
+  EXPECT_EQ(held, expected);
+  EXPECT_EQ(store->getData(OPEN, openKey("C2000")), nullptr);
+}
+
+TEST(HashedPlaces, keysWithOneHashAreToldApart) {
+  CHashedPlaces places;
+  const auto isPlace = [](std::size_t wanted) { return [wanted](std::size_t place) { return place == wanted; }; };
+  constexpr std::uint32_t HASHES[] = {0, 7, 0xFFFFFFFF};  // the last one's neighbours are at the beginning
+  constexpr std::size_t COUNT = 300;
+  for (std::size_t place = 0; place < COUNT; ++place) {
+    EXPECT_EQ(places.find(HASHES[place % 3], isPlace(place)), CHashedPlaces::NONE);
+    places.add(HASHES[place % 3], place);
+  }
+  for (std::size_t place = 0; place < COUNT; ++place)
+    for (const std::uint32_t hash : HASHES)
+      EXPECT_EQ(places.find(hash, isPlace(place)), hash == HASHES[place % 3] ? place : CHashedPlaces::NONE);
 }
 
 TEST_F(CStoreTest, modifyingWorksOnWhatIsHeldNow) {
