@@ -9,7 +9,7 @@ install(TARGETS compacts-desk compacts-book RUNTIME DESTINATION ${CMAKE_INSTALL_
 install(TARGETS compacts-xls RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/PanelCompacts)
 install(DIRECTORY host/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/PanelCompacts FILES_MATCHING PATTERN "*.h")
 install(FILES panels/panels_api.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/PanelCompacts)
-install(FILES panels/compacts/CCompactsPanel.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/PanelCompacts/compacts)
+install(FILES panels/compacts/CCompactsPanel.h panels/compacts/push_load.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/PanelCompacts/compacts)
 install(FILES panels/appointment/CQueryAppointmentInfoPanel.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/PanelCompacts/appointment)
 install(DIRECTORY client/desk/config client/counter/sample_book DESTINATION ${CMAKE_INSTALL_DATADIR}/PanelCompacts)

@@ -8,6 +8,7 @@
 #include "COrderTable.h"
 #include "CPanelDocks.h"
 #include "CPositionTable.h"
+#include "compacts/CCompactsPanel.h"
 #include "gw/widget_events.h"
 #include "runtime/CClientRuntime.h"
 #include "vn/CTradeClient.h"
@@ -61,9 +62,16 @@ CMainWindow::CMainWindow(const QString& layoutFile) {
   m_panelMenu->setEnabled(false);
   m_viewMenu = menuBar()->addMenu(QStringLiteral("视图(&V)"));
   m_state = new QLabel(this);
+  m_pushes = new QLabel(this);
+  m_pushes->setObjectName(QStringLiteral("pushLoad"));
+  m_pushes->setToolTip(
+      QStringLiteral("积压: 最近一秒内同时等待处理的推送最多条数\n合并: 等待时被同一合约更新的推送取代的条数"));
   m_gap = new QLabel(this);
-  m_gap->setToolTip(QStringLiteral("界面线程未响应的最长时间"));
+  m_gap->setObjectName(QStringLiteral("gap"));
+  m_gap->setToolTip(
+      QStringLiteral("界面线程未响应的最长时间\n丢帧: 因此错过的画面, 每帧 %1 毫秒").arg(m_meter.FRAME_MS));
   statusBar()->addWidget(m_state, 1);
+  statusBar()->addPermanentWidget(m_pushes);
   statusBar()->addPermanentWidget(m_gap);
   if (!layoutFile.isEmpty()) m_layout = std::make_unique<CLayoutKeeper>(*this, layoutFile);
   startTimer(METER_PERIOD_MS);
@@ -176,6 +184,19 @@ void CMainWindow::listenToClient() {
   });
 }
 
+void CMainWindow::showPushLoad() {
+  VN::CPushLoad load;
+  const auto panels = findChildren<VN::CCompactsPanel*>();
+  for (VN::CCompactsPanel* panel : panels) {
+    const VN::CPushLoad own = panel->takePushLoad();
+    load.mostWaiting += own.mostWaiting;
+    m_foldedPushes += own.folded;
+  }
+  m_pushes->setText(QStringLiteral("推送积压 %1, 合并 %2").arg(load.mostWaiting).arg(m_foldedPushes));
+}
+
 void CMainWindow::timerEvent(QTimerEvent*) {
-  m_gap->setText(QStringLiteral("最长停顿 %1 毫秒").arg(m_meter.longestGap(), 0, 'f', 1));
+  m_gap->setText(
+      QStringLiteral("最长停顿 %1 毫秒, 丢帧 %2").arg(m_meter.longestGap(), 0, 'f', 1).arg(m_meter.missedFrames()));
+  showPushLoad();
 }

@@ -5,6 +5,7 @@
 
 #include <QMainWindow>
 
+#include <cstdint>
 #include <memory>
 
 class CLayoutKeeper;
@@ -58,6 +59,7 @@ class CMainWindow : public QMainWindow, public GW::IEventReceiver {
   void addDocks();
   void settleDocks();
   void listenToClient();
+  void showPushLoad();
 
   std::unique_ptr<runtime::CClientRuntime> m_client;  ///< outlives the panels, which the destructor deletes first
   CMessageView* m_messages = nullptr;
@@ -67,6 +69,8 @@ class CMainWindow : public QMainWindow, public GW::IEventReceiver {
   QMenu* m_viewMenu = nullptr;
   QString m_startFailure;
   QLabel* m_state = nullptr;
+  QLabel* m_pushes = nullptr;
   QLabel* m_gap = nullptr;
+  std::uint64_t m_foldedPushes = 0;  ///< also of panels that are closed by now
   utils::CEventLoopMeter m_meter{10, nullptr};
 };

@@ -13,11 +13,14 @@ CEventLoopMeter::~CEventLoopMeter() = default;
 
 void CEventLoopMeter::reset() {
   m_longestMs = 0;
+  m_missedFrames = 0;
   m_sinceTurn.start();
 }
 
 void CEventLoopMeter::timerEvent(QTimerEvent*) {
-  m_longestMs = std::max(m_longestMs, double(m_sinceTurn.nsecsElapsed()) / 1e6 - m_periodMs);
+  const double gapMs = double(m_sinceTurn.nsecsElapsed()) / 1e6 - m_periodMs;
+  m_longestMs = std::max(m_longestMs, gapMs);
+  if (gapMs > 0) m_missedFrames += static_cast<std::int64_t>(gapMs / FRAME_MS);
   m_sinceTurn.start();
 }
 

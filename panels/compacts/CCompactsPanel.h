@@ -1,6 +1,7 @@
 #pragma once
 
 #include "bson/BSONObj.h"
+#include "compacts/push_load.h"
 #include "panels_api.h"
 #include "rdservice/CCodeOrderParam.h"
 #include "rdservice/CCreditCompactRenewalApply.h"
@@ -74,6 +75,8 @@ class PANELS_API CCompactsPanel : public ITradeDockableWidget {
   /// Shows an account in every table. `query`: the tables may query, if the query rules allow it; `userChosen`: the
   /// user chose it, so that the tables also answer when they show it already.
   void setAccount(const std::string& accountKey, bool query, bool userChosen);
+  /// What pushes have kept the tables waiting with since it was last asked.
+  CPushLoad takePushLoad();
 
   // --- for the order panel around it ---
 

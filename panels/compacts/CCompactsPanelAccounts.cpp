@@ -5,6 +5,7 @@
 #include "compacts/tables/CCompactsBaseTable.h"
 #include "compacts/tables/CCompactsChangeTable.h"
 #include "compacts/tables/CCompactsStaticsTable.h"
+#include "compacts/tables/CCompactsTable.h"
 #include "gw/controls.h"
 #include "rdservice/TraderCenter.h"
 #include "utils/CLogCenter.h"
@@ -131,6 +132,17 @@ void CCompactsPanel::onStkUnClosedCompacts(const rdservice::IDataPtr& data) {
 
 void CCompactsPanel::onStkClosedCompacts(const rdservice::IDataPtr& data) {
   if (m_closedTable != nullptr) m_closedTable->onPushData(data);
+}
+
+CPushLoad CCompactsPanel::takePushLoad() {
+  CPushLoad load;
+  const auto tables = findChildren<CCompactsTable*>();
+  for (CCompactsTable* table : tables) {
+    const CPushLoad own = table->takePushLoad();
+    load.mostWaiting += own.mostWaiting;
+    load.folded += own.folded;
+  }
+  return load;
 }
 
 void CCompactsPanel::onClearAccountDatas(const std::string& accountKey, int dataType) {

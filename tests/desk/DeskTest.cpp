@@ -14,7 +14,9 @@
 #include "vn/CCountDownButton.h"
 #include "vn/CTradeClient.h"
 
+#include <QElapsedTimer>
 #include <QFile>
+#include <QLabel>
 #include <QTest>
 
 #include <atomic>
@@ -54,6 +56,36 @@ TEST_F(DeskTest, ShowsTheBooksCompactsAndTheirChanges) {
 
   choose(EMPTY);
   refresh(0);
+}
+
+TEST_F(DeskTest, TheStatusBarTellsOfPushesThatWaitAndOfFramesMissed) {
+  choose(LARGE);
+  refresh(5000);
+  const auto* pushes = m_window->findChild<QLabel*>(QStringLiteral("pushLoad"));
+  const auto* gap = m_window->findChild<QLabel*>(QStringLiteral("gap"));
+  const auto isWhole = [](const QLabel* label) { return label->width() >= label->sizeHint().width(); };
+  const auto shows = [isWhole](const QLabel* label, const char* text) {
+    return waitUntil([&] { return label->text() == QString::fromUtf8(text) && isWhole(label); });
+  };
+  ASSERT_TRUE(shows(pushes, "推送积压 0, 合并 0"));
+  {
+    const kit::CStrandLatch latch;
+    for (int turn = 0; turn < 2; ++turn) m_window->client().changeSomeCompacts(LARGE, 5000);
+    EXPECT_TRUE(shows(pushes, "推送积压 5000, 合并 5000"));
+  }
+  EXPECT_TRUE(shows(pushes, "推送积压 0, 合并 5000"));
+  delete m_window->panel();
+  EXPECT_TRUE(shows(pushes, "推送积压 0, 合并 5000")) << "what a closed panel folded is folded";
+
+  constexpr int STILL_MS = 200;
+  m_window->restartMeter();
+  QElapsedTimer still;
+  still.start();
+  while (still.elapsed() < STILL_MS) {
+  }
+  EXPECT_TRUE(waitUntil([&] {
+    return gap->text().section(QStringLiteral("丢帧 "), 1).toInt() >= STILL_MS / 20 && isWhole(gap);
+  })) << gap->text().toStdString();
 }
 
 TEST_F(DeskTest, ABookThatIsGivenUpLeavesTheDatabaseAsItWas) {

@@ -20,8 +20,10 @@ TEST(CEventLoopMeter, NoticesALoopThatStandsStill) {
   QTimer::singleShot(STILL_MS + 30, &loop, &QEventLoop::quit);
   loop.exec();
   EXPECT_GE(meter.longestGap(), STILL_MS - 10);
+  EXPECT_GE(meter.missedFrames(), (STILL_MS - 10) / utils::CEventLoopMeter::FRAME_MS);
   meter.reset();
   EXPECT_EQ(meter.longestGap(), 0);
+  EXPECT_EQ(meter.missedFrames(), 0);
 }
 
 }  // namespace

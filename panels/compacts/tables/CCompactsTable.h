@@ -3,6 +3,7 @@
 #include "bson/BSONObj.h"
 #include "compacts/tables/CCompactColumns.h"
 #include "compacts/tables/CCompactsBaseTable.h"
+#include "compacts/tables/CPushBacklog.h"
 #include "rdservice/CStkUnClosedCompacts.h"
 #include "rdservice/rdservice_enums.h"
 #include "utils/CSubscription.h"
@@ -43,6 +44,9 @@ class CCompactsTable : public CCompactsBaseTable {
 
   bool handleEvent(int type, int p1, int p2, QString text, void* data) override;
 
+  /// What pushes have kept the strand waiting with. Any thread.
+  CPushLoad takePushLoad() { return m_pushes.takeLoad(); }
+
  Q_SIGNALS:
   /// A query finished, or there was nothing to query. Emitted on any thread.
   void sigQueryData();
@@ -63,7 +67,7 @@ class CCompactsTable : public CCompactsBaseTable {
   void refreshPagingButtons();
   void startQuery(bool serverQuery);
 
-  /// Any thread.
+  /// Has the rows rebuilt on the strand, once for all who ask before it begins. Any thread.
   void postRebuild(const std::string& account, bool replaced = false);
 
   // service threads
@@ -81,9 +85,16 @@ class CCompactsTable : public CCompactsBaseTable {
   // strand
   void applyReply(const CReplyText& text, const GW::CTableScope& madeFor,
                   const std::vector<rdservice::IDataPtr>& compacts);
+  void runRebuild(const std::string& account);
   void rebuildRows(const std::string& account, bool replaced);
-  void applyPushes();
   void showPushed(std::vector<rdservice::IDataPtr> pushes);
+  using CRecord = std::vector<rdservice::IDataPtr>::const_iterator;
+  /// Pushes, whatever account is shown.
+  void showPushes(CRecord begin, CRecord end);
+  /// What the query of another panel brought: for the account shown alone, as any reply.
+  void showOthersReplies(CRecord begin, CRecord end);
+  /// False when the table is closing. Part of a batch.
+  bool writePushed(const rdservice::IDataPtr& record, int compactType);
   /// With local pages: a push of a compact that stands on another page makes no row here.
   void removeOtherPages(std::vector<rdservice::IDataPtr>& pushes) const;
   /// What the data centre holds of the scope's account and type, on all pages.
@@ -97,9 +108,11 @@ class CCompactsTable : public CCompactsBaseTable {
   CCompactColumns m_columns;
   std::atomic<int> m_total{0};  ///< records of every page, as the last rebuild found them
 
-  /// Pushed records that wait for the strand; one strand task takes them all.
-  utils::CMutex m_pushMutex;
-  std::vector<rdservice::IDataPtr> m_pushes TS_GUARDED_BY(m_pushMutex);
+  CPushBacklog m_pushes;  ///< one strand task takes them all
+
+  /// Accounts for which a rebuild waits on the strand, and whether it replaces their set.
+  utils::CMutex m_rebuildMutex;
+  std::map<std::string, bool> m_rebuilds TS_GUARDED_BY(m_rebuildMutex);
 
   utils::CSubscriptionPtr m_changeSubscription;
 };

@@ -7,6 +7,7 @@
 #include "utils/CLogCenter.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <unordered_set>
 
 namespace VN {
@@ -17,6 +18,9 @@ namespace {
 
 constexpr const char* FILE_NAME = "CCompactsTable.cpp";
 constexpr const char* MODIFIED_HERE = "KV";  ///< modify tag of a compact that the client itself has changed
+
+/// Pushes that become rows in one go: the GUI thread may look at the rows in between.
+constexpr std::ptrdiff_t MOST_AT_ONCE = 1024;
 
 /// The table that is storing a reply's records on this thread: what the store then tells it as pushes is its own echo.
 thread_local const CCompactsTable* storingTable = nullptr;
@@ -165,51 +169,70 @@ void CCompactsTable::onCompactChange(bool replaced, const std::string& account, 
   postRebuild(account, replaced);
 }
 
+// A rebuild looks at table and data centre when it runs: one that waits will see what the next one was to show.
 void CCompactsTable::postRebuild(const std::string& account, bool replaced) {
-  postToStrand([this, account, replaced] { rebuildRows(account, replaced); });
+  {
+    const utils::CMutexLock lock(m_rebuildMutex);
+    const auto [waiting, isNew] = m_rebuilds.emplace(account, replaced);
+    waiting->second = waiting->second || replaced;
+    if (!isNew) return;
+  }
+  postToStrand([this, account] { runRebuild(account); });
+}
+
+void CCompactsTable::runRebuild(const std::string& account) {
+  bool replaced = false;
+  {
+    const utils::CMutexLock lock(m_rebuildMutex);
+    const auto waiting = m_rebuilds.find(account);
+    replaced = waiting->second;
+    m_rebuilds.erase(waiting);
+  }
+  rebuildRows(account, replaced);
 }
 
 void CCompactsTable::onPushData(IDataPtr data) {
   if (!isOwnRecord(data) || storingTable == this) return;
-  {
-    const utils::CMutexLock lock(m_pushMutex);
-    m_pushes.push_back(std::move(data));
-    if (m_pushes.size() > 1) return;  // the task posted for the first one takes this one along
-  }
-  postToStrand([this] { applyPushes(); });
-}
-
-void CCompactsTable::applyPushes() {
-  std::vector<IDataPtr> pushes;
-  {
-    const utils::CMutexLock lock(m_pushMutex);
-    pushes.swap(m_pushes);
-  }
-  showPushed(pushes);
+  if (m_pushes.add(std::move(data))) postToStrand([this] { showPushed(m_pushes.take()); });
 }
 
 void CCompactsTable::showPushed(std::vector<IDataPtr> pushes) {
   if (m_splitPage) removeOtherPages(pushes);
-  const bool filtered = getID() == TableUnclosedCompacts;
-  // What a query of another panel brought is for the account shown alone, as any reply; a push is not.
-  const auto write = [&](bool ofReply, const GW::CTableScope& shown) {
-    for (const IDataPtr& record : pushes) {
-      if (isClosing() || record->isOfReply() != ofReply) continue;
-      const rdservice::CAccountInfoPtr account = accountInfoOf(*record);
-      if (ofReply && (!account || account->getKey() != shown.account)) continue;
-      if (!filtered || isOfType(*record, shown.type)) writeRow(record, EItems::Reset);
-    }
-  };
-  for (bool pushed = false; !pushed;) {  // again when the compact type changes meanwhile
+  for (CRecord begin = pushes.begin(); begin != pushes.end();) {
+    const bool ofReply = (*begin)->isOfReply();
+    const CRecord limit = begin + std::min<std::ptrdiff_t>(MOST_AT_ONCE, pushes.end() - begin);
+    const CRecord end =
+        std::find_if(begin, limit, [ofReply](const IDataPtr& record) { return record->isOfReply() != ofReply; });
+    ofReply ? showOthersReplies(begin, end) : showPushes(begin, end);
+    if (isClosing()) return;
+    begin = end;
+  }
+}
+
+void CCompactsTable::showPushes(CRecord begin, CRecord end) {
+  for (bool isShown = false; !isShown;) {  // again when the compact type changes meanwhile
     const GW::CTableScope shown = shownScope();
     GW::CTableBatch batch(*this, shown.type);
-    write(false, shown);
-    pushed = batch.commit();
+    for (CRecord record = begin; record != end; ++record)
+      if (!writePushed(*record, shown.type)) return;
+    isShown = batch.commit();
   }
+}
+
+void CCompactsTable::showOthersReplies(CRecord begin, CRecord end) {
   const GW::CTableScope shown = shownScope();
   GW::CTableBatch batch(*this, shown);
-  write(true, shown);
+  for (CRecord record = begin; record != end; ++record) {
+    const rdservice::CAccountInfoPtr account = accountInfoOf(**record);
+    if (account && account->getKey() == shown.account && !writePushed(*record, shown.type)) return;
+  }
   [[maybe_unused]] const bool isShown = batch.commit();  // refused: another account is shown by now
+}
+
+bool CCompactsTable::writePushed(const IDataPtr& record, int compactType) {
+  if (isClosing()) return false;
+  if (getID() != TableUnclosedCompacts || isOfType(*record, compactType)) writeRow(record, EItems::Reset);
+  return true;
 }
 
 void CCompactsTable::removeOtherPages(std::vector<IDataPtr>& pushes) const {

@@ -39,15 +39,16 @@ int counterTypeOf(const rdservice::IData& record) {
   return account ? account->counterType : 0;
 }
 
-bool isOfType(const rdservice::IData& record, int compactType) {
-  if (compactType == rdservice::CompactTypeAll) return true;
+int compactTypeOf(const rdservice::IData& record) {
   switch (record.getBaseId()) {
-    case rdservice::RecordStkUnClosedCompacts:
-      return static_cast<const CStkUnClosedCompacts&>(record).compactType == compactType;
-    case rdservice::RecordStkClosedCompacts:
-      return static_cast<const CStkClosedCompacts&>(record).compactType == compactType;
-    default: return false;
+    case rdservice::RecordStkUnClosedCompacts: return static_cast<const CStkUnClosedCompacts&>(record).compactType;
+    case rdservice::RecordStkClosedCompacts: return static_cast<const CStkClosedCompacts&>(record).compactType;
+    default: return rdservice::CompactTypeAll;
   }
+}
+
+bool isOfType(const rdservice::IData& record, int compactType) {
+  return compactType == rdservice::CompactTypeAll || compactTypeOf(record) == compactType;
 }
 
 rdservice::CPositionStaticsPtr positionOf(const rdservice::CAccountDataPtr& store, const std::string& exchangeId,

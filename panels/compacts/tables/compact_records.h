@@ -19,6 +19,8 @@ rdservice::CAccountInfoPtr accountInfoOf(const rdservice::IData& record);
 /// 0 without an account.
 int counterTypeOf(const rdservice::IData& record);
 
+/// The type of an unclosed or closed compact; `CompactTypeAll` for any other record.
+int compactTypeOf(const rdservice::IData& record);
 /// Whether an unclosed or closed compact is of that type; any is when it is `CompactTypeAll`.
 bool isOfType(const rdservice::IData& record, int compactType);
 
