@@ -1,6 +1,8 @@
 #include "gw/table/CKeyColumn.h"
 
 #include "gw/delegates/CDelegateControl.h"
+#include "gw/table/CFieldReader.h"
+#include "gw/table/vector_growth.h"
 #include "rdservice/CAccountInfo.h"
 #include "rdservice/CInternedText.h"
 
@@ -80,6 +82,35 @@ std::uint64_t CKeyColumn::make(const CCell& cell) {
   return 0;
 }
 
+void CKeyColumn::fill(const std::vector<rdservice::IDataPtr>& records, const CItemColumn* items) {
+  growFor(keys, records.size());
+  if (m_kind == Field || m_kind == Interned) fillField(records);
+  while (keys.size() < records.size())
+    keys.push_back(make({records[keys.size()].get(), items, static_cast<int>(keys.size())}));
+}
+
+void CKeyColumn::fillField(const std::vector<rdservice::IDataPtr>& records) {
+  const std::size_t first = keys.size();
+  if (first == records.size()) return;
+  const CFieldReader reader(*m_column.field, *records[first]);
+  const auto fillWith = [&](auto sample, auto keyOf) {
+    reader.forEach<decltype(sample)>(records, first, records.size(),
+                                     [&](const auto& value) { keys.push_back(keyOf(value)); });
+  };
+  const auto numberOf = [](auto value) { return sortable(std::int64_t{value}); };
+  switch (m_column.field->type) {
+    case EFieldType::Char: return fillWith(char(), numberOf);
+    case EFieldType::Int32: return fillWith(std::int32_t(), numberOf);
+    case EFieldType::Int64: return fillWith(std::int64_t(), numberOf);
+    case EFieldType::Double: return fillWith(double(), [](double value) { return sortable(value); });
+    case EFieldType::Interned:
+      return fillWith(rdservice::CInternedText(),
+                      [this](rdservice::CInternedText text) { return m_texts.pooledKey(text.str()); });
+    case EFieldType::Account:
+    case EFieldType::Text: break;
+  }
+}
+
 std::uint64_t CKeyColumn::makeField(const rdservice::IData& record) const {
   const rdservice::CFieldDes& field = *m_column.field;
   switch (field.type) {
@@ -97,6 +128,8 @@ std::uint64_t CKeyColumn::makeNumberText(const QString& text) {
   if (isNumber) return numberKey(number);
   return TOP_BIT | m_texts.key(text.toStdString()) >> 1U;
 }
+
+bool CKeyColumn::mayDecide() const { return m_kind != None && m_kind != Field && m_kind != Check && m_kind != Value; }
 
 bool CKeyColumn::decides(std::uint64_t key) const {
   switch (m_kind) {

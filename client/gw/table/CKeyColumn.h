@@ -18,6 +18,10 @@ class CKeyColumn {
 
   /// Calls a delegate's order function, if it has one.
   std::uint64_t make(const CCell& cell);
+  /// Appends the keys of the rows that have none yet. `items` are the column's cells by slot, null for none.
+  void fill(const std::vector<rdservice::IDataPtr>& records, const CItemColumn* items);
+  /// Whether there are keys for which `decides` is true.
+  bool mayDecide() const;
   /// Whether cells of this key may yet differ; then `compare` tells.
   bool decides(std::uint64_t key) const;
   /// Of two cells with that same key: negative, zero or positive.
@@ -33,6 +37,7 @@ class CKeyColumn {
   enum EKind : unsigned char { None, Field, Interned, Text, Account, Check, Value, NumberText, ItemText };
 
   std::uint64_t makeField(const rdservice::IData& record) const;
+  void fillField(const std::vector<rdservice::IDataPtr>& records);
   std::uint64_t makeNumberText(const QString& text);
 
   const CTableColumn& m_column;

@@ -63,6 +63,7 @@ bool CSharedRows::commit(CChangeSet& changes, const CScopeTest& accepts, ERowRul
     CMutexLock lock(m_mutex);
     if (m_closed || (accepts && !accepts(m_scope))) {
       if (present != nullptr) *present = m_scope;
+      undoRows(prepared, changes);
       return false;
     }
     if (changes.clearFirst) clearRows(garbage);
@@ -78,6 +79,7 @@ bool CSharedRows::commit(CChangeSet& changes, const CScopeTest& accepts, ERowRul
       }
       done = changes.records.size();
     }
+    undoRows(prepared, changes);
     std::vector<int> refused;
     const auto putUntil = [&](std::size_t end) TS_REQUIRES(m_mutex) {
       for (; done < end; ++done) {
@@ -111,18 +113,27 @@ bool CSharedRows::isEmptyFor(const CChangeSet& changes) const {
   return changes.clearFirst || slotCount() == 0;
 }
 
-/// The rows of a batch in an empty table; none when a key comes twice. Without such keys no record is refused, so that
-/// the items may follow all of them.
-CSharedRows::CRows CSharedRows::rowsOf(const CChangeSet& changes) {
+/// The rows of a batch in an empty table, with its records; none when a key comes twice. Without such keys no record is
+/// refused, so that the items may follow all of them.
+CSharedRows::CRows CSharedRows::rowsOf(CChangeSet& changes) {
   CRows rows;
-  rows.keys.reserve(changes.records.size(), changes.keyBytes());
-  rows.records.reserve(changes.records.size());
-  for (const CChangeSet::CRecord& change : changes.records) {
-    if (rows.keys.findOrAdd(change.hash, changes.key(change)) != static_cast<int>(rows.records.size())) return CRows();
-    rows.records.push_back(change.record);
+  const std::size_t count = changes.records.size();
+  rows.keys.reserve(count, changes.keyBytes());
+  for (std::size_t i = 0; i < count; ++i) {
+    if (i + PREFETCH_AHEAD < count) rows.keys.prefetch(changes.records[i + PREFETCH_AHEAD].hash);
+    const CChangeSet::CRecord& change = changes.records[i];
+    if (rows.keys.findOrAdd(change.hash, changes.key(change)) != static_cast<int>(i)) return CRows();
   }
-  rows.marks.resize(rows.records.size());
+  rows.records.reserve(count);
+  for (CChangeSet::CRecord& change : changes.records) rows.records.push_back(std::move(change.record));
+  rows.marks.resize(count);
   return rows;
+}
+
+/// Gives a batch back the records of rows that were made for nothing.
+void CSharedRows::undoRows(CRows& rows, CChangeSet& changes) {
+  for (std::size_t i = 0; i < rows.records.size(); ++i) changes.records[i].record = std::move(rows.records[i]);
+  rows.records.clear();
 }
 
 void CSharedRows::put(const CChangeSet& changes, CChangeSet::CRecord& change, ERowRule rule,

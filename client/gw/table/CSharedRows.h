@@ -113,7 +113,8 @@ class CSharedRows {
   };
 
   bool isEmptyFor(const CChangeSet& changes) const;
-  static CRows rowsOf(const CChangeSet& changes);
+  static CRows rowsOf(CChangeSet& changes);
+  static void undoRows(CRows& rows, CChangeSet& changes);
   int slotCount() const TS_REQUIRES(m_mutex) { return m_rows.keys.size(); }
   void put(const CChangeSet& changes, CChangeSet::CRecord& change, ERowRule rule, std::vector<int>& refused)
       TS_REQUIRES(m_mutex);

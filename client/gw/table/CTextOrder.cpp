@@ -34,11 +34,13 @@ std::uint64_t CTextOrder::key(std::string_view text) {
 }
 
 std::uint64_t CTextOrder::pooledKey(const std::string& text) {
-  const auto known = m_pooled.find(&text);
-  if (known != m_pooled.end()) return known->second;
-  const std::uint64_t made = key(text);
-  m_pooled.emplace(&text, made);
-  return made;
+  CRecent& recent = m_recent[reinterpret_cast<std::uintptr_t>(&text) / sizeof(std::string) % m_recent.size()];
+  if (recent.text != &text) {
+    auto known = m_pooled.find(&text);
+    if (known == m_pooled.end()) known = m_pooled.emplace(&text, key(text)).first;
+    recent = {&text, known->second};
+  }
+  return recent.key;
 }
 
 std::uint64_t CTextOrder::rank(const std::string& text) {
@@ -57,6 +59,7 @@ bool CTextOrder::renumberIfNeeded() {
   if (!m_isFull) return false;
   m_isFull = false;
   m_pooled.clear();
+  m_recent.fill({});
   const std::uint64_t step = TOP_BIT / (m_places.size() + 1);
   std::uint64_t next = 0;
   for (auto& [place, rank] : m_places) {

@@ -3,6 +3,8 @@
 #include <QCollator>
 #include <QCollatorSortKey>
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -46,6 +48,12 @@ class CTextOrder {
   std::map<CPlace, std::uint64_t, CBefore> m_places;
   std::unordered_map<std::string, std::uint64_t> m_ranks;
   std::unordered_map<const std::string*, std::uint64_t> m_pooled;
+  /// The last pooled texts, each at a place of its own address.
+  struct CRecent {
+    const std::string* text = nullptr;
+    std::uint64_t key = 0;
+  };
+  std::array<CRecent, 256> m_recent{};
   bool m_isFull = false;
 };
 
