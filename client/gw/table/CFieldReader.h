@@ -12,6 +12,9 @@ namespace GW {
 /// all work on it.
 class CFieldReader {
  public:
+  /// How many records ahead a loop fetches.
+  static constexpr std::size_t AHEAD = 16;
+
   /// `sample` is any record of the type.
   CFieldReader(const rdservice::CFieldDes& field, const rdservice::IData& sample)
       : m_offset(static_cast<const char*>(field.address(sample)) - reinterpret_cast<const char*>(&sample)) {}
@@ -21,14 +24,20 @@ class CFieldReader {
     return *reinterpret_cast<const T*>(reinterpret_cast<const char*>(&record) + m_offset);
   }
 
+  template <class T>
+  void prefetch(const rdservice::IData& record) const {
+#ifdef __GNUC__
+    __builtin_prefetch(&get<T>(record));
+#else
+    static_cast<void>(record);
+#endif
+  }
+
   /// Calls `visit(const T&)` for the records from `first` to before `end`.
   template <class T, class F>
   void forEach(const std::vector<rdservice::IDataPtr>& records, std::size_t first, std::size_t end, F visit) const {
     for (std::size_t i = first; i < end; ++i) {
-#ifdef __GNUC__
-      constexpr std::size_t AHEAD = 16;
-      if (i + AHEAD < end) __builtin_prefetch(&get<T>(*records[i + AHEAD]));
-#endif
+      if (i + AHEAD < end) prefetch<T>(*records[i + AHEAD]);
       visit(get<T>(*records[i]));
     }
   }

@@ -142,6 +142,22 @@ bool CKeyColumn::decides(std::uint64_t key) const {
   }
 }
 
+bool CKeyColumn::finerKeys(const std::vector<rdservice::IDataPtr>& records, const std::vector<int>& slots, int stage,
+                           std::vector<std::uint64_t>& finer) const {
+  if (m_kind != Text || slots.empty()) return false;
+  const auto recordAt = [&](std::size_t i) -> const rdservice::IData& {
+    return *records[static_cast<std::size_t>(slots[i])];
+  };
+  const CFieldReader reader(*m_column.field, recordAt(0));
+  finer.clear();
+  finer.reserve(slots.size());
+  for (std::size_t i = 0; i < slots.size(); ++i) {
+    if (i + CFieldReader::AHEAD < slots.size()) reader.prefetch<std::string>(recordAt(i + CFieldReader::AHEAD));
+    finer.push_back(CTextOrder::nextKey(reader.get<std::string>(recordAt(i)), static_cast<std::size_t>(stage) + 1));
+  }
+  return true;
+}
+
 int CKeyColumn::compare(const CCell& a, const CCell& b) const {
   const rdservice::CFieldDes* field = m_column.field;
   switch (m_kind) {

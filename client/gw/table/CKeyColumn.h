@@ -24,6 +24,10 @@ class CKeyColumn {
   bool mayDecide() const;
   /// Whether cells of this key may yet differ; then `compare` tells.
   bool decides(std::uint64_t key) const;
+  /// Of rows that are alike up to the characters of so many keys: those of the next ones, for which `decides` holds
+  /// too. False when only `compare` tells.
+  bool finerKeys(const std::vector<rdservice::IDataPtr>& records, const std::vector<int>& slots, int stage,
+                 std::vector<std::uint64_t>& finer) const;
   /// Of two cells with that same key: negative, zero or positive.
   int compare(const CCell& a, const CCell& b) const;
   /// Whether `isVoid` will be true.

@@ -119,7 +119,7 @@ void CSharedRows::clearKeepingCells() {
 void CSharedRows::keepCells(int slot) {
   for (const auto& [id, column] : m_rows.items) {
     if (!column.isSet(slot)) continue;
-    const std::string_view key = m_rows.keys.key(slot);
+    const std::string key = m_rows.records[at(slot)]->getKey();
     columnOf(m_early.items, id).copyCell(m_early.keys.findOrAdd(keyHash(key), key), column, slot);
   }
 }
@@ -149,7 +149,7 @@ void CSharedRows::clearRows(CGarbage& garbage) {
 void CSharedRows::dropAbsent(const CChangeSet& changes, CGarbage& garbage) {
   std::vector<char> isGathered(at(slotCount()));
   for (const CChangeSet::CRecord& change : changes.records) {
-    const int slot = m_rows.keys.find(change.hash, changes.key(change));
+    const int slot = slotOf(change.hash, changes.key(change));
     if (slot >= 0) isGathered[at(slot)] = 1;
   }
   // The functions are foreign code: `belongs` is through with every row before anything changes.
@@ -167,7 +167,7 @@ void CSharedRows::dropAbsent(const CChangeSet& changes, CGarbage& garbage) {
 
 void CSharedRows::renumber(const std::vector<int>& newSlots, int kept, CGarbage& garbage) {
   renumberDrained(newSlots);
-  m_rows.keys.renumber(newSlots, kept);
+  m_rows.slots.renumber(newSlots, kept);
   for (auto& [id, column] : m_rows.items) column.renumber(newSlots, kept);
   garbage.records.reserve(newSlots.size() - at(kept));
   for (std::size_t slot = 0; slot < newSlots.size(); ++slot) {

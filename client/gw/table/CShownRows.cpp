@@ -46,6 +46,29 @@ bool CShownRows::Private::isBefore(int slot, int other) const {
   return slot < other;
 }
 
+/// By one column: what stands further behind in its texts. By several: the other columns, as far as their keys decide.
+bool CShownRows::Private::finerKeys(const std::vector<int>& slots, int stage, std::vector<std::uint64_t>& keys) const {
+  const std::size_t next = sort.size() == 1 ? 0 : at(stage) + 1;
+  if (next >= sort.size()) return false;
+  const CColumn& column = *columns[at(sort[next].column)];
+  if (sort.size() == 1) {
+    if (!column.keys->finerKeys(records, slots, stage, keys)) return false;
+  } else {
+    if (columns[at(sort[next - 1].column)]->keys->mayDecide()) return false;
+    keys.resize(slots.size());
+    std::transform(slots.begin(), slots.end(), keys.begin(), [&](int slot) { return column.keys->keys[at(slot)]; });
+  }
+  if (sort[next].order == Qt::DescendingOrder)
+    std::transform(keys.begin(), keys.end(), keys.begin(), [](std::uint64_t key) { return ~key; });
+  return true;
+}
+
+bool CShownRows::Private::decidesFiner(std::uint64_t key, int stage) const {
+  const std::size_t by = sort.size() == 1 ? 0 : at(stage) + 1;
+  const std::uint64_t held = sort[by].order == Qt::DescendingOrder ? ~key : key;
+  return by + 1 < sort.size() || columns[at(sort[by].column)]->keys->decides(held);
+}
+
 bool CShownRows::Private::differs(int columnId, int slot, const CCell& changed) const {
   const CColumn& column = *columns[at(columnId)];
   const std::uint64_t key = column.keys->make(changed);

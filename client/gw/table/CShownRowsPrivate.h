@@ -56,6 +56,8 @@ struct CShownRows::Private : ITieBreaker {
   CCell cell(int columnId, const CRowsDrain& drain, std::size_t index) const;
   bool decides(std::uint64_t key) const override;
   bool isBefore(int slot, int other) const override;
+  bool finerKeys(const std::vector<int>& slots, int stage, std::vector<std::uint64_t>& keys) const override;
+  bool decidesFiner(std::uint64_t key, int stage) const override;
   bool differs(int columnId, int slot, const CCell& changed) const;
   CKeyColumn& keysOf(int columnId);
   /// Complete.

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 
 namespace GW {
@@ -15,13 +16,16 @@ namespace {
 constexpr std::size_t KEY_BYTES = 8;
 
 bool isAscii(std::string_view text) {
-  return std::none_of(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0x80U) != 0; });
+  unsigned char all = 0;
+  for (const char c : text) all |= static_cast<unsigned char>(c);
+  return (all & 0x80U) == 0;
 }
 
 std::uint64_t asciiKey(std::string_view text) {
+  unsigned char bytes[KEY_BYTES] = {};
+  std::memcpy(bytes, text.data(), std::min(text.size(), KEY_BYTES));
   std::uint64_t key = 0;
-  for (std::size_t i = 0; i < KEY_BYTES; ++i)
-    key = key << 8U | (i < text.size() ? static_cast<unsigned char>(text[i]) : 0U);
+  for (const unsigned char byte : bytes) key = key << 8U | byte;
   return key;
 }
 
@@ -31,6 +35,10 @@ CTextOrder::CTextOrder() : m_collator(QLocale(QLocale::Chinese, QLocale::China))
 
 std::uint64_t CTextOrder::key(std::string_view text) {
   return isAscii(text) ? asciiKey(text) : TOP_BIT | rank(std::string(text));
+}
+
+std::uint64_t CTextOrder::nextKey(std::string_view text, std::size_t keys) {
+  return asciiKey(text.substr(std::min(text.size(), keys * KEY_BYTES)));
 }
 
 std::uint64_t CTextOrder::pooledKey(const std::string& text) {

@@ -26,6 +26,8 @@ class CTextOrder {
   /// The same for a text that lives as long as the process, found by its address.
   std::uint64_t pooledKey(const std::string& text);
 
+  /// Of an ASCII text: the key of what stands behind the characters of so many keys.
+  static std::uint64_t nextKey(std::string_view text, std::size_t keys);
   static bool isAmbiguous(std::uint64_t key) { return key >> 63 == 0 && (key & 0xff) != 0; }
 
   /// Whether no room was left for a text.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <numeric>
 #include <utility>
 
 namespace GW {
@@ -109,20 +110,56 @@ void radixSort(CEntries& entries, unsigned bits) {
   }
 }
 
+using CIterator = std::vector<int>::iterator;
+
+void sortByComparing(CIterator begin, CIterator end, const COrderBy& by) {
+  std::sort(begin, end, [&by](int a, int b) { return by.isBefore(a, b); });
+}
+
+/// Puts slots in order whose keys are equal, also the finer ones of the stages before. They are in order of slots.
+void sortTies(CIterator begin, CIterator end, const ITieBreaker& ties, int stage) {
+  constexpr std::ptrdiff_t FINER_FROM = 64;
+  std::vector<std::uint64_t> keys;
+  const std::vector<int> slots(begin, end);
+  if (end - begin < FINER_FROM || !ties.finerKeys(slots, stage, keys)) {
+    std::sort(begin, end, [&ties](int a, int b) { return ties.isBefore(a, b); });
+    return;
+  }
+  COrderBy by;
+  by.keys = &keys;
+  std::vector<int> places(slots.size());
+  std::iota(places.begin(), places.end(), 0);
+  sortSlots(places, by);
+  std::transform(places.begin(), places.end(), begin,
+                 [&slots](int place) { return slots[static_cast<std::size_t>(place)]; });
+  for (std::size_t first = 0; first < places.size();) {
+    const std::uint64_t key = by.key(places[first]);
+    std::size_t last = first + 1;
+    while (last < places.size() && by.key(places[last]) == key) ++last;
+    if (last - first > 1 && ties.decidesFiner(key, stage))
+      sortTies(begin + static_cast<std::ptrdiff_t>(first), begin + static_cast<std::ptrdiff_t>(last), ties, stage + 1);
+    first = last;
+  }
+}
+
 /// Puts slots in order whose short keys are alike.
-template <class Iterator>
-void sortAlike(Iterator begin, Iterator end, const COrderBy& by, bool isExact) {
+void sortAlike(CIterator begin, CIterator end, const COrderBy& by, bool isExact) {
   const std::uint64_t key = by.key(*begin);
   const bool isSame = isExact || std::all_of(begin + 1, end, [&](int slot) { return by.key(slot) == key; });
-  if (isSame && !by.decides(key)) return;
-  std::sort(begin, end, [&by](int a, int b) { return by.isBefore(a, b); });
+  if (!isSame)
+    sortByComparing(begin, end, by);
+  else if (by.decides(key))
+    sortTies(begin, end, *by.ties, 0);
 }
 
 }  // namespace
 
+bool ITieBreaker::finerKeys(const std::vector<int>&, int, std::vector<std::uint64_t>&) const { return false; }
+bool ITieBreaker::decidesFiner(std::uint64_t, int) const { return true; }
+
 void sortSlots(std::vector<int>& slots, const COrderBy& by) {
   if (slots.size() < RADIX_FROM) {
-    std::sort(slots.begin(), slots.end(), [&by](int a, int b) { return by.isBefore(a, b); });
+    sortByComparing(slots.begin(), slots.end(), by);
     return;
   }
   // What is in order of slots stays so where the keys are equal.

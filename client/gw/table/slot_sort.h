@@ -13,6 +13,13 @@ class ITieBreaker {
   virtual bool decides(std::uint64_t key) const = 0;
   /// Complete: of two different slots exactly one is before the other.
   virtual bool isBefore(int slot, int other) const = 0;
+
+  /// What else parts slots whose keys are equal, for sorting many of them: for each of `slots` one that rises in the
+  /// order's direction. Of stage 0, or of the next stage for slots that are equal in the one before; false when only
+  /// `isBefore` knows more.
+  virtual bool finerKeys(const std::vector<int>& slots, int stage, std::vector<std::uint64_t>& keys) const;
+  /// Whether slots of this finer key may yet differ.
+  virtual bool decidesFiner(std::uint64_t key, int stage) const;
 };
 
 /// What slots are put in order by.
