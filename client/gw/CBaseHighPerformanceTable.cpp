@@ -26,7 +26,7 @@ using std::chrono::steady_clock;
 constexpr double TAKING_NS = 5e6;
 constexpr int BUSY_WAIT_MS = 1;
 constexpr std::size_t ROWS_PER_STEP = 2048;
-constexpr std::size_t ROWS_PER_TURN = 25600;
+constexpr std::size_t ROWS_PER_TURN = 100000;
 /// Fewer are left for the next turn.
 constexpr double LEAST_ROWS = 256;
 
@@ -96,12 +96,14 @@ bool CBaseHighPerformanceTable::Private::takeTurn() {
       taken = drain.slots.size();
     } while (isMore && taken < limit && !drain.isBusy);
     isWriterBusy = drain.isBusy;
+    drain.isMore = isMore;
     if (!drain.isEmpty()) rows.apply(std::move(drain));
     left -= taken;
     const double nsPerRow = spent() / static_cast<double>(ROWS_PER_TURN - left + 1);
     const double rowsLeft = (TAKING_NS - spent()) / nsPerRow;
     limit = rowsLeft < LEAST_ROWS ? 0 : std::min(left, static_cast<std::size_t>(rowsLeft));
   }
+  if (!isMore) rows.finishApplying();
   return !isMore;
 }
 

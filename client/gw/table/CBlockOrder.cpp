@@ -1,199 +1,183 @@
 #include "gw/table/CBlockOrder.h"
 
+#include "gw/table/vector_growth.h"
+
 #include <algorithm>
-#include <array>
 #include <cassert>
-#include <utility>
 
 namespace GW {
 
 namespace {
 
-std::size_t at(int index) { return static_cast<std::size_t>(index); }
-
-constexpr unsigned DIGIT_BITS = 11;
-constexpr std::size_t DIGITS = std::size_t{1} << DIGIT_BITS;
-constexpr unsigned PASSES = (64 + DIGIT_BITS - 1) / DIGIT_BITS;
-constexpr std::size_t RADIX_FROM = 1024;  ///< below, comparing is faster
-
-std::size_t digitOf(std::uint64_t key, unsigned pass) { return (key >> (pass * DIGIT_BITS)) & (DIGITS - 1); }
-
-/// By key alone; stable.
-void radixSort(std::vector<COrderEntry>& entries) {
-  std::array<std::array<std::uint32_t, DIGITS>, PASSES> counts{};
-  for (const COrderEntry& entry : entries) {
-    for (unsigned pass = 0; pass < PASSES; ++pass) ++counts[pass][digitOf(entry.key, pass)];
-  }
-  std::vector<COrderEntry> other(entries.size());
-  for (unsigned pass = 0; pass < PASSES; ++pass) {
-    auto& count = counts[pass];
-    if (count[digitOf(entries.front().key, pass)] == entries.size()) continue;  // all alike
-    std::uint32_t begin = 0;
-    for (std::uint32_t& c : count) begin += std::exchange(c, begin);
-    for (const COrderEntry& entry : entries) other[count[digitOf(entry.key, pass)]++] = entry;
-    entries.swap(other);
-  }
+template <class T>
+typename std::vector<T>::iterator nth(std::vector<T>& list, std::size_t index) {
+  return list.begin() + static_cast<std::ptrdiff_t>(index);
 }
 
 }  // namespace
 
-void CBlockOrder::setTies(const ITieBreaker* ties) {
+void CBlockOrder::setOrder(const COrderBy& by) {
   assert(m_size == 0);
-  m_ties = ties;
+  m_by = by;
 }
 
 void CBlockOrder::clear() {
   m_blocks.clear();
+  m_counts.clear();
+  m_firstKeys.clear();
   m_size = 0;
   m_startsValid = false;
 }
 
-void CBlockOrder::assign(const std::vector<COrderEntry>& sorted) {
+void CBlockOrder::assign(const std::vector<int>& sorted) {
   clear();
   m_size = static_cast<int>(sorted.size());
-  for (std::size_t begin = 0; begin < sorted.size(); begin += at(FILLED)) {
-    auto block = std::unique_ptr<CBlock>(new CBlock);  // the entries beyond the count stay as they are
-    const std::size_t end = std::min(sorted.size(), begin + at(FILLED));
-    for (std::size_t i = begin; i < end; ++i) {
-      block->keys[i - begin] = sorted[i].key;
-      block->slots[i - begin] = sorted[i].slot;
-    }
-    block->count = static_cast<int>(end - begin);
-    m_blocks.push_back(std::move(block));
-  }
+  for (int begin = 0; begin < m_size; begin += FILLED)
+    addBlock(m_blocks.size(), sorted.data() + begin, std::min(FILLED, m_size - begin));
 }
 
-void CBlockOrder::merge(const std::vector<COrderEntry>& sorted) {
+void CBlockOrder::merge(const std::vector<int>& sorted) {
   if (sorted.empty()) return;
-  std::vector<COrderEntry> all;
-  all.reserve(at(m_size) + sorted.size());
+  if (m_size == 0) {
+    assign(sorted);
+    return;
+  }
+  std::vector<int> all;
+  all.reserve(static_cast<std::size_t>(m_size) + sorted.size());
   auto next = sorted.begin();
-  forEach([&](COrderEntry held) {
-    for (; next != sorted.end() && isBefore(*next, held); ++next) all.push_back(*next);
+  std::uint64_t nextKey = m_by.key(*next);
+  const auto isNextBefore = [&](int held) {
+    const std::uint64_t key = m_by.key(held);
+    return nextKey != key ? nextKey < key : m_by.isTieBefore(key, *next, held);
+  };
+  forEach([&](int held) {
+    while (next != sorted.end() && isNextBefore(held)) {
+      all.push_back(*next);
+      if (++next != sorted.end()) nextKey = m_by.key(*next);
+    }
     all.push_back(held);
   });
   all.insert(all.end(), next, sorted.end());
   assign(all);
 }
 
-void CBlockOrder::insert(COrderEntry entry) {
+void CBlockOrder::insert(int slot) {
   m_startsValid = false;
   ++m_size;
-  if (m_blocks.empty()) m_blocks.push_back(std::make_unique<CBlock>());
-  std::size_t index = blockOf(entry);
-  if (m_blocks[index]->count == BLOCK) {
-    CBlock& full = *m_blocks[index];
-    auto upper = std::make_unique<CBlock>();
-    upper->count = BLOCK / 2;
-    full.count = BLOCK - upper->count;
-    std::copy_n(full.keys + full.count, upper->count, upper->keys);
-    std::copy_n(full.slots + full.count, upper->count, upper->slots);
-    const bool goesUp = !isBefore(entry, {upper->keys[0], upper->slots[0]});
-    m_blocks.insert(m_blocks.begin() + static_cast<std::ptrdiff_t>(index) + 1, std::move(upper));
-    if (goesUp) ++index;
+  if (m_blocks.empty()) {
+    addBlock(0, &slot, 1);
+    return;
   }
-  CBlock& block = *m_blocks[index];
-  const int place = placeIn(block, entry);
-  std::copy_backward(block.keys + place, block.keys + block.count, block.keys + block.count + 1);
-  std::copy_backward(block.slots + place, block.slots + block.count, block.slots + block.count + 1);
-  block.keys[place] = entry.key;
-  block.slots[place] = entry.slot;
-  ++block.count;
+  std::size_t index = blockOf(slot);
+  if (m_counts[index] == BLOCK) {
+    constexpr int HALF = BLOCK / 2;
+    addBlock(index + 1, m_blocks[index]->slots + HALF, BLOCK - HALF);
+    m_counts[index] = HALF;
+    if (!m_by.isBefore(slot, m_blocks[index + 1]->slots[0])) ++index;
+  }
+  const int place = placeFor(index, slot);
+  int* slots = m_blocks[index]->slots;
+  std::copy_backward(slots + place, slots + m_counts[index], slots + m_counts[index] + 1);
+  slots[place] = slot;
+  ++m_counts[index];
+  if (place == 0) firstChanged(index);
 }
 
-void CBlockOrder::erase(COrderEntry entry) {
+void CBlockOrder::erase(int slot) {
   if (m_blocks.empty()) return;
-  const std::size_t index = blockOf(entry);
-  CBlock& block = *m_blocks[index];
-  const int place = placeIn(block, entry);
-  if (place == block.count || block.slots[place] != entry.slot) return;
+  const std::size_t index = blockOf(slot);
+  const int place = placeOf(index, slot);
+  int& count = m_counts[index];
+  if (place == count) return;
   m_startsValid = false;
   --m_size;
-  --block.count;
-  std::copy(block.keys + place + 1, block.keys + block.count + 1, block.keys + place);
-  std::copy(block.slots + place + 1, block.slots + block.count + 1, block.slots + place);
-  if (block.count >= BLOCK / 4) return;
-
-  // A block that has become small joins its successor, so that their number stays in proportion to the entries.
-  const auto it = m_blocks.begin() + static_cast<std::ptrdiff_t>(index);
-  if (block.count == 0) {
-    m_blocks.erase(it);
-  } else if (index + 1 < m_blocks.size() && block.count + m_blocks[index + 1]->count <= FILLED) {
-    const CBlock& joined = *m_blocks[index + 1];
-    std::copy_n(joined.keys, joined.count, block.keys + block.count);
-    std::copy_n(joined.slots, joined.count, block.slots + block.count);
-    block.count += joined.count;
-    m_blocks.erase(it + 1);
+  --count;
+  int* slots = m_blocks[index]->slots;
+  std::copy(slots + place + 1, slots + count + 1, slots + place);
+  if (count == 0) {
+    removeBlock(index);
+    return;
+  }
+  if (place == 0) firstChanged(index);
+  // A block that has become small joins its successor, so that their number stays in proportion to the slots.
+  if (count < BLOCK / 4 && index + 1 < m_blocks.size() && count + m_counts[index + 1] <= FILLED) {
+    std::copy_n(m_blocks[index + 1]->slots, m_counts[index + 1], slots + count);
+    count += m_counts[index + 1];
+    removeBlock(index + 1);
   }
 }
 
 int CBlockOrder::slotAt(int row) const {
   updateStarts();
   const auto it = std::upper_bound(m_starts.begin(), m_starts.end(), row) - 1;
-  const CBlock& block = *m_blocks[static_cast<std::size_t>(it - m_starts.begin())];
-  return block.slots[row - *it];
+  return m_blocks[static_cast<std::size_t>(it - m_starts.begin())]->slots[row - *it];
 }
 
-int CBlockOrder::rowOf(COrderEntry entry) const {
+int CBlockOrder::rowOf(int slot) const {
   if (m_blocks.empty()) return -1;
   updateStarts();
-  const std::size_t index = blockOf(entry);
-  const CBlock& block = *m_blocks[index];
-  const int place = placeIn(block, entry);
-  return place == block.count || block.slots[place] != entry.slot ? -1 : m_starts[index] + place;
-}
-
-void CBlockOrder::sort(std::vector<COrderEntry>& entries) const {
-  const auto before = [this](const COrderEntry& a, const COrderEntry& b) { return isBefore(a, b); };
-  if (entries.size() < RADIX_FROM) {
-    std::sort(entries.begin(), entries.end(), before);
-    return;
-  }
-  const bool isBySlot = std::is_sorted(entries.begin(), entries.end(),
-                                       [](const COrderEntry& a, const COrderEntry& b) { return a.slot < b.slot; });
-  radixSort(entries);
-  if (m_ties == nullptr && isBySlot) return;  // the sort is stable
-  for (auto begin = entries.begin(); begin != entries.end();) {
-    const auto end =
-        std::find_if(begin, entries.end(), [begin](const COrderEntry& entry) { return entry.key != begin->key; });
-    if (end - begin > 1 && (!isBySlot || decides(begin->key))) std::sort(begin, end, before);
-    begin = end;
-  }
+  const std::size_t index = blockOf(slot);
+  const int place = placeOf(index, slot);
+  return place == m_counts[index] ? -1 : m_starts[index] + place;
 }
 
 std::size_t CBlockOrder::memory() const {
-  return m_blocks.size() * sizeof(CBlock) + m_blocks.capacity() * sizeof m_blocks[0] +
-         m_starts.capacity() * sizeof m_starts[0];
+  return m_blocks.size() * sizeof(CBlock) + heldBytes(m_blocks) + heldBytes(m_counts) + heldBytes(m_firstKeys) +
+         heldBytes(m_starts);
 }
 
-std::size_t CBlockOrder::blockOf(COrderEntry entry) const {
-  const auto it = std::upper_bound(m_blocks.begin(), m_blocks.end(), entry,
-                                   [this](const COrderEntry& e, const std::unique_ptr<CBlock>& block) {
-                                     return isBefore(e, {block->keys[0], block->slots[0]});
-                                   });
-  return it == m_blocks.begin() ? 0 : static_cast<std::size_t>(it - m_blocks.begin()) - 1;
-}
-
-int CBlockOrder::placeIn(const CBlock& block, COrderEntry entry) const {
-  int low = 0;
-  int high = block.count;
-  while (low < high) {
-    const int middle = (low + high) / 2;
-    if (isBefore({block.keys[middle], block.slots[middle]}, entry))
-      low = middle + 1;
-    else
+std::size_t CBlockOrder::blockOf(int slot) const {
+  const std::uint64_t key = m_by.key(slot);
+  const auto range = std::equal_range(m_firstKeys.begin(), m_firstKeys.end(), key);
+  auto low = static_cast<std::size_t>(range.first - m_firstKeys.begin());
+  auto high = static_cast<std::size_t>(range.second - m_firstKeys.begin());
+  while (low < high) {  // blocks that begin with the same key
+    const std::size_t middle = (low + high) / 2;
+    if (m_by.isTieBefore(key, slot, m_blocks[middle]->slots[0]))
       high = middle;
+    else
+      low = middle + 1;
   }
-  return low;
+  return low == 0 ? 0 : low - 1;
+}
+
+int CBlockOrder::placeFor(std::size_t block, int slot) const {
+  const int* slots = m_blocks[block]->slots;
+  const std::uint64_t key = m_by.key(slot);
+  return static_cast<int>(std::lower_bound(slots, slots + m_counts[block], slot,
+                                           [&](int held, int) {
+                                             const std::uint64_t heldKey = m_by.key(held);
+                                             return heldKey != key ? heldKey < key : m_by.isTieBefore(key, held, slot);
+                                           }) -
+                          slots);
+}
+
+int CBlockOrder::placeOf(std::size_t block, int slot) const {
+  const int* slots = m_blocks[block]->slots;
+  return static_cast<int>(std::find(slots, slots + m_counts[block], slot) - slots);
+}
+
+void CBlockOrder::addBlock(std::size_t at, const int* slots, int count) {
+  auto block = std::unique_ptr<CBlock>(new CBlock);  // what is beyond the count stays as it is
+  std::copy_n(slots, count, block->slots);
+  m_firstKeys.insert(nth(m_firstKeys, at), m_by.key(slots[0]));
+  m_counts.insert(nth(m_counts, at), count);
+  m_blocks.insert(nth(m_blocks, at), std::move(block));
+}
+
+void CBlockOrder::removeBlock(std::size_t at) {
+  m_firstKeys.erase(nth(m_firstKeys, at));
+  m_counts.erase(nth(m_counts, at));
+  m_blocks.erase(nth(m_blocks, at));
 }
 
 void CBlockOrder::updateStarts() const {
   if (m_startsValid) return;
-  m_starts.resize(m_blocks.size());
+  m_starts.resize(m_counts.size());
   int start = 0;
-  for (std::size_t i = 0; i < m_blocks.size(); ++i) {
+  for (std::size_t i = 0; i < m_counts.size(); ++i) {
     m_starts[i] = start;
-    start += m_blocks[i]->count;
+    start += m_counts[i];
   }
   m_startsValid = true;
 }

@@ -55,8 +55,6 @@ class CChangeSet {
   void reserve(std::size_t count);
 
   std::string_view key(const CRecord& record) const { return {m_keys.data() + record.keyBegin, record.keySize}; }
-  /// Of all records together.
-  std::size_t keyBytes() const { return m_keys.size(); }
   bool isEmpty() const { return records.empty() && items.empty(); }
 
   std::vector<CRecord> records;

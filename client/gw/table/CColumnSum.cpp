@@ -1,5 +1,7 @@
 #include "gw/table/CColumnSum.h"
 
+#include "gw/table/CFieldReader.h"
+
 #include "rdservice/number_text.h"
 
 #include <fmt/format.h>
@@ -44,6 +46,21 @@ void CColumnSum::change(const CTableColumn& column, const CCell& cell, int sign)
     case EFieldType::Double: changeBy(column.field->get<double>(record), sign); break;
     default: break;
   }
+}
+
+void CColumnSum::addAll(const CTableColumn& column, const std::vector<rdservice::IDataPtr>& records,
+                        const CItemColumn* items, std::size_t first) {
+  if (first >= records.size()) return;
+  if (column.field == nullptr || column.field->type == EFieldType::Int32) {
+    for (std::size_t slot = first; slot < records.size(); ++slot)
+      add(column, {records[slot].get(), items, static_cast<int>(slot)});
+    return;
+  }
+  const CFieldReader reader(*column.field, *records[first]);
+  if (column.field->type == EFieldType::Double)
+    reader.forEach<double>(records, first, records.size(), [this](double amount) { changeBy(amount, 1); });
+  else if (column.field->type == EFieldType::Int64)
+    reader.forEach<std::int64_t>(records, first, records.size(), [this](std::int64_t volume) { m_units += volume; });
 }
 
 void CColumnSum::changeBy(double amount, int sign) {

@@ -5,7 +5,9 @@
 
 #include <QString>
 
+#include <cstddef>
 #include <cstdint>
+#include <vector>
 
 namespace GW {
 
@@ -18,6 +20,9 @@ class CColumnSum {
   static bool isSummable(const CTableColumn& column);
 
   void add(const CTableColumn& column, const CCell& cell) { change(column, cell, 1); }
+  /// The cells from slot `first` on. `items` are the column's cells by slot, null for none.
+  void addAll(const CTableColumn& column, const std::vector<rdservice::IDataPtr>& records, const CItemColumn* items,
+              std::size_t first);
   void subtract(const CTableColumn& column, const CCell& cell) { change(column, cell, -1); }
 
   /// As the column shows numbers; "-" while a cell is not finite or too large to be summed.

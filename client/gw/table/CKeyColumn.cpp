@@ -1,6 +1,8 @@
 #include "gw/table/CKeyColumn.h"
 
 #include "gw/delegates/CDelegateControl.h"
+#include "gw/table/CFieldReader.h"
+#include "gw/table/vector_growth.h"
 #include "rdservice/CAccountInfo.h"
 #include "rdservice/CInternedText.h"
 
@@ -80,6 +82,35 @@ std::uint64_t CKeyColumn::make(const CCell& cell) {
   return 0;
 }
 
+void CKeyColumn::fill(const std::vector<rdservice::IDataPtr>& records, const CItemColumn* items) {
+  growFor(keys, records.size());
+  if (m_kind == Field || m_kind == Interned) fillField(records);
+  while (keys.size() < records.size())
+    keys.push_back(make({records[keys.size()].get(), items, static_cast<int>(keys.size())}));
+}
+
+void CKeyColumn::fillField(const std::vector<rdservice::IDataPtr>& records) {
+  const std::size_t first = keys.size();
+  if (first == records.size()) return;
+  const CFieldReader reader(*m_column.field, *records[first]);
+  const auto fillWith = [&](auto sample, auto keyOf) {
+    reader.forEach<decltype(sample)>(records, first, records.size(),
+                                     [&](const auto& value) { keys.push_back(keyOf(value)); });
+  };
+  const auto numberOf = [](auto value) { return sortable(std::int64_t{value}); };
+  switch (m_column.field->type) {
+    case EFieldType::Char: return fillWith(char(), numberOf);
+    case EFieldType::Int32: return fillWith(std::int32_t(), numberOf);
+    case EFieldType::Int64: return fillWith(std::int64_t(), numberOf);
+    case EFieldType::Double: return fillWith(double(), [](double value) { return sortable(value); });
+    case EFieldType::Interned:
+      return fillWith(rdservice::CInternedText(),
+                      [this](rdservice::CInternedText text) { return m_texts.pooledKey(text.str()); });
+    case EFieldType::Account:
+    case EFieldType::Text: break;
+  }
+}
+
 std::uint64_t CKeyColumn::makeField(const rdservice::IData& record) const {
   const rdservice::CFieldDes& field = *m_column.field;
   switch (field.type) {
@@ -98,6 +129,8 @@ std::uint64_t CKeyColumn::makeNumberText(const QString& text) {
   return TOP_BIT | m_texts.key(text.toStdString()) >> 1U;
 }
 
+bool CKeyColumn::mayDecide() const { return m_kind != None && m_kind != Field && m_kind != Check && m_kind != Value; }
+
 bool CKeyColumn::decides(std::uint64_t key) const {
   switch (m_kind) {
     case Interned:
@@ -107,6 +140,22 @@ bool CKeyColumn::decides(std::uint64_t key) const {
     case NumberText: return (key & TOP_BIT) != 0;
     default: return false;
   }
+}
+
+bool CKeyColumn::finerKeys(const std::vector<rdservice::IDataPtr>& records, const std::vector<int>& slots, int stage,
+                           std::vector<std::uint64_t>& finer) const {
+  if (m_kind != Text || slots.empty()) return false;
+  const auto recordAt = [&](std::size_t i) -> const rdservice::IData& {
+    return *records[static_cast<std::size_t>(slots[i])];
+  };
+  const CFieldReader reader(*m_column.field, recordAt(0));
+  finer.clear();
+  finer.reserve(slots.size());
+  for (std::size_t i = 0; i < slots.size(); ++i) {
+    if (i + CFieldReader::AHEAD < slots.size()) reader.prefetch<std::string>(recordAt(i + CFieldReader::AHEAD));
+    finer.push_back(CTextOrder::nextKey(reader.get<std::string>(recordAt(i)), static_cast<std::size_t>(stage) + 1));
+  }
+  return true;
 }
 
 int CKeyColumn::compare(const CCell& a, const CCell& b) const {

@@ -18,8 +18,16 @@ class CKeyColumn {
 
   /// Calls a delegate's order function, if it has one.
   std::uint64_t make(const CCell& cell);
+  /// Appends the keys of the rows that have none yet. `items` are the column's cells by slot, null for none.
+  void fill(const std::vector<rdservice::IDataPtr>& records, const CItemColumn* items);
+  /// Whether there are keys for which `decides` is true.
+  bool mayDecide() const;
   /// Whether cells of this key may yet differ; then `compare` tells.
   bool decides(std::uint64_t key) const;
+  /// Of rows that are alike up to the characters of so many keys: those of the next ones, for which `decides` holds
+  /// too. False when only `compare` tells.
+  bool finerKeys(const std::vector<rdservice::IDataPtr>& records, const std::vector<int>& slots, int stage,
+                 std::vector<std::uint64_t>& finer) const;
   /// Of two cells with that same key: negative, zero or positive.
   int compare(const CCell& a, const CCell& b) const;
   /// Whether `isVoid` will be true.
@@ -33,6 +41,7 @@ class CKeyColumn {
   enum EKind : unsigned char { None, Field, Interned, Text, Account, Check, Value, NumberText, ItemText };
 
   std::uint64_t makeField(const rdservice::IData& record) const;
+  void fillField(const std::vector<rdservice::IDataPtr>& records);
   std::uint64_t makeNumberText(const QString& text);
 
   const CTableColumn& m_column;

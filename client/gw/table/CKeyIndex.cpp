@@ -42,6 +42,44 @@ std::uint64_t keyHash(std::string_view key) {
   return mixed(mixed(hash, 0), 0);
 }
 
+void CSlotIndex::prefetch(std::uint64_t hash) const {
+#if defined(__GNUC__)
+  if (!m_places.empty()) __builtin_prefetch(m_places.data() + home(tagOf(hash)));
+#else
+  static_cast<void>(hash);
+#endif
+}
+
+void CSlotIndex::reserve(std::size_t keys) {
+  const std::size_t all = static_cast<std::size_t>(m_size) + keys;
+  if (isCrowded(all, m_places.size())) rebuild(all, [](std::int32_t slot) { return slot; });
+}
+
+void CSlotIndex::renumber(const std::vector<int>& newSlots, int count) {
+  assert(newSlots.size() == static_cast<std::size_t>(m_size));
+  rebuild(static_cast<std::size_t>(count), [&newSlots](std::int32_t slot) {
+    return static_cast<std::int32_t>(newSlots[static_cast<std::size_t>(slot)]);
+  });
+  m_size = count;
+}
+
+std::size_t CSlotIndex::memory() const { return heldBytes(m_places); }
+
+template <class F>
+void CSlotIndex::rebuild(std::size_t keys, F newSlotOf) {
+  std::size_t count = MIN_PLACES;
+  while (isCrowded(keys, count)) count *= 2;
+  std::vector<CPlace> old(count, {0, NONE});
+  old.swap(m_places);
+  for (const CPlace& place : old) {
+    const std::int32_t slot = place.slot == NONE ? NONE : newSlotOf(place.slot);
+    if (slot == NONE) continue;
+    std::size_t free = home(place.tag);
+    while (m_places[free].slot != NONE) free = (free + 1) & (count - 1);
+    m_places[free] = {place.tag, slot};
+  }
+}
+
 CKeyIndex::CKeyIndex() : m_begins{0} {}
 
 std::string_view CKeyIndex::key(int slot) const {
@@ -50,41 +88,23 @@ std::string_view CKeyIndex::key(int slot) const {
 }
 
 int CKeyIndex::find(std::uint64_t hash, std::string_view key) const {
-  return m_places.empty() ? NONE : m_places[placeOf(tagOf(hash), key)].slot;
+  return m_slots.find(hash, [&](int slot) { return this->key(slot) == key; });
 }
 
 int CKeyIndex::findOrAdd(std::uint64_t hash, std::string_view key) {
-  const std::uint32_t tag = tagOf(hash);
-  if (isCrowded(static_cast<std::size_t>(size()) + 1, m_places.size()))
-    rebuild(static_cast<std::size_t>(size()) + 1, [](std::int32_t slot) { return slot; });
-  CPlace& place = m_places[placeOf(tag, key)];
-  if (place.slot == NONE) {
-    place = {tag, size()};
-    append(key);
-  }
-  return place.slot;
-}
-
-void CKeyIndex::prefetch(std::uint64_t hash) const {
-#if defined(__GNUC__)
-  if (!m_places.empty()) __builtin_prefetch(m_places.data() + home(tagOf(hash)));
-#else
-  static_cast<void>(hash);
-#endif
-}
-
-void CKeyIndex::reserve(std::size_t keys, std::size_t keyBytes) {
-  const std::size_t all = static_cast<std::size_t>(size()) + keys;
-  growFor(m_keys, m_keys.size() + keyBytes);
-  growFor(m_begins, all + 1);
-  if (isCrowded(all, m_places.size())) rebuild(all, [](std::int32_t slot) { return slot; });
+  const int known = size();
+  const int slot = m_slots.findOrAdd(hash, [&](int held) { return this->key(held) == key; });
+  if (slot != known) return slot;
+  assert(m_keys.size() + key.size() <= std::numeric_limits<std::uint32_t>::max() && "4 GiB of keys in one table");
+  growFor(m_keys, m_keys.size() + key.size());
+  m_keys.insert(m_keys.end(), key.begin(), key.end());
+  growFor(m_begins, m_begins.size() + 1);
+  m_begins.push_back(static_cast<std::uint32_t>(m_keys.size()));
+  return slot;
 }
 
 void CKeyIndex::renumber(const std::vector<int>& newSlots, int count) {
-  assert(newSlots.size() == static_cast<std::size_t>(size()));
-  rebuild(static_cast<std::size_t>(count), [&newSlots](std::int32_t slot) {
-    return static_cast<std::int32_t>(newSlots[static_cast<std::size_t>(slot)]);
-  });
+  m_slots.renumber(newSlots, count);
   std::size_t slot = 0;
   std::uint32_t end = 0;
   for (std::size_t old = 0; old < newSlots.size(); ++old) {
@@ -99,37 +119,6 @@ void CKeyIndex::renumber(const std::vector<int>& newSlots, int count) {
   m_keys.resize(end);
 }
 
-std::size_t CKeyIndex::memory() const { return heldBytes(m_places) + heldBytes(m_keys) + heldBytes(m_begins); }
-
-std::size_t CKeyIndex::placeOf(std::uint32_t tag, std::string_view key) const {
-  std::size_t place = home(tag);
-  for (; m_places[place].slot != NONE; place = (place + 1) & (m_places.size() - 1)) {
-    if (m_places[place].tag == tag && this->key(m_places[place].slot) == key) break;
-  }
-  return place;
-}
-
-void CKeyIndex::append(std::string_view key) {
-  assert(m_keys.size() + key.size() <= std::numeric_limits<std::uint32_t>::max() && "4 GiB of keys in one table");
-  growFor(m_keys, m_keys.size() + key.size());
-  m_keys.insert(m_keys.end(), key.begin(), key.end());
-  growFor(m_begins, m_begins.size() + 1);
-  m_begins.push_back(static_cast<std::uint32_t>(m_keys.size()));
-}
-
-template <class F>
-void CKeyIndex::rebuild(std::size_t keys, F newSlotOf) {
-  std::size_t count = MIN_PLACES;
-  while (isCrowded(keys, count)) count *= 2;
-  std::vector<CPlace> old(count, {0, NONE});
-  old.swap(m_places);
-  for (const CPlace& place : old) {
-    const std::int32_t slot = place.slot == NONE ? NONE : newSlotOf(place.slot);
-    if (slot == NONE) continue;
-    std::size_t free = home(place.tag);
-    while (m_places[free].slot != NONE) free = (free + 1) & (count - 1);
-    m_places[free] = {place.tag, slot};
-  }
-}
+std::size_t CKeyIndex::memory() const { return m_slots.memory() + heldBytes(m_keys) + heldBytes(m_begins); }
 
 }  // namespace GW

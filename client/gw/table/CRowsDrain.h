@@ -18,6 +18,7 @@ struct CRowsDrain {
   std::vector<rdservice::IDataPtr> records;        ///< of `slots`
   std::vector<std::pair<int, CItemColumn>> items;  ///< by column id; cells by position in `slots`
   int total = 0;                                   ///< rows that there are by now, so that room is made once
+  bool isMore = false;                             ///< more is to follow at once
   bool isBusy = false;                             ///< a writer held the lock: nothing more was taken
 
   bool isEmpty() const { return !cleared && !replaced && slots.empty(); }

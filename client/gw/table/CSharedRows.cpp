@@ -63,6 +63,7 @@ bool CSharedRows::commit(CChangeSet& changes, const CScopeTest& accepts, ERowRul
     CMutexLock lock(m_mutex);
     if (m_closed || (accepts && !accepts(m_scope))) {
       if (present != nullptr) *present = m_scope;
+      undoRows(prepared, changes);
       return false;
     }
     if (changes.clearFirst) clearRows(garbage);
@@ -78,10 +79,11 @@ bool CSharedRows::commit(CChangeSet& changes, const CScopeTest& accepts, ERowRul
       }
       done = changes.records.size();
     }
+    undoRows(prepared, changes);
     std::vector<int> refused;
     const auto putUntil = [&](std::size_t end) TS_REQUIRES(m_mutex) {
       for (; done < end; ++done) {
-        if (done + PREFETCH_AHEAD < end) m_rows.keys.prefetch(changes.records[done + PREFETCH_AHEAD].hash);
+        if (done + PREFETCH_AHEAD < end) m_rows.slots.prefetch(changes.records[done + PREFETCH_AHEAD].hash);
         put(changes, changes.records[done], rule, refused);
       }
     };
@@ -111,25 +113,37 @@ bool CSharedRows::isEmptyFor(const CChangeSet& changes) const {
   return changes.clearFirst || slotCount() == 0;
 }
 
-/// The rows of a batch in an empty table; none when a key comes twice. Without such keys no record is refused, so that
-/// the items may follow all of them.
-CSharedRows::CRows CSharedRows::rowsOf(const CChangeSet& changes) {
+/// The rows of a batch in an empty table, with its records; none when a key comes twice. Without such keys no record is
+/// refused, so that the items may follow all of them.
+CSharedRows::CRows CSharedRows::rowsOf(CChangeSet& changes) {
   CRows rows;
-  rows.keys.reserve(changes.records.size(), changes.keyBytes());
-  rows.records.reserve(changes.records.size());
-  for (const CChangeSet::CRecord& change : changes.records) {
-    if (rows.keys.findOrAdd(change.hash, changes.key(change)) != static_cast<int>(rows.records.size())) return CRows();
-    rows.records.push_back(change.record);
+  const std::size_t count = changes.records.size();
+  rows.slots.reserve(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    if (i + PREFETCH_AHEAD < count) rows.slots.prefetch(changes.records[i + PREFETCH_AHEAD].hash);
+    const CChangeSet::CRecord& change = changes.records[i];
+    const int slot = rows.slots.findOrAdd(
+        change.hash, [&](int held) { return changes.key(changes.records[at(held)]) == changes.key(change); });
+    if (slot != static_cast<int>(i)) return CRows();
   }
-  rows.marks.resize(rows.records.size());
+  rows.records.reserve(count);
+  for (CChangeSet::CRecord& change : changes.records) rows.records.push_back(std::move(change.record));
+  rows.marks.resize(count);
   return rows;
+}
+
+/// Gives a batch back the records of rows that were made for nothing.
+void CSharedRows::undoRows(CRows& rows, CChangeSet& changes) {
+  for (std::size_t i = 0; i < rows.records.size(); ++i) changes.records[i].record = std::move(rows.records[i]);
+  rows.records.clear();
 }
 
 void CSharedRows::put(const CChangeSet& changes, CChangeSet::CRecord& change, ERowRule rule,
                       std::vector<int>& refused) {
   const std::string_view key = changes.key(change);
   const int known = slotCount();
-  const int slot = m_rows.keys.findOrAdd(change.hash, key);
+  const int slot =
+      m_rows.slots.findOrAdd(change.hash, [&](int held) TS_REQUIRES(m_mutex) { return hasKey(held, key); });
   if (slot == known) {
     growFor(m_rows.records, at(slot) + 1);
     m_rows.records.push_back(std::move(change.record));
@@ -190,7 +204,7 @@ void CSharedRows::changeItem(CItemChange& change) {
   if (change.part == EItemPart::ResetCell && findColumn(m_rows.items, change.column) == nullptr &&
       findColumn(m_early.items, change.column) == nullptr)
     return;  // nobody has set a cell of the column yet
-  const int slot = m_rows.keys.find(change.hash, change.key);
+  const int slot = slotOf(change.hash, change.key);
   if (slot >= 0 && (m_rows.marks[at(slot)] & Refused) != 0) return;
   if (change.part == EItemPart::ResetCell) {
     unsetCell(change, slot);
@@ -256,14 +270,20 @@ CTableScope CSharedRows::scope() const {
 rdservice::IDataPtr CSharedRows::find(const std::string& key) const {
   const std::uint64_t hash = keyHash(key);
   CMutexLock lock(m_mutex);
-  const int slot = m_rows.keys.find(hash, key);
+  const int slot = slotOf(hash, key);
   return slot < 0 ? nullptr : m_rows.records[at(slot)];
+}
+
+bool CSharedRows::hasKey(int slot, std::string_view key) const { return m_rows.records[at(slot)]->getKey() == key; }
+
+int CSharedRows::slotOf(std::uint64_t hash, std::string_view key) const {
+  return m_rows.slots.find(hash, [&](int slot) TS_REQUIRES(m_mutex) { return hasKey(slot, key); });
 }
 
 int CSharedRows::slotOf(const std::string& key) const {
   const std::uint64_t hash = keyHash(key);
   CMutexLock lock(m_mutex);
-  return m_rows.keys.find(hash, key);
+  return slotOf(hash, key);
 }
 
 std::vector<rdservice::IDataPtr> CSharedRows::all() const {
@@ -274,7 +294,7 @@ std::vector<rdservice::IDataPtr> CSharedRows::all() const {
 CItemState CSharedRows::item(int column, const std::string& key) const {
   const std::uint64_t hash = keyHash(key);
   CMutexLock lock(m_mutex);
-  const int slot = m_rows.keys.find(hash, key);
+  const int slot = slotOf(hash, key);
   const CItemColumn* cells = findColumn(slot < 0 ? m_early.items : m_rows.items, column);
   if (cells == nullptr) return {};
   if (slot >= 0) return cells->state(slot);
@@ -292,7 +312,7 @@ bool CSharedRows::hasText(int column) const {
 std::string CSharedRows::checkedKey(int column) const {
   CMutexLock lock(m_mutex);
   const int slot = firstChecked(findColumn(m_rows.items, column));
-  if (slot >= 0) return std::string(m_rows.keys.key(slot));
+  if (slot >= 0) return m_rows.records[at(slot)]->getKey();
   const int early = firstChecked(findColumn(m_early.items, column));
   return early >= 0 ? std::string(m_early.keys.key(early)) : std::string();
 }
@@ -310,7 +330,7 @@ bool CSharedRows::isAllChecked(int column) const {
 
 std::size_t CSharedRows::memory() const {
   CMutexLock lock(m_mutex);
-  return m_rows.keys.memory() + heldBytes(m_rows.records) + heldBytes(m_rows.marks) + bytesOf(m_rows.items) +
+  return m_rows.slots.memory() + heldBytes(m_rows.records) + heldBytes(m_rows.marks) + bytesOf(m_rows.items) +
          m_early.keys.memory() + bytesOf(m_early.items) + heldBytes(m_dirty) + heldBytes(m_newSlots);
 }
 

@@ -11,8 +11,10 @@
 #include "utils/CMutex.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace GW {
@@ -89,7 +91,7 @@ class CSharedRows {
 
   /// Rows by slot, the number of arrival.
   struct CRows {
-    CKeyIndex keys;
+    CSlotIndex slots;  ///< by the keys of the records
     std::vector<rdservice::IDataPtr> records;
     std::vector<std::uint8_t> marks;  ///< of EMark
     CItemColumns items;
@@ -113,8 +115,11 @@ class CSharedRows {
   };
 
   bool isEmptyFor(const CChangeSet& changes) const;
-  static CRows rowsOf(const CChangeSet& changes);
-  int slotCount() const TS_REQUIRES(m_mutex) { return m_rows.keys.size(); }
+  static CRows rowsOf(CChangeSet& changes);
+  static void undoRows(CRows& rows, CChangeSet& changes);
+  int slotCount() const TS_REQUIRES(m_mutex) { return m_rows.slots.size(); }
+  bool hasKey(int slot, std::string_view key) const TS_REQUIRES(m_mutex);
+  int slotOf(std::uint64_t hash, std::string_view key) const TS_REQUIRES(m_mutex);
   void put(const CChangeSet& changes, CChangeSet::CRecord& change, ERowRule rule, std::vector<int>& refused)
       TS_REQUIRES(m_mutex);
   void takeEarlyItems(const CChangeSet::CRecord& change, std::string_view key, int slot) TS_REQUIRES(m_mutex);

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <numeric>
 #include <utility>
 
 namespace GW {
@@ -28,17 +29,8 @@ CCell CShownRows::Private::cell(int columnId, const CRowsDrain& drain, std::size
   return {drain.records[index].get(), findColumn(drain.items, columnId), static_cast<int>(index)};
 }
 
-std::uint64_t CShownRows::Private::orderKey(std::uint64_t key) const {
-  return sort.front().order == Qt::AscendingOrder ? key : ~key;
-}
-
-COrderEntry CShownRows::Private::entry(int slot) const {
-  return {sort.empty() ? 0 : orderKey(columns[at(sort.front().column)]->keys->keys[at(slot)]), slot};
-}
-
 bool CShownRows::Private::decides(std::uint64_t key) const {
-  if (sort.empty()) return false;
-  return sort.size() > 1 || columns[at(sort.front().column)]->keys->decides(orderKey(key));
+  return sort.size() > 1 || columns[at(sort.front().column)]->keys->decides(key);
 }
 
 bool CShownRows::Private::isBefore(int slot, int other) const {
@@ -54,6 +46,29 @@ bool CShownRows::Private::isBefore(int slot, int other) const {
   return slot < other;
 }
 
+/// By one column: what stands further behind in its texts. By several: the other columns, as far as their keys decide.
+bool CShownRows::Private::finerKeys(const std::vector<int>& slots, int stage, std::vector<std::uint64_t>& keys) const {
+  const std::size_t next = sort.size() == 1 ? 0 : at(stage) + 1;
+  if (next >= sort.size()) return false;
+  const CColumn& column = *columns[at(sort[next].column)];
+  if (sort.size() == 1) {
+    if (!column.keys->finerKeys(records, slots, stage, keys)) return false;
+  } else {
+    if (columns[at(sort[next - 1].column)]->keys->mayDecide()) return false;
+    keys.resize(slots.size());
+    std::transform(slots.begin(), slots.end(), keys.begin(), [&](int slot) { return column.keys->keys[at(slot)]; });
+  }
+  if (sort[next].order == Qt::DescendingOrder)
+    std::transform(keys.begin(), keys.end(), keys.begin(), [](std::uint64_t key) { return ~key; });
+  return true;
+}
+
+bool CShownRows::Private::decidesFiner(std::uint64_t key, int stage) const {
+  const std::size_t by = sort.size() == 1 ? 0 : at(stage) + 1;
+  const std::uint64_t held = sort[by].order == Qt::DescendingOrder ? ~key : key;
+  return by + 1 < sort.size() || columns[at(sort[by].column)]->keys->decides(held);
+}
+
 bool CShownRows::Private::differs(int columnId, int slot, const CCell& changed) const {
   const CColumn& column = *columns[at(columnId)];
   const std::uint64_t key = column.keys->make(changed);
@@ -65,18 +80,14 @@ CKeyColumn& CShownRows::Private::keysOf(int columnId) {
   CColumn& column = *columns[at(columnId)];
   if (column.keys) return *column.keys;
   column.keys = std::make_unique<CKeyColumn>(column.column);
-  std::vector<std::uint64_t>& keys = column.keys->keys;
   do {
-    keys.clear();
-    keys.reserve(records.size());
-    for (int slot = 0; at(slot) < records.size(); ++slot) keys.push_back(column.keys->make(cell(column, slot)));
+    column.keys->keys.clear();
+    column.keys->fill(records, column.items.get());
   } while (column.keys->isVoid());
   return *column.keys;
 }
 
-int CShownRows::Private::rowCount() const {
-  return isFiltered() ? shownOrder.size() : static_cast<int>(records.size());
-}
+int CShownRows::Private::rowCount() const { return isFiltered() ? shownOrder.size() : static_cast<int>(ordered); }
 
 int CShownRows::Private::slotAt(int row) const {
   if (row < 0 || row >= rowCount()) return -1;
@@ -85,43 +96,55 @@ int CShownRows::Private::slotAt(int row) const {
 }
 
 int CShownRows::Private::rowOf(int slot) const {
-  if (slot < 0 || at(slot) >= records.size()) return -1;
-  if (isFiltered()) return shownOrder.rowOf(entry(slot));
-  return sort.empty() ? slot : order.rowOf(entry(slot));
+  if (slot < 0 || isWaiting(slot)) return -1;
+  if (isFiltered()) return shownOrder.rowOf(slot);
+  return sort.empty() ? slot : order.rowOf(slot);
+}
+
+COrderBy CShownRows::Private::orderBy() const {
+  COrderBy by;
+  if (sort.empty()) return by;
+  const CKeyColumn& keys = *columns[at(sort.front().column)]->keys;
+  by.keys = &keys.keys;
+  by.isDescending = sort.front().order == Qt::DescendingOrder;
+  if (sort.size() > 1 || keys.mayDecide()) by.ties = this;
+  return by;
 }
 
 void CShownRows::Private::rebuildOrders() {
-  if (sort.empty()) {
-    order.clear();
-  } else {
-    std::vector<COrderEntry> entries;
-    entries.reserve(records.size());
-    for (int slot = 0; at(slot) < records.size(); ++slot) entries.push_back(entry(slot));
-    order.sort(entries);
-    order.assign(entries);
+  order.clear();
+  order.setOrder(orderBy());
+  if (!sort.empty()) {
+    std::vector<int> slots(records.size());
+    std::iota(slots.begin(), slots.end(), 0);
+    order.sort(slots);
+    order.assign(slots);
   }
+  ordered = records.size();
   rebuildShownOrder();
 }
 
 void CShownRows::Private::rebuildShownOrder() {
   shownOrder.clear();
+  shownOrder.setOrder(orderBy());
   if (!isFiltered()) return;
-  std::vector<COrderEntry> passing;
-  const auto visit = [&](COrderEntry held) {
-    if (passes(held.slot)) passing.push_back(held);
+  // Without a branch, which could not be foretold. One place more takes what does not pass last.
+  std::vector<int> slots(at(passing.count()) + 1);
+  int* next = slots.data();
+  const auto visit = [&](int slot) {
+    *next = slot;
+    next += passing.has(slot) ? 1 : 0;
   };
   if (sort.empty()) {
-    for (int slot = 0; at(slot) < records.size(); ++slot) visit(entry(slot));
+    for (int slot = 0; at(slot) < ordered; ++slot) visit(slot);
   } else {
     order.forEach(visit);
   }
-  shownOrder.assign(passing);
+  slots.resize(static_cast<std::size_t>(next - slots.data()));
+  shownOrder.assign(slots);
 }
 
-CShownRows::CShownRows() : m_d(std::make_unique<Private>()) {
-  m_d->order.setTies(m_d.get());
-  m_d->shownOrder.setTies(m_d.get());
-}
+CShownRows::CShownRows() : m_d(std::make_unique<Private>()) {}
 
 CShownRows::~CShownRows() {
   const std::size_t count = m_d->records.size();
@@ -166,6 +189,7 @@ void CShownRows::setDelegate(int columnId, std::unique_ptr<CBaseTableColumnWidge
     column.values.reset();
     if (texts) m_d->valuesOf(columnId).accept(*texts);
     if (isSorted) m_d->keysOf(columnId);
+    m_d->findPassing();
     m_d->rebuildOrders();
     m_d->sumAll();
   });
@@ -208,8 +232,6 @@ void CShownRows::setSort(std::vector<CSortColumn> columns) {
   CRowsChange change;
   change.kind = CRowsChange::Order;
   m_d->tell(change, [&] {
-    m_d->order.clear();
-    m_d->shownOrder.clear();
     m_d->sort = std::move(columns);
     for (const CSortColumn& by : m_d->sort) m_d->keysOf(by.column);
     m_d->rebuildOrders();
@@ -219,7 +241,7 @@ void CShownRows::setSort(std::vector<CSortColumn> columns) {
 const std::vector<CSortColumn>& CShownRows::sort() const { return m_d->sort; }
 
 std::size_t CShownRows::memory() const {
-  std::size_t bytes = heldBytes(m_d->records) + m_d->order.memory() + m_d->shownOrder.memory();
+  std::size_t bytes = heldBytes(m_d->records) + m_d->order.memory() + m_d->shownOrder.memory() + m_d->passing.memory();
   for (const auto& column : m_d->columns) {
     if (column->items) bytes += column->items->memory();
     if (column->keys) bytes += heldBytes(column->keys->keys);

@@ -93,7 +93,10 @@ class CShownRows {
 
   // --- changes ---
 
+  /// New rows of a drain that more rows follow at once may wait, and be displayed together with those.
   void apply(CRowsDrain&& drain);
+  /// Displays what waits.
+  void finishApplying();
   void clear();
 
   // --- order ---
@@ -133,8 +136,12 @@ class CShownRows {
   void setSum(int columnId, bool on);
   bool hasSum(int columnId) const;
   bool hasSums() const;
-  /// As the column shows numbers; empty without a sum.
+  /// As the column shows numbers; empty without a sum, "…" while it is not ready.
   QString sumText(int columnId) const;
+  /// After another filter the sums of many rows come with `prepareSums`.
+  bool areSumsReady() const;
+  /// Takes so many more rows into the sums; true when nothing is left.
+  bool prepareSums(int rows);
 
   /// Bytes held for the rows beyond the records themselves.
   std::size_t memory() const;

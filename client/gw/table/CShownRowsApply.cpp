@@ -3,12 +3,12 @@
 #include "gw/table/CShownRows.h"
 #include "gw/table/CShownRowsPrivate.h"
 #include "gw/table/item_columns.h"
-#include "gw/table/record_prefetch.h"
 #include "gw/table/vector_growth.h"
 #include "gw/table_release.h"
 
 #include <algorithm>
 #include <cassert>
+#include <numeric>
 #include <type_traits>
 #include <utility>
 
@@ -18,11 +18,24 @@ namespace {
 
 std::size_t at(int index) { return static_cast<std::size_t>(index); }
 
+constexpr std::size_t FEW = 8;
+
 /// More changes than this are cheaper by making the order anew.
 bool isMany(std::size_t changes, std::size_t rows) {
-  constexpr std::size_t FEW = 8;
   constexpr std::size_t PART = 16;
   return changes > FEW + rows / PART;
+}
+
+/// More new rows than this are cheaper by going through all.
+bool isMerged(std::size_t added, std::size_t rows) {
+  constexpr std::size_t PART = 128;
+  return added > FEW + rows / PART;
+}
+
+/// While more rows come at once, so many wait until they are a good part of all: each time, all are gone through.
+bool isWorthOrdering(std::size_t waiting, std::size_t ordered) {
+  constexpr std::size_t MANY = 50000;
+  return waiting > std::max(MANY, ordered / 2);
 }
 
 }  // namespace
@@ -56,9 +69,9 @@ void CShownRows::Private::drop(const std::vector<int>& newSlots) {
   change.newSlots = &newSlots;
   tell(change, [&] {
     // The kept rows stay in order among themselves, so that nothing is sorted anew.
-    std::vector<COrderEntry> entries;
-    order.forEach([&](COrderEntry held) {
-      if (movedTo(held.slot) >= 0) entries.push_back({held.key, movedTo(held.slot)});
+    std::vector<int> slots;
+    order.forEach([&](int slot) {
+      if (movedTo(slot) >= 0) slots.push_back(movedTo(slot));
     });
     const auto moveAll = [&](auto& list) {
       std::remove_reference_t<decltype(list)> moved(at(kept));
@@ -83,7 +96,10 @@ void CShownRows::Private::drop(const std::vector<int>& newSlots) {
       if (newSlots[slot] >= 0) garbage.records[at(newSlots[slot])] = std::move(records[slot]);
     }
     records.swap(garbage.records);
-    order.assign(entries);
+    ordered -=
+        at(static_cast<int>(std::count(newSlots.begin(), newSlots.begin() + static_cast<std::ptrdiff_t>(ordered), -1)));
+    order.assign(slots);
+    findPassing();
     rebuildShownOrder();
     sumAll();
   });
@@ -99,46 +115,60 @@ void CShownRows::apply(CRowsDrain&& drain) {
   if (drain.slots.empty() || m_d->clears != clears) return;
   const std::size_t oldCount = m_d->records.size();
   const std::vector<Private::CStep> steps = m_d->plan(drain, oldCount);
-  m_d->tell(m_d->kindOf(steps, drain.slots.size() - steps.size()), [&] {
+  const std::size_t newCount = oldCount + drain.slots.size() - steps.size();
+  const bool isOrdered = m_d->sort.empty() || !drain.isMore || isWorthOrdering(newCount - m_d->ordered, m_d->ordered);
+  m_d->tell(m_d->kindOf(steps, isOrdered ? newCount : m_d->ordered), [&] {
     m_d->changeRows(drain, steps);
     m_d->addRows(drain, oldCount);
+    if (isOrdered) m_d->orderWaiting();
+    m_d->prepareSums(Private::SUMMED_AT_ONCE);
     if (m_d->remakeVoidKeys()) m_d->rebuildOrders();
   });
   const std::size_t count = drain.records.size();
   releaseRecords(std::move(drain.records), count);
 }
 
+void CShownRows::finishApplying() {
+  if (m_d->ordered == m_d->records.size()) return;
+  m_d->tell(m_d->kindOf({}, m_d->records.size()), [this] { m_d->orderWaiting(); });
+}
+
 /// Values, with which filters work, are new afterwards, of the drain's new rows too; everything else is as before.
 std::vector<CShownRows::Private::CStep> CShownRows::Private::plan(const CRowsDrain& drain, std::size_t oldCount) {
   std::vector<CStep> steps;
-  for (const auto& column : columns) {
-    if (column->values) growFor(column->values->codes, std::max(oldCount, at(drain.total)));
-  }
-  for (std::size_t i = 0; i < drain.slots.size(); ++i) {
+  for (std::size_t i = 0; i < drain.slots.size() && at(drain.slots[i]) < oldCount; ++i) {
     const int slot = drain.slots[i];
-    const bool isOld = at(slot) < oldCount;
-    CStep step{slot, i, false, isOld && passes(slot), false};
-    for (std::size_t id = 0; id < columns.size(); ++id) {
-      if (!columns[id]->values) continue;
-      CValueColumn& values = *columns[id]->values;
-      if (at(slot) > values.codes.size()) continue;  // its turn comes when the values are completed
-      const std::uint32_t code = values.take(cell(static_cast<int>(id), drain, i), drain.records[i]);
-      if (at(slot) < values.codes.size())
-        values.release(std::exchange(values.codes[at(slot)], code));
-      else
-        values.codes.push_back(code);
-    }
-    if (!isOld) continue;
-    step.isShown = passes(slot);
+    steps.push_back({slot, i, isWaiting(slot), false, passes(slot), false});
+  }
+  for (std::size_t id = 0; id < columns.size(); ++id) {
+    if (columns[id]->values) takeValues(static_cast<int>(id), drain, oldCount);
+  }
+  for (std::size_t i = 0; isFiltered() && i < drain.slots.size(); ++i) updatePassing(drain.slots[i]);
+  for (CStep& step : steps) {
+    step.isShown = passes(step.slot);
     step.isMoved = std::any_of(sort.begin(), sort.end(), [&](const CSortColumn& by) {
-      return differs(by.column, slot, cell(by.column, drain, i));
+      return differs(by.column, step.slot, cell(by.column, drain, step.index));
     });
-    steps.push_back(step);
   }
   return steps;
 }
 
-CRowsChange CShownRows::Private::kindOf(const std::vector<CStep>& steps, std::size_t added) const {
+void CShownRows::Private::takeValues(int columnId, const CRowsDrain& drain, std::size_t oldCount) {
+  CValueColumn& values = *columns[at(columnId)]->values;
+  growFor(values.codes, std::max(oldCount, at(drain.total)));
+  for (std::size_t i = 0; i < drain.slots.size(); ++i) {
+    const std::size_t slot = at(drain.slots[i]);
+    if (slot > values.codes.size()) continue;  // its turn comes when the values are completed
+    const std::uint32_t code = values.take(cell(columnId, drain, i), drain.records[i]);
+    if (slot < values.codes.size())
+      values.release(std::exchange(values.codes[slot], code));
+    else
+      values.codes.push_back(code);
+  }
+}
+
+/// With the rows below `newOrdered` in the orders.
+CRowsChange CShownRows::Private::kindOf(const std::vector<CStep>& steps, std::size_t newOrdered) const {
   CRowsChange change;
   bool isOtherSet = false;
   bool isOtherOrder = false;
@@ -146,12 +176,13 @@ CRowsChange CShownRows::Private::kindOf(const std::vector<CStep>& steps, std::si
   isOtherOrder = std::any_of(sort.begin(), sort.end(),
                              [this](const CSortColumn& by) { return columns[at(by.column)]->keys->isFull(); });
   for (const CStep& step : steps) {
+    if (step.isWaiting) continue;
     isOtherSet = isOtherSet || step.wasShown != step.isShown;
     isOtherOrder = isOtherOrder || (step.isMoved && step.isShown);
     if (step.wasShown && step.isShown) change.changedSlots.push_back(step.slot);
   }
   change.firstAdded = rowCount();
-  change.added = shownAdded(records.size(), added);
+  change.added = isFiltered() ? passing.countBetween(ordered, newOrdered) : static_cast<int>(newOrdered - ordered);
   if (isOtherSet || (change.added > 0 && !sort.empty()))
     change.kind = CRowsChange::Reset;
   else if (change.added > 0)
@@ -163,18 +194,22 @@ CRowsChange CShownRows::Private::kindOf(const std::vector<CStep>& steps, std::si
 
 void CShownRows::Private::changeRows(CRowsDrain& drain, const std::vector<CStep>& steps) {
   const bool isSorted = !sort.empty();
-  const auto moves = static_cast<std::size_t>(std::count_if(
-      steps.begin(), steps.end(), [](const CStep& step) { return step.isMoved || step.wasShown != step.isShown; }));
+  const auto moves = static_cast<std::size_t>(std::count_if(steps.begin(), steps.end(), [](const CStep& step) {
+    return !step.isWaiting && (step.isMoved || step.wasShown != step.isShown);
+  }));
   const bool isRebuilt = isMany(moves, records.size());
   // Entries leave with their old keys and come back with their new ones.
   for (const CStep& step : steps) {
     if (isRebuilt) break;
-    if (isFiltered() && step.wasShown && (step.isMoved || !step.isShown)) shownOrder.erase(entry(step.slot));
-    if (isSorted && step.isMoved) order.erase(entry(step.slot));
+    if (step.isWaiting) continue;
+    if (isFiltered() && step.wasShown && (step.isMoved || !step.isShown)) shownOrder.erase(step.slot);
+    if (isSorted && step.isMoved) order.erase(step.slot);
   }
+  const std::vector<CItemSource> itemSources = itemSourcesOf(drain);
   for (const CStep& step : steps) {
     sumRow(step.slot, step.wasShown, false);
-    takeRow(drain, step.index, step.slot);
+    for (const CItemSource& source : itemSources) source.copyCell(step.slot, step.index);
+    replaceRow(drain, step.index, step.slot);
     sumRow(step.slot, step.isShown, true);
   }
   if (isRebuilt) {
@@ -182,8 +217,9 @@ void CShownRows::Private::changeRows(CRowsDrain& drain, const std::vector<CStep>
     return;
   }
   for (const CStep& step : steps) {
-    if (isFiltered() && step.isShown && (step.isMoved || !step.wasShown)) shownOrder.insert(entry(step.slot));
-    if (isSorted && step.isMoved) order.insert(entry(step.slot));
+    if (step.isWaiting) continue;
+    if (isFiltered() && step.isShown && (step.isMoved || !step.wasShown)) shownOrder.insert(step.slot);
+    if (isSorted && step.isMoved) order.insert(step.slot);
   }
 }
 
@@ -197,55 +233,72 @@ void CShownRows::Private::addRows(CRowsDrain& drain, std::size_t oldCount) {
   for (const auto& column : columns) {
     if (column->keys) growFor(column->keys->keys, room);
   }
-  std::vector<COrderEntry> entries;
-  std::vector<COrderEntry> shown;
-  for (auto it = firstNew; it != drain.slots.end(); ++it) {
-    const int slot = *it;
-    const auto index = static_cast<std::size_t>(it - drain.slots.begin());
-    prefetchRecord(drain.records, index);
-    takeRow(drain, index, slot);
-    const bool isShown = passes(slot);
-    sumRow(slot, isShown, true);
-    if (!sort.empty()) entries.push_back(entry(slot));
-    if (isFiltered() && isShown) shown.push_back(entry(slot));
-  }
-  const auto put = [](CBlockOrder& to, std::vector<COrderEntry>& list) {
-    if (isMany(list.size(), at(to.size()))) {
-      to.sort(list);
-      to.merge(list);
-    } else {
-      for (const COrderEntry& one : list) to.insert(one);
+  // A part after the other, so that a record is still at hand when its sums follow its keys.
+  constexpr std::size_t PART = 1024;
+  const std::vector<CItemSource> itemSources = itemSourcesOf(drain);
+  for (auto index = static_cast<std::size_t>(firstNew - drain.slots.begin()); index < drain.slots.size();) {
+    const std::size_t end = std::min(index + PART, drain.slots.size());
+    const std::size_t first = records.size();
+    for (; index < end; ++index) {
+      for (const CItemSource& source : itemSources) source.copyCell(drain.slots[index], index);
+      records.push_back(std::move(drain.records[index]));
     }
-  };
-  put(order, entries);
-  put(shownOrder, shown);
+    for (const auto& column : columns) {
+      if (column->keys) column->keys->fill(records, column->items.get());
+    }
+    sumNewRows(first);
+  }
 }
 
-/// The row of the slot, an old one or the next new one, becomes the drain's, with the keys of every column; the old
-/// record goes to the drain.
-void CShownRows::Private::takeRow(CRowsDrain& drain, std::size_t index, int slot) {
-  const bool isNew = at(slot) == records.size();
-  for (std::size_t id = 0; id < columns.size(); ++id) {
-    CColumn& column = *columns[id];
-    if (!column.keys) continue;
-    const std::uint64_t key = column.keys->make(cell(static_cast<int>(id), drain, index));
-    if (isNew)
-      column.keys->keys.push_back(key);
-    else
-      column.keys->keys[at(slot)] = key;
+/// Puts the rows that wait into the orders.
+void CShownRows::Private::orderWaiting() {
+  const auto put = [](CBlockOrder& to, std::vector<int> slots) {
+    if (isMerged(slots.size(), at(to.size()))) {
+      to.sort(slots);
+      to.merge(slots);
+    } else {
+      for (const int slot : slots) to.insert(slot);
+    }
+  };
+  if (!sort.empty()) {
+    std::vector<int> slots(records.size() - ordered);
+    std::iota(slots.begin(), slots.end(), static_cast<int>(ordered));
+    put(order, std::move(slots));
   }
-  static const CItemColumn unset;
+  if (isFiltered()) {
+    std::vector<int> slots;
+    for (int slot = passing.next(static_cast<int>(ordered)); slot >= 0; slot = passing.next(slot + 1))
+      slots.push_back(slot);
+    put(shownOrder, std::move(slots));
+  }
+  ordered = records.size();
+}
+
+/// The columns whose cells a drain sets or unsets.
+std::vector<CShownRows::Private::CItemSource> CShownRows::Private::itemSourcesOf(const CRowsDrain& drain) {
+  std::vector<CItemSource> sources;
   for (std::size_t id = 0; id < columns.size(); ++id) {
     auto& items = columns[id]->items;
-    const CItemColumn* cells = findColumn(drain.items, static_cast<int>(id));
+    const CItemColumn* cells = drain.items.empty() ? nullptr : findColumn(drain.items, static_cast<int>(id));
     if (!items && cells == nullptr) continue;
     if (!items) items = std::make_unique<CItemColumn>();
-    items->copyCell(slot, cells == nullptr ? unset : *cells, static_cast<int>(index));
+    sources.push_back({items.get(), cells});
   }
-  if (isNew)
-    records.push_back(std::move(drain.records[index]));
-  else
-    std::swap(records[at(slot)], drain.records[index]);
+  return sources;
+}
+
+void CShownRows::Private::CItemSource::copyCell(int slot, std::size_t index) const {
+  static const CItemColumn unset;
+  items->copyCell(slot, cells == nullptr ? unset : *cells, static_cast<int>(index));
+}
+
+/// The row gets the drain's record and the keys of every column; the old record goes to the drain.
+void CShownRows::Private::replaceRow(CRowsDrain& drain, std::size_t index, int slot) {
+  for (std::size_t id = 0; id < columns.size(); ++id) {
+    CColumn& column = *columns[id];
+    if (column.keys) column.keys->keys[at(slot)] = column.keys->make(cell(static_cast<int>(id), drain, index));
+  }
+  std::swap(records[at(slot)], drain.records[index]);
 }
 
 bool CShownRows::Private::remakeVoidKeys() {

@@ -1,4 +1,4 @@
-// Filters and sums of the displayed rows.
+// Filters of the displayed rows.
 
 #include "gw/table/CShownRows.h"
 #include "gw/table/CShownRowsPrivate.h"
@@ -24,28 +24,33 @@ CValueColumn& CShownRows::Private::valuesOf(int columnId) {
 bool CShownRows::Private::prepareValues(int columnId, std::size_t rows) {
   CColumn& column = *columns[at(columnId)];
   if (!column.values) column.values = std::make_unique<CValueColumn>(column.column);
-  std::vector<std::uint32_t>& codes = column.values->codes;
-  growFor(codes, records.size());
-  for (; rows > 0 && codes.size() < records.size(); --rows) {
-    const std::size_t slot = codes.size();
-    codes.push_back(column.values->take(cell(column, static_cast<int>(slot)), records[slot]));
-  }
-  return codes.size() == records.size();
+  return column.values->fill(records, column.items.get(), rows);
 }
 
-bool CShownRows::Private::passes(int slot, int exceptColumn) const {
+bool CShownRows::Private::passesOthers(int slot, int exceptColumn) const {
   return std::all_of(filters.begin(), filters.end(), [&](int columnId) {
     const CValueColumn& values = *columns[at(columnId)]->values;
     return columnId == exceptColumn || values.accepts(values.codes[at(slot)]);
   });
 }
 
-/// How many of the rows that a drain adds will pass, once their values are taken.
-int CShownRows::Private::shownAdded(std::size_t oldCount, std::size_t added) const {
-  if (!isFiltered()) return static_cast<int>(added);
-  int count = 0;
-  for (std::size_t i = 0; i < added; ++i) count += passes(static_cast<int>(oldCount + i)) ? 1 : 0;
-  return count;
+void CShownRows::Private::updatePassing(int slot) {
+  if (isFiltered()) passing.set(slot, passesOthers(slot, -1));
+}
+
+void CShownRows::Private::findPassing() {
+  passing.clear();
+  for (const int columnId : filters) {
+    const CValueColumn& values = *columns[at(columnId)]->values;
+    const std::vector<char> accepted = values.acceptedCodes();
+    const CSlotBits others = passing;
+    if (columnId == filters.front())
+      passing.assign(records.size(), [&](std::size_t slot) { return accepted[values.codes[slot]] != 0; });
+    else
+      passing.assign(records.size(), [&](std::size_t slot) {
+        return others.has(static_cast<int>(slot)) && accepted[values.codes[slot]] != 0;
+      });
+  }
 }
 
 void CShownRows::Private::setFiltering(int columnId, const std::function<void(CValueColumn&)>& accept) {
@@ -56,43 +61,10 @@ void CShownRows::Private::setFiltering(int columnId, const std::function<void(CV
     accept(values);
     filters.erase(std::remove(filters.begin(), filters.end(), columnId), filters.end());
     if (values.isFiltering()) filters.push_back(columnId);
+    findPassing();
     rebuildShownOrder();
-    for (const auto& column : columns) column->shownSum = CColumnSum();
-    if (!isFiltered()) return;
-    shownOrder.forEach([this](COrderEntry shown) {
-      for (const auto& column : columns) {
-        if (column->isSummed) column->shownSum.add(column->column, cell(*column, shown.slot));
-      }
-    });
+    sumShownAnew();
   });
-}
-
-void CShownRows::Private::sumRow(int slot, bool isShown, bool isAdded) {
-  for (const auto& column : columns) {
-    if (!column->isSummed) continue;
-    const CCell summand = cell(*column, slot);
-    const auto change = [&](CColumnSum& sum) {
-      if (isAdded)
-        sum.add(column->column, summand);
-      else
-        sum.subtract(column->column, summand);
-    };
-    change(column->allSum);
-    if (isShown && isFiltered()) change(column->shownSum);
-  }
-}
-
-void CShownRows::Private::sumColumn(CColumn& column) {
-  column.allSum = column.shownSum = CColumnSum();
-  for (int slot = 0; column.isSummed && at(slot) < records.size(); ++slot) {
-    column.allSum.add(column.column, cell(column, slot));
-    if (isFiltered() && passes(slot)) column.shownSum.add(column.column, cell(column, slot));
-  }
-}
-
-void CShownRows::Private::sumAll() {
-  for (const auto& column : columns) column->allSum = column->shownSum = CColumnSum();
-  for (int slot = 0; at(slot) < records.size(); ++slot) sumRow(slot, passes(slot), true);
 }
 
 void CShownRows::setFilter(int columnId, std::optional<QStringList> texts) {
@@ -132,7 +104,7 @@ std::vector<CShownRows::CValue> CShownRows::values(int columnId) {
   const std::vector<std::uint32_t> codes = values.ordered();
   std::vector<int> rows(values.codeCount());
   for (int slot = 0; slot < slotCount(); ++slot) {
-    if (m_d->passes(slot, columnId)) ++rows[values.codes[at(slot)]];
+    if (m_d->passesOthers(slot, columnId)) ++rows[values.codes[at(slot)]];
   }
   all.reserve(codes.size());
   for (const std::uint32_t code : codes) all.push_back({code, rows[code], values.accepts(code)});
@@ -148,28 +120,6 @@ QString CShownRows::valueText(int columnId, std::uint32_t code) const {
 void CShownRows::holdValues(int columnId, bool on) {
   if (column(columnId) == nullptr) return;
   if (on || m_d->columns[at(columnId)]->values) m_d->valuesOf(columnId).hold(on);
-}
-
-void CShownRows::setSum(int columnId, bool on) {
-  if (column(columnId) == nullptr) return;
-  Private::CColumn& held = *m_d->columns[at(columnId)];
-  if (held.isSummed == on || (on && !CColumnSum::isSummable(held.column))) return;
-  held.isSummed = on;
-  m_d->sumColumn(held);
-}
-
-bool CShownRows::hasSum(int columnId) const {
-  return column(columnId) != nullptr && m_d->columns[at(columnId)]->isSummed;
-}
-
-bool CShownRows::hasSums() const {
-  return std::any_of(m_d->columns.begin(), m_d->columns.end(), [](const auto& column) { return column->isSummed; });
-}
-
-QString CShownRows::sumText(int columnId) const {
-  if (!hasSum(columnId)) return {};
-  const Private::CColumn& held = *m_d->columns[at(columnId)];
-  return (isFiltered() ? held.shownSum : held.allSum).text(held.column);
 }
 
 }  // namespace GW

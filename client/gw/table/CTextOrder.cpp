@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 
 namespace GW {
@@ -15,13 +16,16 @@ namespace {
 constexpr std::size_t KEY_BYTES = 8;
 
 bool isAscii(std::string_view text) {
-  return std::none_of(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0x80U) != 0; });
+  unsigned char all = 0;
+  for (const char c : text) all |= static_cast<unsigned char>(c);
+  return (all & 0x80U) == 0;
 }
 
 std::uint64_t asciiKey(std::string_view text) {
+  unsigned char bytes[KEY_BYTES] = {};
+  std::memcpy(bytes, text.data(), std::min(text.size(), KEY_BYTES));
   std::uint64_t key = 0;
-  for (std::size_t i = 0; i < KEY_BYTES; ++i)
-    key = key << 8U | (i < text.size() ? static_cast<unsigned char>(text[i]) : 0U);
+  for (const unsigned char byte : bytes) key = key << 8U | byte;
   return key;
 }
 
@@ -33,12 +37,18 @@ std::uint64_t CTextOrder::key(std::string_view text) {
   return isAscii(text) ? asciiKey(text) : TOP_BIT | rank(std::string(text));
 }
 
+std::uint64_t CTextOrder::nextKey(std::string_view text, std::size_t keys) {
+  return asciiKey(text.substr(std::min(text.size(), keys * KEY_BYTES)));
+}
+
 std::uint64_t CTextOrder::pooledKey(const std::string& text) {
-  const auto known = m_pooled.find(&text);
-  if (known != m_pooled.end()) return known->second;
-  const std::uint64_t made = key(text);
-  m_pooled.emplace(&text, made);
-  return made;
+  CRecent& recent = m_recent[reinterpret_cast<std::uintptr_t>(&text) / sizeof(std::string) % m_recent.size()];
+  if (recent.text != &text) {
+    auto known = m_pooled.find(&text);
+    if (known == m_pooled.end()) known = m_pooled.emplace(&text, key(text)).first;
+    recent = {&text, known->second};
+  }
+  return recent.key;
 }
 
 std::uint64_t CTextOrder::rank(const std::string& text) {
@@ -57,6 +67,7 @@ bool CTextOrder::renumberIfNeeded() {
   if (!m_isFull) return false;
   m_isFull = false;
   m_pooled.clear();
+  m_recent.fill({});
   const std::uint64_t step = TOP_BIT / (m_places.size() + 1);
   std::uint64_t next = 0;
   for (auto& [place, rank] : m_places) {

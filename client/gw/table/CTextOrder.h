@@ -3,6 +3,8 @@
 #include <QCollator>
 #include <QCollatorSortKey>
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -24,6 +26,8 @@ class CTextOrder {
   /// The same for a text that lives as long as the process, found by its address.
   std::uint64_t pooledKey(const std::string& text);
 
+  /// Of an ASCII text: the key of what stands behind the characters of so many keys.
+  static std::uint64_t nextKey(std::string_view text, std::size_t keys);
   static bool isAmbiguous(std::uint64_t key) { return key >> 63 == 0 && (key & 0xff) != 0; }
 
   /// Whether no room was left for a text.
@@ -46,6 +50,12 @@ class CTextOrder {
   std::map<CPlace, std::uint64_t, CBefore> m_places;
   std::unordered_map<std::string, std::uint64_t> m_ranks;
   std::unordered_map<const std::string*, std::uint64_t> m_pooled;
+  /// The last pooled texts, each at a place of its own address.
+  struct CRecent {
+    const std::string* text = nullptr;
+    std::uint64_t key = 0;
+  };
+  std::array<CRecent, 256> m_recent{};
   bool m_isFull = false;
 };
 

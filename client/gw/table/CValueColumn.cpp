@@ -1,8 +1,10 @@
 #include "gw/table/CValueColumn.h"
 
-#include "gw/table/CBlockOrder.h"
+#include "gw/table/CFieldReader.h"
 #include "gw/table/CTextOrder.h"
 #include "gw/table/cell_text.h"
+#include "gw/table/slot_sort.h"
+#include "gw/table/vector_growth.h"
 
 #include "rdservice/CInternedText.h"
 
@@ -31,6 +33,16 @@ std::uint64_t amountRaw(double amount) {
   return sortable(cents + (beyondHalf > 0 || (beyondHalf == 0 && cents % 2 != 0) ? 1 : 0));
 }
 
+std::uint64_t numberRaw(double value, EFieldFormat format) {
+  if (!std::isfinite(value)) return sortable(std::numeric_limits<double>::infinity());  // all show alike
+  return format == EFieldFormat::Amount ? amountRaw(value) : sortable(value);
+}
+
+/// Of numbers the low bits differ, of addresses those above.
+std::size_t recentPlace(std::uint64_t raw) { return static_cast<std::size_t>(raw ^ raw >> 5 ^ raw >> 45); }
+
+std::uint64_t pooledRaw(rdservice::CInternedText text) { return reinterpret_cast<std::uintptr_t>(&text.str()); }
+
 }  // namespace
 
 CValueColumn::CValueColumn(const CTableColumn& column)
@@ -44,17 +56,46 @@ std::uint64_t CValueColumn::rawOf(const rdservice::IData& record) const {
     case EFieldType::Char: return sortable(std::int64_t{field.get<char>(record)});
     case EFieldType::Int32: return sortable(std::int64_t{field.get<std::int32_t>(record)});
     case EFieldType::Int64: return sortable(field.get<std::int64_t>(record));
-    case EFieldType::Double: {
-      const double value = field.get<double>(record);
-      if (!std::isfinite(value)) return sortable(std::numeric_limits<double>::infinity());  // all show alike
-      return field.format == EFieldFormat::Amount ? amountRaw(value) : sortable(value);
-    }
-    case EFieldType::Interned:
-      return reinterpret_cast<std::uintptr_t>(&field.get<rdservice::CInternedText>(record).str());
+    case EFieldType::Double: return numberRaw(field.get<double>(record), field.format);
+    case EFieldType::Interned: return pooledRaw(field.get<rdservice::CInternedText>(record));
     case EFieldType::Account:
     case EFieldType::Text: break;
   }
   return 0;
+}
+
+bool CValueColumn::fill(const std::vector<rdservice::IDataPtr>& records, const CItemColumn* items, std::size_t rows) {
+  growFor(codes, records.size());
+  const std::size_t end = std::min(records.size(), codes.size() + rows);
+  if (hasRaw() && codes.size() < end) fillRaw(records, end);
+  while (codes.size() < end) {
+    const std::size_t slot = codes.size();
+    codes.push_back(take({records[slot].get(), items, static_cast<int>(slot)}, records[slot]));
+  }
+  return codes.size() == records.size();
+}
+
+void CValueColumn::fillRaw(const std::vector<rdservice::IDataPtr>& records, std::size_t end) {
+  const rdservice::CFieldDes& field = *m_column.field;
+  const CFieldReader reader(field, *records[codes.size()]);
+  const auto fillWith = [&](auto sample, auto raw) {
+    reader.forEach<decltype(sample)>(records, codes.size(), end, [&](const auto& value) {
+      const std::uint32_t code = findRaw(raw(value), records[codes.size()]);
+      ++m_values[code].cells;
+      codes.push_back(code);
+    });
+  };
+  const auto integerRaw = [](auto value) { return sortable(std::int64_t{value}); };
+  switch (field.type) {
+    case EFieldType::Char: return fillWith(char(), integerRaw);
+    case EFieldType::Int32: return fillWith(std::int32_t(), integerRaw);
+    case EFieldType::Int64: return fillWith(std::int64_t(), integerRaw);
+    case EFieldType::Double:
+      return fillWith(double(), [&field](double value) { return numberRaw(value, field.format); });
+    case EFieldType::Interned: return fillWith(rdservice::CInternedText(), pooledRaw);
+    case EFieldType::Account:
+    case EFieldType::Text: break;
+  }
 }
 
 std::uint32_t CValueColumn::take(const CCell& cell, const rdservice::IDataPtr& record) {
@@ -68,17 +109,23 @@ void CValueColumn::release(std::uint32_t code) {
   dropIfUnused(code);
 }
 
-std::uint32_t CValueColumn::find(const CCell& cell, const rdservice::IDataPtr& record) {
-  CValue value;
-  if (hasRaw()) {
-    value.raw = rawOf(*cell.record);
-    const auto known = m_byRaw.find(value.raw);
-    if (known != m_byRaw.end()) return known->second;
+std::uint32_t CValueColumn::findRaw(std::uint64_t raw, const rdservice::IDataPtr& record) {
+  CRecent& recent = m_recent[recentPlace(raw) % m_recent.size()];
+  if (recent.isUsed && recent.raw == raw) return recent.code;
+  const auto [known, isNew] = m_byRaw.try_emplace(raw, 0);
+  if (isNew) {
+    CValue value;
+    value.raw = raw;
     value.sample = record;
-    const std::uint32_t code = add(std::move(value));
-    m_byRaw.emplace(m_values[code].raw, code);
-    return code;
+    known->second = add(std::move(value));
   }
+  recent = {raw, known->second, true};
+  return known->second;
+}
+
+std::uint32_t CValueColumn::find(const CCell& cell, const rdservice::IDataPtr& record) {
+  if (hasRaw()) return findRaw(rawOf(*cell.record), record);
+  CValue value;
   std::string buffer;
   const auto [entry, isNew] = m_byText.try_emplace(textOf(cell, buffer), 0);
   if (!isNew) return entry->second;
@@ -118,10 +165,12 @@ std::uint32_t CValueColumn::add(CValue value) {
 void CValueColumn::dropIfUnused(std::uint32_t code) {
   CValue& value = m_values[code];
   if (value.cells > 0 || value.isAccepted || !value.isUsed || m_holders > 0) return;
-  if (hasRaw())
+  if (hasRaw()) {
     m_byRaw.erase(value.raw);
-  else
+    m_recent[recentPlace(value.raw) % m_recent.size()].isUsed = false;
+  } else {
     m_byText.erase(m_byText.find(*value.text));
+  }
   value = CValue();
   m_free.push_back(code);
 }
@@ -147,25 +196,31 @@ struct CValueColumn::CTies : ITieBreaker {
 
 std::vector<std::uint32_t> CValueColumn::ordered() const {
   const bool isNumber = hasRaw() && m_column.field->type != EFieldType::Interned;
-  std::vector<COrderEntry> used;
+  std::vector<int> used;
+  for (std::size_t code = 0; code < m_values.size(); ++code) {
+    if (m_values[code].cells > 0) used.push_back(static_cast<int>(code));
+  }
   CTextOrder texts;
-  const auto gather = [&] {
-    used.clear();
-    for (std::size_t code = 0; code < m_values.size(); ++code) {
-      const CValue& value = m_values[code];
-      if (value.cells > 0) used.push_back({isNumber ? value.raw : texts.key(orderText(value)), static_cast<int>(code)});
+  std::vector<std::uint64_t> keys(m_values.size());
+  do {
+    for (const int code : used) {
+      const CValue& value = m_values[static_cast<std::size_t>(code)];
+      keys[static_cast<std::size_t>(code)] = isNumber ? value.raw : texts.key(orderText(value));
     }
-  };
-  gather();
-  if (texts.renumberIfNeeded()) gather();
+  } while (texts.renumberIfNeeded());
   const CTies ties(*this);
-  CBlockOrder order;
-  if (!isNumber) order.setTies(&ties);
-  order.sort(used);
-  std::vector<std::uint32_t> inOrder;
-  inOrder.reserve(used.size());
-  for (const COrderEntry& entry : used) inOrder.push_back(static_cast<std::uint32_t>(entry.slot));
-  return inOrder;
+  COrderBy by;
+  by.keys = &keys;
+  if (!isNumber) by.ties = &ties;
+  sortSlots(used, by);
+  return {used.begin(), used.end()};
+}
+
+std::vector<char> CValueColumn::acceptedCodes() const {
+  std::vector<char> accepted(m_values.size());
+  for (std::size_t code = 0; code < m_values.size(); ++code)
+    accepted[code] = !m_isFiltering || m_values[code].isAccepted ? 1 : 0;
+  return accepted;
 }
 
 void CValueColumn::acceptAll() {

@@ -6,6 +6,8 @@
 #include <QSet>
 #include <QStringList>
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <unordered_map>
@@ -22,6 +24,9 @@ class CValueColumn {
 
   /// The cell becomes one more that has the returned code's value. `record` is the cell's own.
   std::uint32_t take(const CCell& cell, const rdservice::IDataPtr& record);
+  /// Takes so many more of the rows, those after the ones in `codes`; true when every row is in. `items` are the
+  /// column's cells by slot, null for none.
+  bool fill(const std::vector<rdservice::IDataPtr>& records, const CItemColumn* items, std::size_t rows);
   /// One cell fewer has it.
   void release(std::uint32_t code);
 
@@ -34,6 +39,8 @@ class CValueColumn {
 
   bool isFiltering() const { return m_isFiltering; }
   bool accepts(std::uint32_t code) const { return !m_isFiltering || m_values[code].isAccepted; }
+  /// By code: whether the filter accepts it.
+  std::vector<char> acceptedCodes() const;
   void acceptAll();
   void accept(const QStringList& texts);
   void acceptCodes(const std::vector<std::uint32_t>& codes);
@@ -66,6 +73,8 @@ class CValueColumn {
   const std::string& orderText(const CValue& value) const;
   std::uint32_t add(CValue value);
   std::uint32_t find(const CCell& cell, const rdservice::IDataPtr& record);
+  std::uint32_t findRaw(std::uint64_t raw, const rdservice::IDataPtr& record);
+  void fillRaw(const std::vector<rdservice::IDataPtr>& records, std::size_t end);
   void dropIfUnused(std::uint32_t code);
 
   const CTableColumn& m_column;
@@ -73,6 +82,13 @@ class CValueColumn {
   std::vector<CValue> m_values;
   std::vector<std::uint32_t> m_free;
   std::unordered_map<std::uint64_t, std::uint32_t> m_byRaw;
+  /// The last raw values, each at a place that it tells itself.
+  struct CRecent {
+    std::uint64_t raw = 0;
+    std::uint32_t code = 0;
+    bool isUsed = false;
+  };
+  std::array<CRecent, 256> m_recent{};
   std::unordered_map<std::string, std::uint32_t> m_byText;
   bool m_isFiltering = false;
   int m_holders = 0;

@@ -15,10 +15,11 @@ namespace GW {
 namespace {
 
 constexpr const char* TITLE = "合计";
+constexpr int SUMMED_IN_A_STEP = 2000;
 
 }  // namespace
 
-CStatisticsRow::CStatisticsRow(const CShownRows& rows, const QHeaderView& header, const CTableColors& colors,
+CStatisticsRow::CStatisticsRow(CShownRows& rows, const QHeaderView& header, const CTableColors& colors,
                                CTextPainter& texts, QWidget* parent)
     : QWidget(parent), m_rows(rows), m_header(header), m_colors(colors), m_texts(texts) {
   setAttribute(Qt::WA_OpaquePaintEvent);
@@ -52,6 +53,14 @@ void CStatisticsRow::refresh() {
     m_shown[columnId] = text;
     if (!m_header.isSectionHidden(columnId)) update(cellRect(columnId));
   }
+  if (m_rows.areSumsReady() || m_task.isRunning()) return;
+  m_task.start(
+      [this] {
+        if (!m_rows.prepareSums(SUMMED_IN_A_STEP)) return true;
+        refresh();
+        return false;
+      },
+      nullptr);
 }
 
 bool CStatisticsRow::event(QEvent* event) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "gw/view/CSlicedTask.h"
 #include "gw/view/CTableColors.h"
 
 #include "gw/table/CShownRows.h"
@@ -16,11 +17,11 @@ class CTextPainter;
 /// The strip below the rows with the sums of the columns that have one. GUI thread.
 class CStatisticsRow : public QWidget {
  public:
-  CStatisticsRow(const CShownRows& rows, const QHeaderView& header, const CTableColors& colors, CTextPainter& texts,
+  CStatisticsRow(CShownRows& rows, const QHeaderView& header, const CTableColors& colors, CTextPainter& texts,
                  QWidget* parent);
   ~CStatisticsRow() override;
 
-  /// Paints again what has another text.
+  /// Paints again what has another text. Sums that are not ready are made so in the turns to come.
   void refresh();
 
  protected:
@@ -32,11 +33,12 @@ class CStatisticsRow : public QWidget {
   /// The column that shows the title: the first one on the left without a sum; -1 when there is none.
   int titleColumn() const;
 
-  const CShownRows& m_rows;
+  CShownRows& m_rows;
   const QHeaderView& m_header;
   const CTableColors& m_colors;
   CTextPainter& m_texts;
-  QStringList m_shown;  ///< by column id
+  QStringList m_shown;          ///< by column id
+  CSlicedTask m_task{nullptr};  ///< makes the sums ready
 };
 
 }  // namespace GW
