@@ -1,11 +1,11 @@
 #include "gw/CBaseHighPerformanceTable.h"
 
 #include "gw/CBaseHighPerformanceTablePrivate.h"
-#include "gw/table/record_prefetch.h"
 #include "gw/view/CCellControls.h"
 #include "gw/view/CTableAccessible.h"
 #include "gw/widget_events.h"
 
+#include "rdservice/prefetch.h"
 #include "utils/threads.h"
 
 #include <QTimer>
@@ -25,6 +25,7 @@ using std::chrono::steady_clock;
 // Taking rows over is given five of a turn's 8 ms; the view's share takes the rest.
 constexpr double TAKING_NS = 5e6;
 constexpr int BUSY_WAIT_MS = 1;
+constexpr std::size_t KEY_BYTES = 192;  ///< of a record, from its beginning, in which its key stands
 constexpr std::size_t ROWS_PER_STEP = 2048;
 constexpr std::size_t ROWS_PER_TURN = 100000;
 /// Fewer are left for the next turn.
@@ -125,7 +126,8 @@ void CBaseHighPerformanceTable::updateDatas(const std::vector<rdservice::IDataPt
   m_d->shared->change([&](CChangeSet& changes) {
     changes.reserve(changes.records.size() + records.size());
     for (std::size_t i = 0; i < records.size(); ++i) {
-      prefetchRecord(records, i);
+      if (i + rdservice::PREFETCH_AHEAD < records.size())
+        rdservice::prefetch(records[i + rdservice::PREFETCH_AHEAD].get(), KEY_BYTES);
       changes.add(records[i]);
     }
     changes.refresh = changes.refresh || refreshNow;

@@ -129,7 +129,7 @@ CCompactQueryModel::Private::CGain CCompactQueryModel::Private::add(const std::v
     if (!record || record->getBaseId() != dataType) continue;
     const std::string key = record->getKey();
     const auto known = static_cast<std::size_t>(keys.size());
-    const auto place = static_cast<std::size_t>(keys.findOrAdd(GW::keyHash(key), key));
+    const auto place = static_cast<std::size_t>(keys.findOrAdd(rdservice::CHashedPlaces::hash(key), key));
     if (place == known) {
       records.push_back(record);
       ++gain.fresh;

@@ -1,6 +1,6 @@
 #include "gw/table/CChangeSet.h"
 
-#include "gw/table/CKeyIndex.h"
+#include "rdservice/CHashedPlaces.h"
 
 #include <algorithm>
 #include <cassert>
@@ -8,6 +8,8 @@
 #include <utility>
 
 namespace GW {
+
+using rdservice::CHashedPlaces;
 
 namespace {
 
@@ -21,14 +23,14 @@ void CChangeSet::add(const rdservice::IDataPtr& record) {
   if (!record) return;
   const std::string key = record->getKey();
   assert(m_keys.size() + key.size() <= std::numeric_limits<std::uint32_t>::max() && "4 GiB of keys in one batch");
-  records.push_back(
-      {keyHash(key), static_cast<std::uint32_t>(m_keys.size()), static_cast<std::uint32_t>(key.size()), record});
+  records.push_back({record, CHashedPlaces::hash(key), static_cast<std::uint32_t>(m_keys.size()),
+                     static_cast<std::uint32_t>(key.size())});
   m_keys.insert(m_keys.end(), key.begin(), key.end());
 }
 
 void CChangeSet::add(CItemChange item) {
   item.records = records.size();
-  item.hash = keyHash(item.key);
+  item.hash = CHashedPlaces::hash(item.key);
   items.push_back(std::move(item));
 }
 

@@ -34,7 +34,7 @@ struct CItemChange {
   bool on = false;          ///< parts Visible, Enabled, Checked, CheckedAlone
   qint64 value = 0;         ///< part Value
   std::size_t records = 0;  ///< how many records had been gathered before it
-  std::uint64_t hash = 0;   ///< of the key; set when the change is gathered
+  std::uint32_t hash = 0;   ///< of the key; set when the change is gathered
 };
 
 /// What a batch has gathered. It is applied in this order: clear, drop, records and items as they were gathered. An
@@ -42,10 +42,10 @@ struct CItemChange {
 class CChangeSet {
  public:
   struct CRecord {
-    std::uint64_t hash;  ///< of the key; made, like the key, by the writing thread before any lock
+    rdservice::IDataPtr record;
+    std::uint32_t hash;  ///< of the key; made, like the key, by the writing thread before any lock
     std::uint32_t keyBegin;
     std::uint32_t keySize;
-    rdservice::IDataPtr record;
   };
 
   /// A null record is ignored.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "rdservice/CStructDes.h"
+#include "rdservice/prefetch.h"
 
 #include <cstddef>
 #include <vector>
@@ -26,11 +27,7 @@ class CFieldReader {
 
   template <class T>
   void prefetch(const rdservice::IData& record) const {
-#ifdef __GNUC__
-    __builtin_prefetch(&get<T>(record));
-#else
-    static_cast<void>(record);
-#endif
+    rdservice::prefetch(&get<T>(record));
   }
 
   /// Calls `visit(const T&)` for the records from `first` to before `end`.

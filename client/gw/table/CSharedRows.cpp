@@ -9,13 +9,14 @@
 
 namespace GW {
 
+using rdservice::CHashedPlaces;
+using rdservice::PREFETCH_AHEAD;
 using utils::CMutexLock;
 
 namespace {
 
 /// Batches of as many records are made to rows before the lock when the table is empty.
 constexpr std::size_t PREPARED_RECORDS = 256;
-constexpr std::size_t PREFETCH_AHEAD = 8;
 /// Early keys without cells that are not worth removing.
 constexpr int UNUSED_EARLY_KEYS = 16;
 
@@ -83,7 +84,7 @@ bool CSharedRows::commit(CChangeSet& changes, const CScopeTest& accepts, ERowRul
     std::vector<int> refused;
     const auto putUntil = [&](std::size_t end) TS_REQUIRES(m_mutex) {
       for (; done < end; ++done) {
-        if (done + PREFETCH_AHEAD < end) m_rows.slots.prefetch(changes.records[done + PREFETCH_AHEAD].hash);
+        if (done + PREFETCH_AHEAD < end) m_rows.slots.expect(changes.records[done + PREFETCH_AHEAD].hash);
         put(changes, changes.records[done], rule, refused);
       }
     };
@@ -120,11 +121,11 @@ CSharedRows::CRows CSharedRows::rowsOf(CChangeSet& changes) {
   const std::size_t count = changes.records.size();
   rows.slots.reserve(count);
   for (std::size_t i = 0; i < count; ++i) {
-    if (i + PREFETCH_AHEAD < count) rows.slots.prefetch(changes.records[i + PREFETCH_AHEAD].hash);
+    if (i + PREFETCH_AHEAD < count) rows.slots.expect(changes.records[i + PREFETCH_AHEAD].hash);
     const CChangeSet::CRecord& change = changes.records[i];
-    const int slot = rows.slots.findOrAdd(
-        change.hash, [&](int held) { return changes.key(changes.records[at(held)]) == changes.key(change); });
-    if (slot != static_cast<int>(i)) return CRows();
+    const auto isSame = [&](std::size_t held) { return changes.key(changes.records[held]) == changes.key(change); };
+    if (rows.slots.find(change.hash, isSame) != CHashedPlaces::NONE) return CRows();
+    rows.slots.add(change.hash, i);
   }
   rows.records.reserve(count);
   for (CChangeSet::CRecord& change : changes.records) rows.records.push_back(std::move(change.record));
@@ -141,10 +142,10 @@ void CSharedRows::undoRows(CRows& rows, CChangeSet& changes) {
 void CSharedRows::put(const CChangeSet& changes, CChangeSet::CRecord& change, ERowRule rule,
                       std::vector<int>& refused) {
   const std::string_view key = changes.key(change);
-  const int known = slotCount();
-  const int slot =
-      m_rows.slots.findOrAdd(change.hash, [&](int held) TS_REQUIRES(m_mutex) { return hasKey(held, key); });
-  if (slot == known) {
+  int slot = slotOf(change.hash, key);
+  if (slot < 0) {
+    slot = slotCount();
+    m_rows.slots.add(change.hash, at(slot));
     growFor(m_rows.records, at(slot) + 1);
     m_rows.records.push_back(std::move(change.record));
     growFor(m_rows.marks, at(slot) + 1);
@@ -268,20 +269,20 @@ CTableScope CSharedRows::scope() const {
 }
 
 rdservice::IDataPtr CSharedRows::find(const std::string& key) const {
-  const std::uint64_t hash = keyHash(key);
+  const std::uint32_t hash = CHashedPlaces::hash(key);
   CMutexLock lock(m_mutex);
   const int slot = slotOf(hash, key);
   return slot < 0 ? nullptr : m_rows.records[at(slot)];
 }
 
-bool CSharedRows::hasKey(int slot, std::string_view key) const { return m_rows.records[at(slot)]->getKey() == key; }
-
-int CSharedRows::slotOf(std::uint64_t hash, std::string_view key) const {
-  return m_rows.slots.find(hash, [&](int slot) TS_REQUIRES(m_mutex) { return hasKey(slot, key); });
+int CSharedRows::slotOf(std::uint32_t hash, std::string_view key) const {
+  const std::size_t place = m_rows.slots.find(
+      hash, [&](std::size_t slot) TS_REQUIRES(m_mutex) { return m_rows.records[slot]->getKey() == key; });
+  return place == CHashedPlaces::NONE ? -1 : static_cast<int>(place);
 }
 
 int CSharedRows::slotOf(const std::string& key) const {
-  const std::uint64_t hash = keyHash(key);
+  const std::uint32_t hash = CHashedPlaces::hash(key);
   CMutexLock lock(m_mutex);
   return slotOf(hash, key);
 }
@@ -292,7 +293,7 @@ std::vector<rdservice::IDataPtr> CSharedRows::all() const {
 }
 
 CItemState CSharedRows::item(int column, const std::string& key) const {
-  const std::uint64_t hash = keyHash(key);
+  const std::uint32_t hash = CHashedPlaces::hash(key);
   CMutexLock lock(m_mutex);
   const int slot = slotOf(hash, key);
   const CItemColumn* cells = findColumn(slot < 0 ? m_early.items : m_rows.items, column);

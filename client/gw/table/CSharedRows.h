@@ -91,7 +91,7 @@ class CSharedRows {
 
   /// Rows by slot, the number of arrival.
   struct CRows {
-    CSlotIndex slots;  ///< by the keys of the records
+    rdservice::CHashedPlaces slots;  ///< by the keys of the records
     std::vector<rdservice::IDataPtr> records;
     std::vector<std::uint8_t> marks;  ///< of EMark
     CItemColumns items;
@@ -117,9 +117,8 @@ class CSharedRows {
   bool isEmptyFor(const CChangeSet& changes) const;
   static CRows rowsOf(CChangeSet& changes);
   static void undoRows(CRows& rows, CChangeSet& changes);
-  int slotCount() const TS_REQUIRES(m_mutex) { return m_rows.slots.size(); }
-  bool hasKey(int slot, std::string_view key) const TS_REQUIRES(m_mutex);
-  int slotOf(std::uint64_t hash, std::string_view key) const TS_REQUIRES(m_mutex);
+  int slotCount() const TS_REQUIRES(m_mutex) { return static_cast<int>(m_rows.slots.size()); }
+  int slotOf(std::uint32_t hash, std::string_view key) const TS_REQUIRES(m_mutex);
   void put(const CChangeSet& changes, CChangeSet::CRecord& change, ERowRule rule, std::vector<int>& refused)
       TS_REQUIRES(m_mutex);
   void takeEarlyItems(const CChangeSet::CRecord& change, std::string_view key, int slot) TS_REQUIRES(m_mutex);

@@ -10,26 +10,18 @@
 
 namespace GW {
 
+using rdservice::CHashedPlaces;
+using rdservice::PREFETCH_AHEAD;
 using utils::CMutexLock;
 
 namespace {
 
 std::size_t at(int index) { return static_cast<std::size_t>(index); }
 
-/// A record's count of references stands beside it: asks for the memory of one that comes a little later.
-void prefetchCount(const std::vector<rdservice::IDataPtr>& records, const std::vector<int>& slots, std::size_t i) {
-#ifdef __GNUC__
-  constexpr std::size_t AHEAD = 12;
-  constexpr int FOR_WRITING = 1;
+/// About where a record's references are counted: before the record, where it was made together with them.
+const void* countOf(const rdservice::IDataPtr& record) {
   constexpr int COUNT_BYTES = 16;
-  if (i + AHEAD >= slots.size()) return;
-  const auto* record = reinterpret_cast<const char*>(records[at(slots[i + AHEAD])].get());
-  __builtin_prefetch(record - COUNT_BYTES, FOR_WRITING);
-#else
-  static_cast<void>(records);
-  static_cast<void>(slots);
-  static_cast<void>(i);
-#endif
+  return reinterpret_cast<const char*>(record.get()) - COUNT_BYTES;
 }
 
 }  // namespace
@@ -69,7 +61,8 @@ bool CSharedRows::take(std::size_t limit, CRowsDrain& drain) {
   }
   growFor(drain.records, drain.slots.size());
   for (std::size_t i = first; i < drain.slots.size(); ++i) {
-    prefetchCount(m_rows.records, drain.slots, i);
+    if (i + PREFETCH_AHEAD < drain.slots.size())
+      rdservice::prefetch(countOf(m_rows.records[at(drain.slots[i + PREFETCH_AHEAD])]));
     drain.records.push_back(m_rows.records[at(drain.slots[i])]);
   }
   for (const auto& [id, column] : m_rows.items) {
@@ -120,7 +113,7 @@ void CSharedRows::keepCells(int slot) {
   for (const auto& [id, column] : m_rows.items) {
     if (!column.isSet(slot)) continue;
     const std::string key = m_rows.records[at(slot)]->getKey();
-    columnOf(m_early.items, id).copyCell(m_early.keys.findOrAdd(keyHash(key), key), column, slot);
+    columnOf(m_early.items, id).copyCell(m_early.keys.findOrAdd(CHashedPlaces::hash(key), key), column, slot);
   }
 }
 
@@ -167,7 +160,7 @@ void CSharedRows::dropAbsent(const CChangeSet& changes, CGarbage& garbage) {
 
 void CSharedRows::renumber(const std::vector<int>& newSlots, int kept, CGarbage& garbage) {
   renumberDrained(newSlots);
-  m_rows.slots.renumber(newSlots, kept);
+  m_rows.slots.renumber(newSlots, at(kept));
   for (auto& [id, column] : m_rows.items) column.renumber(newSlots, kept);
   garbage.records.reserve(newSlots.size() - at(kept));
   for (std::size_t slot = 0; slot < newSlots.size(); ++slot) {

@@ -73,7 +73,7 @@ struct CShownRows::Private : ITieBreaker {
   void setFiltering(int columnId, const std::function<void(CValueColumn&)>& accept);
 
   // Sums (CShownRowsSums.cpp).
-  static constexpr int SUMMED_AT_ONCE = 1000;
+  static constexpr int SUMMED_AT_ONCE = 64;
   void sumRow(int slot, bool isShown, bool isAdded);
   void sumNewRows(std::size_t first);
   void sumColumn(CColumn& column);

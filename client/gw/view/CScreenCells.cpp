@@ -106,6 +106,14 @@ std::vector<CScreenCells::CDirty> CScreenCells::follow(int firstRow, int lastRow
   m_lines.clear();
   m_lines.resize(firstRow < 0 ? 0 : at(lastRow - firstRow + 1));
   m_firstRow = std::max(firstRow, 0);
+  if (isOtherScreen()) {
+    for (std::size_t i = 0; i < std::max(m_lines.size(), m_spare.size()); ++i) {
+      const int row = m_firstRow + static_cast<int>(i);
+      if (i < m_lines.size()) m_lines[i].slot = m_rows.slotAt(row);
+      dirty.push_back({row, -1});
+    }
+    return dirty;
+  }
   for (std::size_t i = 0; i < m_lines.size(); ++i) {
     CScreenLine& line = m_lines[i];
     const int row = m_firstRow + static_cast<int>(i);
@@ -128,6 +136,20 @@ std::vector<CScreenCells::CDirty> CScreenCells::follow(int firstRow, int lastRow
   }
   for (std::size_t i = m_lines.size(); i < m_spare.size(); ++i) dirty.push_back({m_firstRow + static_cast<int>(i), -1});
   return dirty;
+}
+
+/// Whether most rows have come from elsewhere. Then all of them are painted; looking for cells that happen to show what
+/// stood in their place would cost more.
+bool CScreenCells::isOtherScreen() const {
+  std::vector<int> slots;
+  for (const CScreenLine& line : m_spare) slots.push_back(line.slot);
+  std::sort(slots.begin(), slots.end());
+  std::size_t known = 0;
+  for (std::size_t i = 0; i < m_lines.size(); ++i) {
+    const int slot = m_rows.slotAt(m_firstRow + static_cast<int>(i));
+    if (std::binary_search(slots.begin(), slots.end(), slot)) ++known;
+  }
+  return known * 2 < m_lines.size();
 }
 
 void CScreenCells::compare(CScreenLine& line, const CScreenLine& before, int row, const std::vector<int>& columns,

@@ -77,6 +77,7 @@ class CScreenCells {
   void read(CScreenCell& cell, int slot, int columnId) const;
   void compare(CScreenLine& line, const CScreenLine& before, int row, const std::vector<int>& columns,
                std::vector<CDirty>& dirty);
+  bool isOtherScreen() const;
   std::vector<int> changedOnScreen(const CRowsChange& change) const;
 
   const CShownRows& m_rows;

@@ -45,6 +45,22 @@ int CStatisticsRow::titleColumn() const {
 }
 
 void CStatisticsRow::refresh() {
+  if (m_rows.areSumsReady()) {
+    m_task.stop();
+    showTexts();
+    return;
+  }
+  if (m_task.isRunning()) return;
+  m_task.start(
+      [this] {
+        if (!m_rows.prepareSums(SUMMED_IN_A_STEP)) return true;
+        showTexts();
+        return false;
+      },
+      [this] { showTexts(); });
+}
+
+void CStatisticsRow::showTexts() {
   const int title = titleColumn();
   while (m_shown.size() < m_header.count()) m_shown.append(QString());
   for (int columnId = 0; columnId < m_header.count(); ++columnId) {
@@ -53,14 +69,6 @@ void CStatisticsRow::refresh() {
     m_shown[columnId] = text;
     if (!m_header.isSectionHidden(columnId)) update(cellRect(columnId));
   }
-  if (m_rows.areSumsReady() || m_task.isRunning()) return;
-  m_task.start(
-      [this] {
-        if (!m_rows.prepareSums(SUMMED_IN_A_STEP)) return true;
-        refresh();
-        return false;
-      },
-      nullptr);
 }
 
 bool CStatisticsRow::event(QEvent* event) {

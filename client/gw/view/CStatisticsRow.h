@@ -21,7 +21,7 @@ class CStatisticsRow : public QWidget {
                  QWidget* parent);
   ~CStatisticsRow() override;
 
-  /// Paints again what has another text. Sums that are not ready are made so in the turns to come.
+  /// Paints again what has another text; soon, when the sums have to be made first.
   void refresh();
 
  protected:
@@ -29,6 +29,7 @@ class CStatisticsRow : public QWidget {
   void paintEvent(QPaintEvent* event) override;
 
  private:
+  void showTexts();
   QRect cellRect(int columnId) const;
   /// The column that shows the title: the first one on the left without a sum; -1 when there is none.
   int titleColumn() const;
