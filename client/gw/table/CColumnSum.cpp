@@ -48,6 +48,13 @@ void CColumnSum::change(const CTableColumn& column, const CCell& cell, int sign)
   }
 }
 
+void CColumnSum::replace(const CTableColumn& column, const CCell& before, const CCell& after) {
+  const bool isDouble = column.field != nullptr && column.field->type == EFieldType::Double;
+  if (isDouble && column.field->get<double>(*before.record) == column.field->get<double>(*after.record)) return;
+  subtract(column, before);
+  add(column, after);
+}
+
 void CColumnSum::addAll(const CTableColumn& column, const std::vector<rdservice::IDataPtr>& records,
                         const CItemColumn* items, std::size_t first) {
   if (first >= records.size()) return;

@@ -23,6 +23,8 @@ class CColumnSum {
   /// The cells from slot `first` on. `items` are the column's cells by slot, null for none.
   void addAll(const CTableColumn& column, const std::vector<rdservice::IDataPtr>& records, const CItemColumn* items,
               std::size_t first);
+  /// One cell becomes another.
+  void replace(const CTableColumn& column, const CCell& before, const CCell& after);
   void subtract(const CTableColumn& column, const CCell& cell) { change(column, cell, -1); }
 
   /// As the column shows numbers; "-" while a cell is not finite or too large to be summed.

@@ -5,6 +5,7 @@
 #include "gw/table/item_columns.h"
 #include "gw/table/vector_growth.h"
 #include "gw/table_release.h"
+#include "rdservice/prefetch.h"
 
 #include <algorithm>
 #include <cassert>
@@ -19,6 +20,7 @@ namespace {
 std::size_t at(int index) { return static_cast<std::size_t>(index); }
 
 constexpr std::size_t FEW = 8;
+constexpr std::size_t RECORD_BYTES = 256;  ///< of a usual record
 
 /// More changes than this are cheaper by making the order anew.
 bool isMany(std::size_t changes, std::size_t rows) {
@@ -138,6 +140,8 @@ std::vector<CShownRows::Private::CStep> CShownRows::Private::plan(const CRowsDra
   std::vector<CStep> steps;
   for (std::size_t i = 0; i < drain.slots.size() && at(drain.slots[i]) < oldCount; ++i) {
     const int slot = drain.slots[i];
+    rdservice::prefetch(records[at(slot)].get(), RECORD_BYTES);
+    rdservice::prefetch(drain.records[i].get(), RECORD_BYTES);
     steps.push_back({slot, i, isWaiting(slot), false, passes(slot), false});
   }
   for (std::size_t id = 0; id < columns.size(); ++id) {
@@ -207,10 +211,9 @@ void CShownRows::Private::changeRows(CRowsDrain& drain, const std::vector<CStep>
   }
   const std::vector<CItemSource> itemSources = itemSourcesOf(drain);
   for (const CStep& step : steps) {
-    sumRow(step.slot, step.wasShown, false);
+    sumChangedRow(step, drain);
     for (const CItemSource& source : itemSources) source.copyCell(step.slot, step.index);
     replaceRow(drain, step.index, step.slot);
-    sumRow(step.slot, step.isShown, true);
   }
   if (isRebuilt) {
     rebuildOrders();

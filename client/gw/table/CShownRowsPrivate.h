@@ -74,7 +74,7 @@ struct CShownRows::Private : ITieBreaker {
 
   // Sums (CShownRowsSums.cpp).
   static constexpr int SUMMED_AT_ONCE = 64;
-  void sumRow(int slot, bool isShown, bool isAdded);
+  void sumChangedRow(const CStep& step, const CRowsDrain& drain);
   void sumNewRows(std::size_t first);
   void sumColumn(CColumn& column);
   void sumAll();

@@ -16,19 +16,18 @@ std::size_t at(int index) { return static_cast<std::size_t>(index); }
 
 }  // namespace
 
-void CShownRows::Private::sumRow(int slot, bool isShown, bool isAdded) {
-  const bool isInShownSum = isShown && isFiltered() && slot < shownSummed;
-  for (const auto& column : columns) {
-    if (!column->isSummed) continue;
-    const CCell summand = cell(*column, slot);
-    const auto change = [&](CColumnSum& sum) {
-      if (isAdded)
-        sum.add(column->column, summand);
-      else
-        sum.subtract(column->column, summand);
-    };
-    change(column->allSum);
-    if (isInShownSum) change(column->shownSum);
+/// Before the row becomes the drain's.
+void CShownRows::Private::sumChangedRow(const CStep& step, const CRowsDrain& drain) {
+  const bool isInShownSum = isFiltered() && step.slot < shownSummed;
+  for (std::size_t id = 0; id < columns.size(); ++id) {
+    CColumn& column = *columns[id];
+    if (!column.isSummed) continue;
+    const CCell before = cell(column, step.slot);
+    const CCell after = cell(static_cast<int>(id), drain, step.index);
+    column.allSum.replace(column.column, before, after);
+    if (!isInShownSum) continue;
+    if (step.wasShown) column.shownSum.subtract(column.column, before);
+    if (step.isShown) column.shownSum.add(column.column, after);
   }
 }
 

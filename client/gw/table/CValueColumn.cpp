@@ -79,10 +79,12 @@ void CValueColumn::fillRaw(const std::vector<rdservice::IDataPtr>& records, std:
   const rdservice::CFieldDes& field = *m_column.field;
   const CFieldReader reader(field, *records[codes.size()]);
   const auto fillWith = [&](auto sample, auto raw) {
-    reader.forEach<decltype(sample)>(records, codes.size(), end, [&](const auto& value) {
-      const std::uint32_t code = findRaw(raw(value), records[codes.size()]);
+    std::size_t slot = codes.size();
+    codes.resize(end);
+    reader.forEach<decltype(sample)>(records, slot, end, [&](const auto& value) {
+      const std::uint32_t code = findRaw(raw(value), records[slot]);
       ++m_values[code].cells;
-      codes.push_back(code);
+      codes[slot++] = code;
     });
   };
   const auto integerRaw = [](auto value) { return sortable(std::int64_t{value}); };

@@ -142,6 +142,47 @@ void sortTies(CIterator begin, CIterator end, const ITieBreaker& ties, int stage
   }
 }
 
+/// Sorts slots of few different keys by counting them; false, with the slots as they were, when there are many.
+bool sortFew(std::vector<int>& slots, const COrderBy& by) {
+  constexpr std::size_t MOST = 1024;
+  constexpr std::size_t PLACES = 4 * MOST;
+  constexpr std::uint64_t MULTIPLIER = 0x9E3779B97F4A7C15U;
+  struct CKind {
+    std::uint64_t key;
+    std::uint32_t count;
+    std::uint32_t begin;
+  };
+  std::vector<CKind> kinds;
+  std::array<std::uint16_t, PLACES> places{};  // number of the kind + 1, by hash
+  std::vector<std::uint16_t> kindOf(slots.size());
+  for (std::size_t i = 0; i < slots.size(); ++i) {
+    const std::uint64_t key = by.key(slots[i]);
+    std::size_t place = (key * MULTIPLIER) >> 52;
+    static_assert(PLACES == std::size_t{1} << (KEY_BITS - 52), "the hash's bits");
+    while (places[place] != 0 && kinds[places[place] - 1U].key != key) place = (place + 1) % PLACES;
+    if (places[place] == 0) {
+      if (kinds.size() == MOST) return false;
+      kinds.push_back({key, 0, 0});
+      places[place] = static_cast<std::uint16_t>(kinds.size());
+    }
+    kindOf[i] = static_cast<std::uint16_t>(places[place] - 1U);
+    ++kinds[kindOf[i]].count;
+  }
+  std::vector<std::uint16_t> order(kinds.size());
+  std::iota(order.begin(), order.end(), std::uint16_t{0});
+  std::sort(order.begin(), order.end(), [&](auto a, auto b) { return kinds[a].key < kinds[b].key; });
+  std::uint32_t begin = 0;
+  for (const std::uint16_t kind : order) kinds[kind].begin = std::exchange(begin, begin + kinds[kind].count);
+  const std::vector<int> unsorted = slots;
+  for (std::size_t i = 0; i < unsorted.size(); ++i) slots[kinds[kindOf[i]].begin++] = unsorted[i];
+  for (const CKind& kind : kinds) {
+    const auto end = slots.begin() + static_cast<std::ptrdiff_t>(kind.begin);
+    if (kind.count > 1 && by.decides(kind.key))
+      sortTies(end - static_cast<std::ptrdiff_t>(kind.count), end, *by.ties, 0);
+  }
+  return true;
+}
+
 /// Puts slots in order whose short keys are alike.
 void sortAlike(CIterator begin, CIterator end, const COrderBy& by, bool isExact) {
   const std::uint64_t key = by.key(*begin);
@@ -164,6 +205,7 @@ void sortSlots(std::vector<int>& slots, const COrderBy& by) {
   }
   // What is in order of slots stays so where the keys are equal.
   if (!std::is_sorted(slots.begin(), slots.end())) std::sort(slots.begin(), slots.end());
+  if (sortFew(slots, by)) return;
   const CShortKeys shortKey(slots, by);
   CEntries entries;
   entries.reserve(slots.size());

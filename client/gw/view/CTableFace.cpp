@@ -6,6 +6,7 @@
 #include "utils/threads.h"
 
 #include <QBrush>
+#include <QMetaMethod>
 
 #include <algorithm>
 #include <utility>
@@ -80,6 +81,8 @@ void CTableFace::holdRow(int row) {
 }
 
 void CTableFace::emitChanged(const std::vector<int>& slots) {
+  static const QMetaMethod changed = QMetaMethod::fromSignal(&QAbstractItemModel::dataChanged);
+  if (!isSignalConnected(changed)) return;  // finding the rows of a push takes longer than the push itself
   std::vector<int> rows;
   rows.reserve(slots.size());
   for (const int slot : slots) {
