@@ -4,7 +4,8 @@
 // is compared; a difference fails.
 
 #include "COurTable.h"
-#include "CPeerTable.h"
+#include "CPeer.h"
+#include "bench_screen.h"
 #include "bench_times.h"
 #include "table_round.h"
 
@@ -26,7 +27,6 @@
 
 namespace {
 
-using rdservice::CStkUnClosedCompacts;
 using rdservice::IDataPtr;
 using CRecords = std::vector<IDataPtr>;
 
@@ -69,8 +69,6 @@ constexpr double ALL_BYTES = 420;
 
 constexpr int PUSHES = 5;        ///< a round, for both
 constexpr int MORE_PUSHES = 95;  ///< a round, for ours alone, to find the worst
-constexpr int SCREEN_ROWS = 40;
-constexpr std::size_t SCREEN_COLUMNS = 22;
 constexpr int PAINTS = 10;
 constexpr int SCROLLS = 20;
 
@@ -81,31 +79,6 @@ struct CTimes {
   std::vector<double> paints;
   std::vector<double> scrolls;
 };
-
-int columnCount() { return int(CStkUnClosedCompacts::structDes().size()); }
-
-/// Paints what is due, as the event loop would.
-void paintDue() { QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateRequest); }
-
-/// Forty rows of 22 columns.
-template <class Table>
-void fitScreen(Table& table, int rowHeight) {
-  int width = 0;
-  std::size_t shown = 0;
-  for (int column = 0; column < columnCount(); ++column) {
-    const bool isShown = shown < SCREEN_COLUMNS;
-    table.widget().setColumnHidden(column, !isShown);
-    if (!isShown) continue;
-    width += table.widget().columnWidth(column);
-    ++shown;
-  }
-  QWidget& view = *table.area().viewport();
-  for (int again = 0; again < 2; ++again) {  // a scroll bar may go
-    table.widget().resize(table.widget().width() + width - view.width(),
-                          table.widget().height() + SCREEN_ROWS * rowHeight - view.height());
-    QCoreApplication::processEvents();
-  }
-}
 
 /// Samples of what is shown.
 template <class Table>
@@ -158,33 +131,6 @@ void measureRound(Table& table, const CRound& round, CTimes& times, QStringList&
   }
   table.filter(round_columns::of(round_columns::FILE_ID_NAME), {});
 }
-
-/// The wrapper's common face, for the peer.
-class CPeer {
- public:
-  CPeer() : m_table(CStkUnClosedCompacts::structDes()) { m_table.show(); }
-
-  void prepare(const CRecords& records) { m_table.prepare(records); }
-  void load(const CRecords&) { m_table.load(); }
-  double push(const CRecords& records) {
-    return msOf([&] { m_table.push(records, s_signals); });
-  }
-  void sort(int column, Qt::SortOrder order) { m_table.sort(column, order); }
-  void filter(int column, const QStringList& texts) { m_table.setFilter(column, texts, s_filterWay); }
-  CPeerTable& widget() { return m_table; }
-  QAbstractScrollArea& area() { return m_table; }
-  int rowCount() const { return m_table.rowCount(); }
-  QString cellText(int row, int column) const { return m_table.cellText(row, column); }
-
-  static CPeerTable::EPushSignals s_signals;
-  static CPeerTable::EFilterWay s_filterWay;
-
- private:
-  CPeerTable m_table;
-};
-
-CPeerTable::EPushSignals CPeer::s_signals = CPeerTable::EPushSignals::Runs;
-CPeerTable::EFilterWay CPeer::s_filterWay = CPeerTable::EFilterWay::Reset;
 
 /// The peer is given the way of signalling that is faster for it; found with fewer rows, because one signal for all
 /// takes seconds from 100,000 on.

@@ -30,7 +30,11 @@ void CChangeSet::add(const rdservice::IDataPtr& record) {
 
 void CChangeSet::add(CItemChange item) {
   item.records = records.size();
-  item.hash = CHashedPlaces::hash(item.key);
+  item.isOfLast = !records.empty() && item.key == key(records.back());
+  if (item.isOfLast)
+    item.key.clear();
+  else
+    item.hash = CHashedPlaces::hash(item.key);
   items.push_back(std::move(item));
 }
 

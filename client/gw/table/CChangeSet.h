@@ -29,12 +29,13 @@ enum class EItemPart : unsigned char {
 struct CItemChange {
   EItemPart part = EItemPart::Text;
   int column = -1;
-  std::string key;
+  std::string key;          ///< empty when `isOfLast`
   QString text;             ///< part Text
   bool on = false;          ///< parts Visible, Enabled, Checked, CheckedAlone
   qint64 value = 0;         ///< part Value
   std::size_t records = 0;  ///< how many records had been gathered before it
-  std::uint32_t hash = 0;   ///< of the key; set when the change is gathered
+  bool isOfLast = false;    ///< of the record gathered last before it; set when the change is gathered, also below
+  std::uint32_t hash = 0;   ///< of the key, unless `isOfLast`
 };
 
 /// What a batch has gathered. It is applied in this order: clear, drop, records and items as they were gathered. An

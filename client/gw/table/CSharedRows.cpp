@@ -72,7 +72,8 @@ bool CSharedRows::commit(CChangeSet& changes, const CScopeTest& accepts, ERowRul
 
     const int before = slotCount();
     std::size_t done = 0;
-    if (before == 0 && !prepared.records.empty()) {
+    const bool isPrepared = before == 0 && !prepared.records.empty();
+    if (isPrepared) {
       std::swap(m_rows, prepared);
       for (; done < changes.records.size() && !m_early.keys.isEmpty(); ++done) {
         const CChangeSet::CRecord& change = changes.records[done];
@@ -82,15 +83,19 @@ bool CSharedRows::commit(CChangeSet& changes, const CScopeTest& accepts, ERowRul
     }
     undoRows(prepared, changes);
     std::vector<int> refused;
+    int last = -1;
     const auto putUntil = [&](std::size_t end) TS_REQUIRES(m_mutex) {
       for (; done < end; ++done) {
         if (done + PREFETCH_AHEAD < end) m_rows.slots.expect(changes.records[done + PREFETCH_AHEAD].hash);
-        put(changes, changes.records[done], rule, refused);
+        last = put(changes, changes.records[done], rule, refused);
       }
     };
     for (CItemChange& change : changes.items) {
       putUntil(change.records);
-      changeItem(change);
+      const int slot = !change.isOfLast ? slotOf(change.hash, change.key)
+                       : isPrepared     ? static_cast<int>(change.records) - 1
+                                        : last;
+      changeItem(change, slot);
     }
     putUntil(changes.records.size());
     for (const int slot : refused) m_rows.marks[at(slot)] &= static_cast<std::uint8_t>(~Refused);
@@ -139,8 +144,7 @@ void CSharedRows::undoRows(CRows& rows, CChangeSet& changes) {
   rows.records.clear();
 }
 
-void CSharedRows::put(const CChangeSet& changes, CChangeSet::CRecord& change, ERowRule rule,
-                      std::vector<int>& refused) {
+int CSharedRows::put(const CChangeSet& changes, CChangeSet::CRecord& change, ERowRule rule, std::vector<int>& refused) {
   const std::string_view key = changes.key(change);
   int slot = slotOf(change.hash, key);
   if (slot < 0) {
@@ -151,7 +155,7 @@ void CSharedRows::put(const CChangeSet& changes, CChangeSet::CRecord& change, ER
     growFor(m_rows.marks, at(slot) + 1);
     m_rows.marks.push_back(0);
     takeEarlyItems(change, key, slot);
-    return;
+    return slot;
   }
   rdservice::IDataPtr& record = m_rows.records[at(slot)];
   const std::uint64_t version = change.record->version();
@@ -159,11 +163,12 @@ void CSharedRows::put(const CChangeSet& changes, CChangeSet::CRecord& change, ER
   if (rule == ERowRule::Push ? version <= held : version != 0 && version < held) {
     if ((m_rows.marks[at(slot)] & Refused) == 0) refused.push_back(slot);
     m_rows.marks[at(slot)] |= Refused;
-    return;
+    return slot;
   }
   m_rows.marks[at(slot)] &= static_cast<std::uint8_t>(~Refused);
   record.swap(change.record);
   markDirty(slot);
+  return slot;
 }
 
 void CSharedRows::takeEarlyItems(const CChangeSet::CRecord& change, std::string_view key, int slot) {
@@ -196,7 +201,7 @@ void CSharedRows::tidyEarlyItems(CGarbage& garbage) {
   for (auto& [id, column] : m_early.items) column.renumber(newSlots, kept);
 }
 
-void CSharedRows::changeItem(CItemChange& change) {
+void CSharedRows::changeItem(CItemChange& change, int slot) {
   assert(change.column >= 0);
   if (change.part == EItemPart::ResetColumn) {
     resetItems(change.column);
@@ -205,7 +210,6 @@ void CSharedRows::changeItem(CItemChange& change) {
   if (change.part == EItemPart::ResetCell && findColumn(m_rows.items, change.column) == nullptr &&
       findColumn(m_early.items, change.column) == nullptr)
     return;  // nobody has set a cell of the column yet
-  const int slot = slotOf(change.hash, change.key);
   if (slot >= 0 && (m_rows.marks[at(slot)] & Refused) != 0) return;
   if (change.part == EItemPart::ResetCell) {
     unsetCell(change, slot);

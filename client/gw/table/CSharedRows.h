@@ -119,11 +119,11 @@ class CSharedRows {
   static void undoRows(CRows& rows, CChangeSet& changes);
   int slotCount() const TS_REQUIRES(m_mutex) { return static_cast<int>(m_rows.slots.size()); }
   int slotOf(std::uint32_t hash, std::string_view key) const TS_REQUIRES(m_mutex);
-  void put(const CChangeSet& changes, CChangeSet::CRecord& change, ERowRule rule, std::vector<int>& refused)
+  int put(const CChangeSet& changes, CChangeSet::CRecord& change, ERowRule rule, std::vector<int>& refused)
       TS_REQUIRES(m_mutex);
   void takeEarlyItems(const CChangeSet::CRecord& change, std::string_view key, int slot) TS_REQUIRES(m_mutex);
   void tidyEarlyItems(CGarbage& garbage) TS_REQUIRES(m_mutex);
-  void changeItem(CItemChange& change) TS_REQUIRES(m_mutex);
+  void changeItem(CItemChange& change, int slot) TS_REQUIRES(m_mutex);
   void unsetCell(const CItemChange& change, int slot) TS_REQUIRES(m_mutex);
   void uncheckAll(int column) TS_REQUIRES(m_mutex);
   void resetItems(int column) TS_REQUIRES(m_mutex);
