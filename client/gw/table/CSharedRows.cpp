@@ -92,7 +92,7 @@ bool CSharedRows::commit(CChangeSet& changes, const CScopeTest& accepts, ERowRul
     };
     for (CItemChange& change : changes.items) {
       putUntil(change.records);
-      const int slot = !change.isOfLast ? slotOf(change.hash, change.key)
+      const int slot = !change.isOfLast ? m_rows.find(change.hash, change.key)
                        : isPrepared     ? static_cast<int>(change.records) - 1
                                         : last;
       changeItem(change, slot);
@@ -146,7 +146,7 @@ void CSharedRows::undoRows(CRows& rows, CChangeSet& changes) {
 
 int CSharedRows::put(const CChangeSet& changes, CChangeSet::CRecord& change, ERowRule rule, std::vector<int>& refused) {
   const std::string_view key = changes.key(change);
-  int slot = slotOf(change.hash, key);
+  int slot = m_rows.find(change.hash, key);
   if (slot < 0) {
     slot = slotCount();
     m_rows.slots.add(change.hash, at(slot));
@@ -275,20 +275,19 @@ CTableScope CSharedRows::scope() const {
 rdservice::IDataPtr CSharedRows::find(const std::string& key) const {
   const std::uint32_t hash = CHashedPlaces::hash(key);
   CMutexLock lock(m_mutex);
-  const int slot = slotOf(hash, key);
+  const int slot = m_rows.find(hash, key);
   return slot < 0 ? nullptr : m_rows.records[at(slot)];
 }
 
-int CSharedRows::slotOf(std::uint32_t hash, std::string_view key) const {
-  const std::size_t place = m_rows.slots.find(
-      hash, [&](std::size_t slot) TS_REQUIRES(m_mutex) { return m_rows.records[slot]->getKey() == key; });
-  return place == CHashedPlaces::NONE ? -1 : static_cast<int>(place);
+int CSharedRows::CRows::find(std::uint32_t hash, std::string_view key) const {
+  const std::size_t slot = slots.find(hash, [&](std::size_t held) { return records[held]->getKey() == key; });
+  return slot == CHashedPlaces::NONE ? -1 : static_cast<int>(slot);
 }
 
 int CSharedRows::slotOf(const std::string& key) const {
   const std::uint32_t hash = CHashedPlaces::hash(key);
   CMutexLock lock(m_mutex);
-  return slotOf(hash, key);
+  return m_rows.find(hash, key);
 }
 
 std::vector<rdservice::IDataPtr> CSharedRows::all() const {
@@ -299,7 +298,7 @@ std::vector<rdservice::IDataPtr> CSharedRows::all() const {
 CItemState CSharedRows::item(int column, const std::string& key) const {
   const std::uint32_t hash = CHashedPlaces::hash(key);
   CMutexLock lock(m_mutex);
-  const int slot = slotOf(hash, key);
+  const int slot = m_rows.find(hash, key);
   const CItemColumn* cells = findColumn(slot < 0 ? m_early.items : m_rows.items, column);
   if (cells == nullptr) return {};
   if (slot >= 0) return cells->state(slot);

@@ -95,6 +95,9 @@ class CSharedRows {
     std::vector<rdservice::IDataPtr> records;
     std::vector<std::uint8_t> marks;  ///< of EMark
     CItemColumns items;
+
+    /// -1 when there is none.
+    int find(std::uint32_t hash, std::string_view key) const;
   };
 
   /// Cells whose record has not arrived, by a numbering of their own. A key without set cells counts as absent.
@@ -118,7 +121,6 @@ class CSharedRows {
   static CRows rowsOf(CChangeSet& changes);
   static void undoRows(CRows& rows, CChangeSet& changes);
   int slotCount() const TS_REQUIRES(m_mutex) { return static_cast<int>(m_rows.slots.size()); }
-  int slotOf(std::uint32_t hash, std::string_view key) const TS_REQUIRES(m_mutex);
   int put(const CChangeSet& changes, CChangeSet::CRecord& change, ERowRule rule, std::vector<int>& refused)
       TS_REQUIRES(m_mutex);
   void takeEarlyItems(const CChangeSet::CRecord& change, std::string_view key, int slot) TS_REQUIRES(m_mutex);

@@ -142,7 +142,7 @@ void CSharedRows::clearRows(CGarbage& garbage) {
 void CSharedRows::dropAbsent(const CChangeSet& changes, CGarbage& garbage) {
   std::vector<char> isGathered(at(slotCount()));
   for (const CChangeSet::CRecord& change : changes.records) {
-    const int slot = slotOf(change.hash, changes.key(change));
+    const int slot = m_rows.find(change.hash, changes.key(change));
     if (slot >= 0) isGathered[at(slot)] = 1;
   }
   // The functions are foreign code: `belongs` is through with every row before anything changes.
