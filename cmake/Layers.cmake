@@ -11,5 +11,8 @@ function(pc_client_layer name)
   target_compile_definitions(client_${name} PRIVATE HOST_BUILD)
   target_include_directories(client_${name} PUBLIC "${PROJECT_SOURCE_DIR}/client")
   target_link_libraries(client_${name} PUBLIC host ${ARG_USES} ${ARG_LINKS} PRIVATE pc_options)
+  if(NOT ${name} MATCHES "^(utils|bson|luawrapper|net)$") # those know no widgets
+    pc_precompile(client_${name})
+  endif()
   set_property(GLOBAL APPEND PROPERTY PC_CLIENT_LAYERS client_${name})
 endfunction()
