@@ -107,25 +107,27 @@ void CNaiveTable::setFilter(int column, std::optional<std::set<QString>> texts) 
 }
 
 void CNaiveTable::arrange() {
-  displayedRows.clear();
+  std::vector<const CRow*> rows;
   std::set<int> live;
   for (const CRow& row : m_drained) {
     const bool passes = std::all_of(m_filters.begin(), m_filters.end(), [&](const auto& filter) {
       return filter.second.count(text(row, filter.first)) > 0;
     });
     if (!passes) continue;
-    displayedRows.push_back(row);
+    rows.push_back(&row);
     live.insert(row.serial);
   }
   for (auto it = selected.begin(); it != selected.end();) it = live.count(*it) > 0 ? std::next(it) : selected.erase(it);
   if (live.count(current) == 0) current = -1;
-  std::stable_sort(displayedRows.begin(), displayedRows.end(), [this](const CRow& a, const CRow& b) {
+  std::stable_sort(rows.begin(), rows.end(), [this](const CRow* a, const CRow* b) {
     for (const auto& [column, direction] : m_sort) {
-      const int difference = compare(a, b, column);
+      const int difference = compare(*a, *b, column);
       if (difference != 0) return (difference < 0) == (direction == Qt::AscendingOrder);
     }
     return false;
   });
+  displayedRows.clear();
+  for (const CRow* row : rows) displayedRows.push_back(*row);
 }
 
 int CNaiveTable::compare(const CRow& a, const CRow& b, int column) const {
@@ -152,20 +154,23 @@ int CNaiveTable::compare(const CRow& a, const CRow& b, int column) const {
       const auto one = number(a), other = number(b);
       if (one && other) return order(*one, *other);
       if (one || other) return one ? -1 : 1;
-      return compareTexts(cell(a).text, cell(b).text);
+      return compareTexts(cell(a).text.toStdString(), cell(b).text.toStdString());
     }
-    default: return compareTexts(text(a, column), text(b, column));
+    case CTestRecord::ColumnId: return compareTexts(a.record->id, b.record->id);
+    case CTestRecord::ColumnName: return compareTexts(a.record->name.str(), b.record->name.str());
+    default: return compareTexts(text(a, column).toStdString(), text(b, column).toStdString());
   }
 }
 
 /// Codes before words, by their characters; words by pinyin.
-int CNaiveTable::compareTexts(const QString& a, const QString& b) const {
-  const auto isWord = [](const QString& text) {
-    return std::any_of(text.begin(), text.end(), [](QChar c) { return c.unicode() > 127; });
+int CNaiveTable::compareTexts(const std::string& a, const std::string& b) const {
+  const auto isWord = [](const std::string& text) {
+    return std::any_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) > 127; });
   };
+  if (a == b) return 0;
   if (isWord(a) != isWord(b)) return isWord(a) ? 1 : -1;
-  const int collated = isWord(a) ? m_collator.compare(a, b) : 0;
-  return collated != 0 ? collated : order(a.toUtf8(), b.toUtf8());
+  const int collated = isWord(a) ? m_collator.compare(QString::fromStdString(a), QString::fromStdString(b)) : 0;
+  return collated != 0 ? collated : order(a, b);
 }
 
 QString CNaiveTable::sumText(int column) const {

@@ -56,7 +56,7 @@ class CNaiveTable {
   void changeItem(const GW::CItemChange& change);
   void arrange();
   int compare(const CRow& a, const CRow& b, int column) const;
-  int compareTexts(const QString& a, const QString& b) const;
+  int compareTexts(const std::string& a, const std::string& b) const;
 
   QCollator m_collator;
   std::map<int, std::map<std::string, GW::CItemState>> m_items;

@@ -35,18 +35,26 @@ class CTestTable : public GW::CStandardHpfTable {
 
   CTestTable() : CStandardHpfTable(1, nullptr) {
     addRecordColumns(CTestRecord::structDes());
-    for (int id = ColumnText; id < ColumnEnd; ++id)
+    for (int id = ColumnText; id < ColumnEnd; ++id) {
       addPlainColumn(id, QString::fromUtf8("备注%1").arg(id), Qt::AlignLeft | Qt::AlignVCenter);
-    setColumnDelegate(ColumnText, new GW::CBaseTableColumnSimpleTextDelegate(ColumnText, this));
-    setColumnDelegate(ColumnRanked, new CTestRankDelegate(ColumnRanked, this));
-    setColumnDelegate(ColumnCheck, new GW::CBaseTableColumnCheckBoxDelegate(ColumnCheck, this));
-    setColumnDelegate(ColumnNumber, new GW::CBaseTableColumnLineeditDelegate(ColumnNumber, this));
+      if (id != ColumnExtra) setColumnDelegate(id, newDelegate(id));
+    }
     for (const int id : {int(CTestRecord::ColumnVolume), int(CTestRecord::ColumnAmount), int(ColumnExtra)})
       setColumnSumVisible(id, true);
   }
   using CBaseHighPerformanceTable::setCellText;
   using CBaseHighPerformanceTable::setCellValue;
 
+  /// Null for a column without one.
+  GW::CBaseTableColumnWidgetDelegate* newDelegate(int columnId) {
+    switch (columnId) {
+      case ColumnText: return new GW::CBaseTableColumnSimpleTextDelegate(columnId, this);
+      case ColumnRanked: return new CTestRankDelegate(columnId, this);
+      case ColumnCheck: return new GW::CBaseTableColumnCheckBoxDelegate(columnId, this);
+      case ColumnNumber: return new GW::CBaseTableColumnLineeditDelegate(columnId, this);
+      default: return nullptr;
+    }
+  }
   CTestRankDelegate& ranked() const { return static_cast<CTestRankDelegate&>(*columnDelegate(ColumnRanked)); }
   GW::CHpfTableView* view() const { return findChild<GW::CHpfTableView*>(); }
 };

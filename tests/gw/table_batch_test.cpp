@@ -6,6 +6,7 @@
 
 #include "gw/CTableBatch.h"
 #include "gw/IBaseHpfTableModel.h"
+#include "net/engine_factory.h"
 #include "rdservice/CDataVersion.h"
 
 #include <QCoreApplication>
@@ -171,7 +172,8 @@ TEST(TableBatch, largeBatchIsShownInTurns) {
   EXPECT_LE(inserted.size(), ROWS / 250) << "many rows are told of at once";
   EXPECT_EQ(changed.size(), 0);
   ASSERT_EQ(table.rowCount(), ROWS);
-  for (int row = 0; row < ROWS; row += 1999) ASSERT_EQ(testRecord(table.getData(row)).id, std::to_string(100000 + ROWS - 1 - row));
+  for (int row = 0; row < ROWS; row += 1999)
+    ASSERT_EQ(testRecord(table.getData(row)).id, std::to_string(100000 + ROWS - 1 - row));
 
   for (int i = 0; i < ROWS; i += 4) table.updateData(makeRecord(std::to_string(100000 + i)), false);
   changed.clear();
@@ -185,6 +187,11 @@ namespace {
 constexpr int KEYS = 30;
 constexpr int ROUNDS = 60;
 constexpr std::uint64_t PER_ROUND = 20;
+constexpr int LOOKS_PER_ROUND = 6;
+constexpr int BULK = 3000;  ///< records: more than the GUI thread takes in one step
+constexpr const char* NAMES[] = {"浦发银行", "安徽建工", "重庆啤酒", "Apple"};
+constexpr int SORTED[] = {CTestRecord::ColumnId, CTestRecord::ColumnName, CTestRecord::ColumnAmount,
+                          CTestTable::ColumnText};
 
 /// Writers that answer for the query last announced, while a switcher goes on to the next one; the writer's batches are
 /// made of records that carry their query.
@@ -195,6 +202,7 @@ struct CWriterRun {
   std::atomic<std::uint64_t> commits{0};
   std::atomic<std::uint64_t> versions{0};
   std::atomic<int> running{0};
+  std::atomic<int> looks{0};  ///< of the GUI thread that found something new
 
   struct CLog {
     std::vector<CTestRecordPtr> accepted, refused;
@@ -210,12 +218,17 @@ struct CWriterRun {
       if (query == 0) continue;
       GW::CTableBatch batch(table, scopeOf(query));
       std::vector<CTestRecordPtr> records;
-      for (int i = 1 + make.below(8); i > 0; --i) {
+      const bool isBulk = make.isOneIn(30);
+      for (int i = isBulk ? BULK : 1 + make.below(8); i > 0; --i) {
         const std::uint64_t version = ++versions;
-        const bool isOwn = make.isOneIn(2);
-        records.push_back(makeRecord((isOwn ? ownPrefix : "shared") + std::to_string(make.below(KEYS)), version));
+        const bool isOwn = isBulk || make.isOneIn(2);
+        const int number = isBulk ? i : make.below(KEYS);
+        records.push_back(makeRecord((isOwn ? ownPrefix : "shared") + std::to_string(number), version));
         records.back()->volume = static_cast<std::int64_t>(query);
         records.back()->serial = version;
+        records.back()->group = static_cast<char>('0' + version % 3);
+        records.back()->name = NAMES[version / 3 % std::size(NAMES)];
+        records.back()->amount = static_cast<double>(version % 1000) / 4;
         table.updateData(records.back(), make.isOneIn(10));
         const QString key = QString::fromStdString(records.back()->id);
         if (isOwn) texts->setItemText(key, QString::number(version));
@@ -238,7 +251,8 @@ struct CWriterRun {
       EXPECT_TRUE(batch.commit());
       announced = query;
       const std::uint64_t enough = commits + PER_ROUND;
-      while (commits < enough) std::this_thread::yield();
+      const int enoughLooks = looks + LOOKS_PER_ROUND;
+      while (commits < enough || looks < enoughLooks) std::this_thread::yield();
     }
     announced = ROUNDS + 1;
     --running;
@@ -247,16 +261,35 @@ struct CWriterRun {
 
 }  // namespace
 
+// The GUI thread sorts, filters and sums what two others write, one of them on the strand.
 TEST(TableThreads, onlyAcceptedRowsAreEverSeen) {
+  const auto engine = net::makeRPCEngine(2);  // also frees what is dropped
   CWriterRun run;
-  run.table.setSortColumn(CTestRecord::ColumnId, Qt::AscendingOrder);
+  run.table.show();
   CWriterRun::CLog logs[2];
   run.running = 3;
-  std::thread threads[] = {std::thread([&run, &logs] { run.write(1, "a", logs[0]); }),
-                           std::thread([&run, &logs] { run.write(2, "b", logs[1]); }),
+  engine->getStrand("hpfmodel")->post([&run, &logs] { run.write(1, "a", logs[0]); });
+  std::thread threads[] = {std::thread([&run, &logs] { run.write(2, "b", logs[1]); }),
                            std::thread([&run] { run.switchOn(); })};
+  CNaiveTable naive;
   std::set<std::uint64_t> seen;
-  const auto look = [&run, &seen] {
+  int looked = 0;
+  const auto look = [&] {
+    if (HasFatalFailure()) {
+      ++run.looks;  // so that the others end
+      return;
+    }
+    const std::size_t seenBefore = seen.size();
+    const int looks = looked++;
+    const auto direction = looks % 2 == 0 ? Qt::AscendingOrder : Qt::DescendingOrder;
+    const int column = SORTED[looks % static_cast<int>(std::size(SORTED))];
+    run.table.setSortColumn(column, direction);
+    naive.setSort({{column, direction}});
+    std::optional<std::set<QString>> groups;
+    if (looks % 3 != 0) groups = {{QStringLiteral("0"), QString::number(looks % 2 + 1)}};
+    run.table.onFilterTrigger(CTestRecord::ColumnGroup, groups ? GW::FilterValues : GW::FilterNone,
+                              groups ? QStringList(groups->begin(), groups->end()) : QStringList());
+    naive.setFilter(CTestRecord::ColumnGroup, groups);
     QCoreApplication::processEvents();
     run.table.updateTable();
     std::set<std::int64_t> queries;
@@ -268,11 +301,12 @@ TEST(TableThreads, onlyAcceptedRowsAreEverSeen) {
       // A record and its item came in one batch and are seen together.
       ASSERT_EQ(run.table.cellText(row, CTestTable::ColumnText), isShared ? QString() : QString::number(record.serial));
     }
+    if (seen.size() > seenBefore) ++run.looks;
     ASSERT_LE(queries.size(), 1U);  // the emptying and the first rows of a query are never mixed with those before
   };
-  while (run.running > 0 && !HasFatalFailure()) look();
+  while (run.running > 0) look();
   for (std::thread& thread : threads) thread.join();
-  look();
+  while (run.running > 0) std::this_thread::yield();
 
   std::map<std::string, CTestRecordPtr> expected;
   std::size_t refused = 0;
@@ -285,11 +319,26 @@ TEST(TableThreads, onlyAcceptedRowsAreEverSeen) {
       if (!newest || newest->version() < record->version()) newest = record;
     }
   }
-  EXPECT_FALSE(expected.empty());
   RecordProperty("refusedRecords", static_cast<int>(refused));
-  ASSERT_EQ(run.table.rowCount(), static_cast<int>(expected.size()));
-  for (int row = 0; row < run.table.rowCount(); ++row) {
-    const auto record = run.table.getData(row);
-    EXPECT_EQ(record, expected[record->getKey()]) << record->getKey();
+  const auto all = run.table.getAllDatas();
+  ASSERT_FALSE(expected.empty());
+  ASSERT_EQ(all.size(), expected.size());
+  for (const auto& record : all) {
+    const CTestRecordPtr& newest = expected[record->getKey()];
+    ASSERT_EQ(record, newest) << record->getKey();
+    naive.heldRows.push_back({static_cast<int>(naive.heldRows.size()), newest, {}});
+    if (newest->id.front() != 's')
+      naive.heldRows.back().items[CTestTable::ColumnText].text = QString::number(newest->serial);
+  }
+  naive.drain();
+  const auto isSummed = [&run] { return run.table.columnSumText(CTestRecord::ColumnAmount) != QString::fromUtf8("…"); };
+  for (int last = 0; last < 6 && !HasFatalFailure(); ++last) {
+    look();
+    while (!run.table.isUpToDate() || !isSummed()) QCoreApplication::processEvents();
+    ASSERT_EQ(run.table.rowCount(), static_cast<int>(naive.displayedRows.size()));
+    for (int row = 0; row < run.table.rowCount(); ++row)
+      ASSERT_EQ(run.table.getData(row), naive.displayedRows[static_cast<std::size_t>(row)].record) << "row " << row;
+    for (const int column : {CTestRecord::ColumnVolume, CTestRecord::ColumnAmount})
+      ASSERT_EQ(run.table.columnSumText(column), naive.sumText(column));
   }
 }

@@ -1,4 +1,4 @@
-// Orders of more rows than the random run has: many blocks, and names that come in the worst order.
+// Blocks of an order that grows to thousands and shrinks, and a name for which no rank is left.
 
 #include "CTestTable.h"
 
@@ -60,24 +60,26 @@ TEST(TableOrder, blocksKeepTheOrder) {
       keys.push_back(someKey(random));
       return int(keys.size()) - 1;
     };
-    for (int step = 0; step < 400; ++step) {
-      const int growth = step < 200 ? 2 : 0;  // grows to thousands, then shrinks to nothing
-      for (int i = 0; i < 20 * growth; ++i) {
+    for (int step = 0; step < 200; ++step) {
+      const bool isGrowing = step < 100;  // to thousands, then shrinks to nothing
+      for (int i = 0; isGrowing && i < 60; ++i) {
         const int slot = makeSlot();
         order.insert(slot);
         naive.insert(slot);
       }
-      for (int i = 0; i < 30 && !naive.empty(); ++i) {
-        const int slot = *std::next(naive.begin(), int(random() % naive.size()));
+      std::vector<int> some(naive.begin(), naive.end());
+      std::shuffle(some.begin(), some.end(), random);
+      some.resize(std::min(some.size(), isGrowing ? 60 : some.size() / 8 + 4));
+      for (const int slot : some) {
         order.erase(slot);
         order.erase(slot);  // is not there any more
         naive.erase(slot);
-        if (random() % 2 == 0) continue;
+        if (random() % (isGrowing ? 2 : 8) != 0) continue;
         keys[std::size_t(slot)] = someKey(random);
         order.insert(slot);
         naive.insert(slot);
       }
-      if (step % 50 == 20 && growth > 0) {
+      if (step % 25 == 10 && isGrowing) {
         std::vector<int> many;
         for (int i = 0; i < 3000; ++i) many.push_back(makeSlot());
         std::shuffle(many.begin(), many.end(), random);
@@ -96,30 +98,7 @@ TEST(TableOrder, blocksKeepTheOrder) {
       }
     }
     EXPECT_GT(keys.size(), 10000U);
-  }
-}
-
-TEST(TableOrder, namesFindTheirPlaceHoweverTheyCome) {
-  const QCollator collator(QLocale(QLocale::Chinese, QLocale::China));
-  QStringList names;
-  for (ushort c = 0x4e00; c < 0x4e00 + 300; ++c) names << QString(QChar(c));
-  std::sort(names.begin(), names.end(), collator);
-  CTestTable table;
-  table.setSortColumn(CTestRecord::ColumnName, Qt::AscendingOrder);
-  table.addSortColumn(CTestRecord::ColumnId, Qt::DescendingOrder);
-  for (int i = 0; i < names.size(); ++i) {
-    for (const int copy : {0, 1}) {
-      auto record = boost::make_shared<CTestRecord>();
-      record->id = "long-common-beginning-" + std::to_string(1000 + i * 2 + copy);
-      record->name = names[i].toStdString();
-      table.updateData(record, false);
-    }
-    table.updateTable();
-  }
-  ASSERT_EQ(table.rowCount(), 2 * names.size());
-  for (int row = 0; row < table.rowCount(); ++row) {
-    ASSERT_EQ(table.cellText(row, CTestRecord::ColumnName), names[row / 2]) << row;
-    ASSERT_EQ(testRecord(table.getData(row)).id.substr(22), std::to_string(1000 + row + (row % 2 == 0 ? 1 : -1)));
+    EXPECT_LT(naive.size(), 5U);
   }
 }
 

@@ -111,16 +111,16 @@ COrderBy CShownRows::Private::orderBy() const {
   return by;
 }
 
+/// Of the rows that do not wait.
 void CShownRows::Private::rebuildOrders() {
   order.clear();
   order.setOrder(orderBy());
   if (!sort.empty()) {
-    std::vector<int> slots(records.size());
+    std::vector<int> slots(ordered);
     std::iota(slots.begin(), slots.end(), 0);
     order.sort(slots);
     order.assign(slots);
   }
-  ordered = records.size();
   rebuildShownOrder();
 }
 
@@ -230,8 +230,10 @@ void CShownRows::setSort(std::vector<CSortColumn> columns) {
                                [this](const CSortColumn& by) { return column(by.column) == nullptr; }),
                 columns.end());
   CRowsChange change;
-  change.kind = CRowsChange::Order;
+  // Everything is sorted anew, so that no row has to wait any longer.
+  change.kind = m_d->ordered < m_d->records.size() ? CRowsChange::Reset : CRowsChange::Order;
   m_d->tell(change, [&] {
+    m_d->ordered = m_d->records.size();
     m_d->sort = std::move(columns);
     for (const CSortColumn& by : m_d->sort) m_d->keysOf(by.column);
     m_d->rebuildOrders();
