@@ -106,6 +106,8 @@ TEST_F(Docks, PositionsFollowQuotesOrdersAndLogIns) {
   // While they are hidden as well: they show it when they are raised again.
   raise("orders");
   auto& orders = table("orderTable");
+  ASSERT_TRUE(waitUntil(
+      [] { return !centre().getAccountData(LARGE)->getData(rdservice::RecordStkUnClosedCompactsStatics).empty(); }));
   const rdservice::CCodeOrderParam order = returnOrder(LARGE);
   const struct {
     std::int64_t factor;
