@@ -144,7 +144,8 @@ bool CKeyColumn::decides(std::uint64_t key) const {
 
 bool CKeyColumn::finerKeys(const std::vector<rdservice::IDataPtr>& records, const std::vector<int>& slots, int stage,
                            std::vector<std::uint64_t>& finer) const {
-  if (m_kind != Text || slots.empty()) return false;
+  constexpr int MOST_STAGES = 16;  // a sort goes one call deeper for each; texts may be of any length
+  if (m_kind != Text || slots.empty() || stage >= MOST_STAGES) return false;
   const auto recordAt = [&](std::size_t i) -> const rdservice::IData& {
     return *records[static_cast<std::size_t>(slots[i])];
   };
