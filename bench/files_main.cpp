@@ -1,10 +1,11 @@
 // Export and import of a large priority table, as text and as a spreadsheet, beside openpyxl doing the same with its
 // modes for large files, in turn in one run. Prints the medians, their ratio, and whether the goals are met.
 
+#include "bench_options.h"
+
 #include "vn/CFileClient.h"
 
 #include <QApplication>
-#include <QCommandLineParser>
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -111,14 +112,7 @@ int run(int rows, int rounds) {
 
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
-  QCommandLineParser parser;
-  parser.addHelpOption();
-  const QCommandLineOption rows(QStringLiteral("rows"), QStringLiteral("rows of the table"), QStringLiteral("N"),
-                                QStringLiteral("100000"));
-  const QCommandLineOption rounds(QStringLiteral("rounds"), QStringLiteral("measured rounds"), QStringLiteral("N"),
-                                  QStringLiteral("3"));
-  parser.addOption(rows);
-  parser.addOption(rounds);
-  parser.process(application);
-  return run(parser.value(rows).toInt(), parser.value(rounds).toInt());
+  const std::vector<int> given =
+      numbersGiven(application, {{"rows", "rows of the table", 100000}, {"rounds", "measured rounds", 3}});
+  return run(given[0], given[1]);
 }

@@ -6,6 +6,7 @@
 // many. Everything else of it is as it is.
 
 #include "CBenchClient.h"
+#include "bench_options.h"
 
 #include "compacts/tables/CCompactsTable.h"
 #include "counter/ICounter.h"
@@ -19,7 +20,6 @@
 
 #include <QAbstractScrollArea>
 #include <QApplication>
-#include <QCommandLineParser>
 #include <QElapsedTimer>
 #include <QScrollBar>
 #include <QTest>
@@ -35,6 +35,7 @@
 #include <fstream>
 #include <random>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -263,18 +264,10 @@ int run(const COptions& options) {
 
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
-  QCommandLineParser parser;
-  parser.addHelpOption();
-  const QCommandLineOption rows(QStringLiteral("rows"), QStringLiteral("compacts of the account"), QStringLiteral("N"),
-                                QStringLiteral("100000"));
-  const QCommandLineOption minutes(QStringLiteral("minutes"), QStringLiteral("that it lasts"), QStringLiteral("N"),
-                                   QStringLiteral("1"));
-  const QCommandLineOption rate(QStringLiteral("rate"), QStringLiteral("pushes a minute"), QStringLiteral("N"),
-                                QStringLiteral("1000000"));
-  const QCommandLineOption hold(QStringLiteral("hold"), QStringLiteral("ms that the strand is busy, once a minute"),
-                                QStringLiteral("N"), QStringLiteral("1000"));
-  parser.addOptions({rows, minutes, rate, hold});
-  parser.process(application);
-  return run({parser.value(rows).toInt(), parser.value(minutes).toInt(), parser.value(rate).toDouble(),
-              parser.value(hold).toInt()});
+  const std::vector<int> given =
+      numbersGiven(application, {{"rows", "compacts of the account", 100000},
+                                 {"minutes", "that it lasts", 1},
+                                 {"rate", "pushes a minute", 1000000},
+                                 {"hold", "ms that the strand is busy, once a minute", 1000}});
+  return run({given[0], given[1], double(given[2]), given[3]});
 }

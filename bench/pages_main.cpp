@@ -2,6 +2,7 @@
 // one batch, the memory that each page costs, and the event loop during the query of everything.
 
 #include "CBenchClient.h"
+#include "bench_options.h"
 
 #include "compacts/tables/CCompactsPageTable.h"
 #include "compacts/tables/compact_fields.h"
@@ -14,7 +15,6 @@
 #include "vn/CTradeClient.h"
 
 #include <QApplication>
-#include <QCommandLineParser>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTest>
@@ -119,11 +119,6 @@ int run(int rows) {
 
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
-  QCommandLineParser parser;
-  parser.addHelpOption();
-  const QCommandLineOption rows(QStringLiteral("rows"), QStringLiteral("closed compacts of the account"),
-                                QStringLiteral("N"), QStringLiteral("1000000"));
-  parser.addOption(rows);
-  parser.process(application);
-  return run(parser.value(rows).toInt());
+  const std::vector<int> given = numbersGiven(application, {{"rows", "closed compacts of the account", 1000000}});
+  return run(given[0]);
 }

@@ -3,6 +3,7 @@
 // the event loop stood still meanwhile. Then the same functions run one by one on the same data, a stage each.
 
 #include "CBenchClient.h"
+#include "bench_options.h"
 
 #include "compacts/priority/CBaseTableColumnRepayPriorityTextDelegate.h"
 #include "compacts/tables/CCompactsTable.h"
@@ -24,7 +25,6 @@
 
 #include <QAbstractScrollArea>
 #include <QApplication>
-#include <QCommandLineParser>
 #include <QSqlQuery>
 #include <QTest>
 
@@ -324,13 +324,7 @@ int run(CPaintClock& clock, int rows, int rounds) {
 
 int main(int argc, char** argv) {
   CPaintClock application(argc, argv);
-  QCommandLineParser parser;
-  parser.addHelpOption();
-  const QCommandLineOption rows(QStringLiteral("rows"), QStringLiteral("compacts of the account"), QStringLiteral("N"),
-                                QString::number(SMALL_ROWS));
-  const QCommandLineOption rounds(QStringLiteral("rounds"), QStringLiteral("refreshes, and runs of each stage"),
-                                  QStringLiteral("N"), QStringLiteral("5"));
-  parser.addOptions({rows, rounds});
-  parser.process(application);
-  return run(application, std::min(parser.value(rows).toInt(), MOST_ROWS), std::max(parser.value(rounds).toInt(), 1));
+  const std::vector<int> given = numbersGiven(application, {{"rows", "compacts of the account", SMALL_ROWS},
+                                                            {"rounds", "refreshes, and runs of each stage", 5}});
+  return run(application, std::min(given[0], MOST_ROWS), std::max(given[1], 1));
 }

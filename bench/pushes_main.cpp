@@ -3,6 +3,7 @@
 // data centre holds; a difference fails.
 
 #include "CBenchClient.h"
+#include "bench_options.h"
 
 #include "compacts/tables/CCompactsTable.h"
 #include "gw/controls.h"
@@ -12,7 +13,6 @@
 
 #include <QAbstractScrollArea>
 #include <QApplication>
-#include <QCommandLineParser>
 #include <QElapsedTimer>
 #include <QScrollBar>
 #include <QTest>
@@ -21,6 +21,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <vector>
 
 namespace {
 
@@ -120,15 +121,8 @@ int run(int rows, int seconds, int rate) {
 
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
-  QCommandLineParser parser;
-  parser.addHelpOption();
-  const QCommandLineOption rows(QStringLiteral("rows"), QStringLiteral("compacts of the account"), QStringLiteral("N"),
-                                QStringLiteral("100000"));
-  const QCommandLineOption seconds(QStringLiteral("seconds"), QStringLiteral("of each phase"), QStringLiteral("N"),
-                                   QStringLiteral("10"));
-  const QCommandLineOption rate(QStringLiteral("rate"), QStringLiteral("pushes a second"), QStringLiteral("N"),
-                                QStringLiteral("200"));
-  parser.addOptions({rows, seconds, rate});
-  parser.process(application);
-  return run(parser.value(rows).toInt(), parser.value(seconds).toInt(), parser.value(rate).toInt());
+  const std::vector<int> given = numbersGiven(application, {{"rows", "compacts of the account", 100000},
+                                                            {"seconds", "of each phase", 10},
+                                                            {"rate", "pushes a second", 200}});
+  return run(given[0], given[1], given[2]);
 }

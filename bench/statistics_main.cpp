@@ -2,6 +2,7 @@
 // panel's statistics view on a real counter, and how long the event loop stands still meanwhile.
 
 #include "CBenchClient.h"
+#include "bench_options.h"
 #include "bench_records.h"
 
 #include "compacts/tables/CCompactsStaticsTable.h"
@@ -11,7 +12,6 @@
 #include "utils/CEventLoopMeter.h"
 
 #include <QApplication>
-#include <QCommandLineParser>
 #include <QElapsedTimer>
 
 #include <fmt/format.h>
@@ -114,13 +114,7 @@ int showStatistics(int rows) {
 
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
-  QCommandLineParser parser;
-  parser.addHelpOption();
-  const QCommandLineOption rows(QStringLiteral("rows"), QStringLiteral("compacts of the account"), QStringLiteral("N"),
-                                QStringLiteral("1000000"));
-  parser.addOption(rows);
-  parser.process(application);
-  const int count = parser.value(rows).toInt();
-  const int folded = foldBoth(count);
-  return folded != 0 ? folded : showStatistics(count);
+  const std::vector<int> given = numbersGiven(application, {{"rows", "compacts of the account", 1000000}});
+  const int folded = foldBoth(given[0]);
+  return folded != 0 ? folded : showStatistics(given[0]);
 }
