@@ -381,6 +381,7 @@ TEST(TableView, paintsOnlyWhatHasChanged) {
        nothing},
       {"scrolled by a row", [&] { view.verticalScrollBar()->setValue(view.rowHeight()); },
        QRect(0, view.viewport()->height() - view.rowHeight(), view.viewport()->width(), view.rowHeight())},
+      {"a row dropped above: rows keep their shades", [&] { table.drop([](int slot) { return slot > 0; }); }, nothing},
       {"hidden",
        [&] {
          view.hide();

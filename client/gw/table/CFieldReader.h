@@ -14,7 +14,7 @@ namespace GW {
 class CFieldReader {
  public:
   /// How many records ahead a loop fetches.
-  static constexpr std::size_t AHEAD = 16;
+  static constexpr std::size_t AHEAD = 32;
 
   /// `sample` is any record of the type.
   CFieldReader(const rdservice::CFieldDes& field, const rdservice::IData& sample)

@@ -12,6 +12,13 @@
 
 namespace GW {
 
+namespace {
+
+/// Rows painted at a time, so that their pixels are still at hand when texts go over the background.
+constexpr int STRIP = 4;
+
+}  // namespace
+
 void CHpfTableView::paintEvent(QPaintEvent* event) {
   QPainter painter(viewport());
   painter.setFont(font());
@@ -33,9 +40,12 @@ void CHpfTableView::Private::paint(QPainter& painter, const QRegion& region) {
   if (first < 0) return;
 
   markCells(region, columns);
-  paintBackground(painter, columns);
-  paintGrid(painter, columns);
-  paintCells(painter, columns);
+  for (int strip = markedFirst; strip <= markedLast; strip += STRIP) {
+    const int end = std::min(strip + STRIP, markedLast + 1);
+    paintBackground(painter, columns, strip, end);
+    paintGrid(painter, columns, strip, end);
+    paintCells(painter, columns, strip, end);
+  }
   paintCurrent(painter);
 }
 
@@ -58,15 +68,16 @@ void CHpfTableView::Private::markCells(const QRegion& region, const std::vector<
   }
 }
 
-void CHpfTableView::Private::paintBackground(QPainter& painter, const std::vector<CColumnPlace>& columns) {
-  for (int row = markedFirst; row <= markedLast; ++row) {
+void CHpfTableView::Private::paintBackground(QPainter& painter, const std::vector<CColumnPlace>& columns, int first,
+                                             int end) {
+  for (int row = first; row < end; ++row) {
     CScreenLine& line = screen.line(row);
     line.look = lookOf(row, line.slot);
     line.isPainted = true;
     const QColor& color = line.look.isSelected ? colors.selected
                           : line.look.isOdd    ? colors.alternate
                                                : colors.background;
-    const std::uint8_t* marked = marks.data() + static_cast<std::size_t>(row - markedFirst) * columns.size();
+    const std::uint8_t* marked = marksOf(row, columns);
     for (std::size_t from = 0; from < columns.size(); ++from) {
       if (marked[from] == 0) continue;
       std::size_t to = from;
@@ -79,15 +90,14 @@ void CHpfTableView::Private::paintBackground(QPainter& painter, const std::vecto
   }
 }
 
-void CHpfTableView::Private::paintGrid(QPainter& painter, const std::vector<CColumnPlace>& columns) {
+void CHpfTableView::Private::paintGrid(QPainter& painter, const std::vector<CColumnPlace>& columns, int first,
+                                       int end) {
   for (std::size_t c = 0; c < columns.size(); ++c) {
-    const auto isMarked = [&](int row) {
-      return marks[static_cast<std::size_t>(row - markedFirst) * columns.size() + c] != 0;
-    };
-    for (int from = markedFirst; from <= markedLast; ++from) {
+    const auto isMarked = [&](int row) { return marksOf(row, columns)[c] != 0; };
+    for (int from = first; from < end; ++from) {
       if (!isMarked(from)) continue;
       int to = from;
-      while (to < markedLast && isMarked(to + 1)) ++to;
+      while (to + 1 < end && isMarked(to + 1)) ++to;
       drawLineRight(painter, QRect(columns[c].x, lineY(from), columns[c].width, (to - from + 1) * rowHeight),
                     colors.grid);
       from = to;
@@ -95,11 +105,12 @@ void CHpfTableView::Private::paintGrid(QPainter& painter, const std::vector<CCol
   }
 }
 
-void CHpfTableView::Private::paintCells(QPainter& painter, const std::vector<CColumnPlace>& columns) {
+void CHpfTableView::Private::paintCells(QPainter& painter, const std::vector<CColumnPlace>& columns, int first,
+                                        int end) {
   const bool isEnabled = q->isEnabled();
   controlColors.setCurrentColorGroup(isEnabled ? QPalette::Active : QPalette::Disabled);
-  const std::uint8_t* marked = marks.data();
-  for (int row = markedFirst; row <= markedLast; ++row) {
+  const std::uint8_t* marked = marksOf(first, columns);
+  for (int row = first; row < end; ++row) {
     CScreenLine& line = screen.line(row);
     const int y = lineY(row);
     for (const CColumnPlace& place : columns) {

@@ -67,9 +67,14 @@ struct CHpfTableView::Private : CUiResourceChangeHandler {
   void takeRows(const CRowsChange& change);
   void paint(QPainter& painter, const QRegion& region);
   void markCells(const QRegion& region, const std::vector<CColumnPlace>& columns);
-  void paintBackground(QPainter& painter, const std::vector<CColumnPlace>& columns);
-  void paintGrid(QPainter& painter, const std::vector<CColumnPlace>& columns);
-  void paintCells(QPainter& painter, const std::vector<CColumnPlace>& columns);
+  /// By column, whether the row's cell is to be painted.
+  const std::uint8_t* marksOf(int row, const std::vector<CColumnPlace>& columns) const {
+    return marks.data() + static_cast<std::size_t>(row - markedFirst) * columns.size();
+  }
+  // The marked cells of the rows from `first` to before `end`.
+  void paintBackground(QPainter& painter, const std::vector<CColumnPlace>& columns, int first, int end);
+  void paintGrid(QPainter& painter, const std::vector<CColumnPlace>& columns, int first, int end);
+  void paintCells(QPainter& painter, const std::vector<CColumnPlace>& columns, int first, int end);
   void paintCurrent(QPainter& painter);
 
   // --- selection and current cell ---
@@ -109,13 +114,15 @@ struct CHpfTableView::Private : CUiResourceChangeHandler {
   int rowHeight = 1;
   int currentColumn = -1;
 
-  int topSlot = -1;           ///< of the first row on screen, while rows change; -1 when it is gone
+  int topRow = -1;            ///< the first row on screen, while rows change
+  int topSlot = -1;           ///< its slot; -1 when it is gone
   int topOffset = 0;          ///< pixels of it that are above the viewport
   int topY = 0;               ///< scroll position at that time
   bool isTopNoted = false;    ///< for several changes
   bool isPlacing = false;     ///< the scroll bars follow changed rows: no pixels move
   bool isMovedAside = false;  ///< meanwhile the columns had to move
   bool isLayingOut = false;
+  bool areShadesSwapped = false;  ///< even rows are the darker ones
 
   bool isDragging = false;
   bool dragKeepsOthers = false;

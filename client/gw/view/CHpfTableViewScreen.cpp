@@ -24,10 +24,10 @@ void CHpfTableView::rowsAboutToChange(const CRowsChange& change) {
 }
 
 void CHpfTableView::Private::noteTop() {
-  const int top = q->rowAt(0);
-  topSlot = rows.slotAt(top);
+  topRow = q->rowAt(0);
+  topSlot = rows.slotAt(topRow);
   topY = scrollY();
-  topOffset = topY - top * rowHeight;
+  topOffset = topY - topRow * rowHeight;
 }
 
 void CHpfTableView::rowsChanged(const CRowsChange& change) {
@@ -52,6 +52,11 @@ void CHpfTableView::Private::takeRows(const CRowsChange& change) {
     if (change.kind != CRowsChange::Append || isTopNoted) {
       const int top = rows.rowOf(topSlot);
       q->verticalScrollBar()->setValue(top >= 0 ? top * rowHeight + topOffset : topY);
+      if (top >= 0) {
+        // The rows on screen keep their shades, however many come and go above them.
+        areShadesSwapped = areShadesSwapped != ((top - topRow) % 2 != 0);
+        topRow = top;
+      }
     }
     isPlacing = false;
   }
@@ -88,7 +93,7 @@ void CHpfTableView::Private::updateDirty(const std::vector<CScreenCells::CDirty>
 
 CScreenLook CHpfTableView::Private::lookOf(int row, int slot) const {
   CScreenLook look;
-  look.isOdd = row % 2 != 0;
+  look.isOdd = (row % 2 != 0) != areShadesSwapped;
   look.isSelected = selection.isSelected(slot);
   look.isCurrent = slot >= 0 && slot == selection.current();
   look.currentColumn = look.isCurrent ? currentColumn : -1;
