@@ -10,13 +10,14 @@
 
 constexpr int SCREEN_ROWS = 40;
 constexpr std::size_t SCREEN_COLUMNS = 22;
+constexpr int SCREEN_WIDTH = 1920;  ///< pixels; longer texts are elided
 
 inline int columnCount() { return int(rdservice::CStkUnClosedCompacts::structDes().size()); }
 
 /// Paints what is due, as the event loop would.
 inline void paintDue() { QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateRequest); }
 
-/// Forty rows of 22 columns.
+/// Forty rows of 22 columns across a usual screen.
 template <class Table>
 void fitScreen(Table& table, int rowHeight) {
   int width = 0;
@@ -25,6 +26,7 @@ void fitScreen(Table& table, int rowHeight) {
     const bool isShown = shown < SCREEN_COLUMNS;
     table.widget().setColumnHidden(column, !isShown);
     if (!isShown) continue;
+    table.widget().setColumnWidth(column, SCREEN_WIDTH / int(SCREEN_COLUMNS));
     width += table.widget().columnWidth(column);
     ++shown;
   }
