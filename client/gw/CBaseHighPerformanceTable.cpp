@@ -8,7 +8,6 @@
 #include "rdservice/prefetch.h"
 #include "utils/threads.h"
 
-#include <QTimer>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -24,6 +23,8 @@ using std::chrono::steady_clock;
 
 // Taking rows over is given five of a turn's 8 ms; the view's share takes the rest.
 constexpr double TAKING_NS = 5e6;
+/// After more, putting the rows in order is left to a turn of its own: of many it takes long too.
+constexpr double ORDERING_NS = 2.5e6;
 constexpr int BUSY_WAIT_MS = 1;
 constexpr std::size_t KEY_BYTES = 192;  ///< of a record, from its beginning, in which its key stands
 constexpr std::size_t ROWS_PER_STEP = 2048;
@@ -57,6 +58,8 @@ CBaseHighPerformanceTable::Private::Private(CBaseHighPerformanceTable* table)
     q->handleEvent(EventRowDoubleClicked, row, 0, QString::fromStdString(rows.key(slot)), nullptr);
   });
   QObject::connect(&view->controls(), &CCellControls::sigStored, table, [table] { table->updateTable(); });
+  turnTimer.setSingleShot(true);
+  QObject::connect(&turnTimer, &QTimer::timeout, table, [table] { table->updateTable(); });
 }
 
 CBaseHighPerformanceTable::Private::~Private() {
@@ -83,8 +86,10 @@ void CBaseHighPerformanceTable::Private::rowsChanged(const CRowsChange& change) 
 bool CBaseHighPerformanceTable::Private::takeTurn() {
   const auto begin = steady_clock::now();
   const auto spent = [begin] { return std::chrono::duration<double, std::nano>(steady_clock::now() - begin).count(); };
+  if (isOrderingDue) rows.finishApplying();
   std::size_t left = ROWS_PER_TURN;
   std::size_t limit = ROWS_PER_STEP;  // the first rows of a turn tell how many more there may be
+  double nsPerRow = 0;
   bool isMore = true;
   isWriterBusy = false;
   while (isMore && limit > 0 && !isWriterBusy) {
@@ -97,15 +102,16 @@ bool CBaseHighPerformanceTable::Private::takeTurn() {
       taken = drain.slots.size();
     } while (isMore && taken < limit && !drain.isBusy);
     isWriterBusy = drain.isBusy;
-    drain.isMore = isMore;
+    drain.isMore = isMore || spent() + static_cast<double>(taken) * nsPerRow > ORDERING_NS;
     if (!drain.isEmpty()) rows.apply(std::move(drain));
     left -= taken;
-    const double nsPerRow = spent() / static_cast<double>(ROWS_PER_TURN - left + 1);
+    nsPerRow = spent() / static_cast<double>(ROWS_PER_TURN - left + 1);
     const double rowsLeft = (TAKING_NS - spent()) / nsPerRow;
     limit = rowsLeft < LEAST_ROWS ? 0 : std::min(left, static_cast<std::size_t>(rowsLeft));
   }
-  if (!isMore) rows.finishApplying();
-  return !isMore;
+  isOrderingDue = !isMore && rows.hasWaiting() && spent() > ORDERING_NS;
+  if (!isMore && !isOrderingDue) rows.finishApplying();
+  return !isMore && !isOrderingDue;
 }
 
 CBaseHighPerformanceTable::CBaseHighPerformanceTable(int tableId, QWidget* parent)
@@ -192,18 +198,14 @@ void CBaseHighPerformanceTable::updateTable() {
   m_d->view->changesEnd();
   m_d->isUpdating = false;
   const bool isAskedAgain = std::exchange(m_d->isAskedAgain, false);
-  if ((isDone && !isAskedAgain) || m_d->isGoingOn) return;
-  m_d->isGoingOn = true;
-  // While a writer holds the rows, the event loop must not spin.
-  QTimer::singleShot(m_d->isWriterBusy ? BUSY_WAIT_MS : 0, this, [this] {
-    m_d->isGoingOn = false;
-    updateTable();
-  });
+  if ((isDone && !isAskedAgain) || m_d->turnTimer.isActive()) return;
+  // By a timer, for which events that wait come first. While a writer holds the rows, the event loop must not spin.
+  m_d->turnTimer.start(m_d->isWriterBusy ? BUSY_WAIT_MS : 0);
 }
 
 bool CBaseHighPerformanceTable::isUpToDate() const {
   utils::assertGui();
-  return m_d->shared->isDrained();
+  return m_d->shared->isDrained() && !m_d->rows.hasWaiting();
 }
 
 int CBaseHighPerformanceTable::rowCount() const {

@@ -10,6 +10,7 @@
 #include "gw/view/CTableFace.h"
 
 #include <QPointer>
+#include <QTimer>
 
 #include <memory>
 #include <set>
@@ -45,9 +46,10 @@ struct CBaseHighPerformanceTable::Private : IRowsObserver {
   std::set<int> unchoosableColumns;
   int recordType = 0;
   bool isUpdating = false;
-  bool isAskedAgain = false;  ///< meanwhile, so that what came since is not forgotten
-  bool isWriterBusy = false;  ///< the last turn ended because a writer held the rows
-  bool isGoingOn = false;     ///< the next turn of updateTable is on its way
+  bool isAskedAgain = false;   ///< meanwhile, so that what came since is not forgotten
+  bool isWriterBusy = false;   ///< the last turn ended because a writer held the rows
+  bool isOrderingDue = false;  ///< every row is taken over, but the last ones stand in no order yet
+  QTimer turnTimer;            ///< for the next turn of updateTable
 };
 
 }  // namespace GW

@@ -97,6 +97,8 @@ class CShownRows {
   void apply(CRowsDrain&& drain);
   /// Displays what waits.
   void finishApplying();
+  /// Whether rows wait for their place in the order.
+  bool hasWaiting() const;
   void clear();
 
   // --- order ---

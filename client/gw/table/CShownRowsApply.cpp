@@ -131,9 +131,11 @@ void CShownRows::apply(CRowsDrain&& drain) {
 }
 
 void CShownRows::finishApplying() {
-  if (m_d->ordered == m_d->records.size()) return;
+  if (!hasWaiting()) return;
   m_d->tell(m_d->kindOf({}, m_d->records.size()), [this] { m_d->orderWaiting(); });
 }
+
+bool CShownRows::hasWaiting() const { return m_d->ordered < m_d->records.size(); }
 
 /// Values, with which filters work, are new afterwards, of the drain's new rows too; everything else is as before.
 std::vector<CShownRows::Private::CStep> CShownRows::Private::plan(const CRowsDrain& drain, std::size_t oldCount) {
