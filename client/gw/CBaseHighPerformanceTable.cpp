@@ -102,7 +102,8 @@ bool CBaseHighPerformanceTable::Private::takeTurn() {
       taken = drain.slots.size();
     } while (isMore && taken < limit && !drain.isBusy);
     isWriterBusy = drain.isBusy;
-    drain.isMore = isMore || spent() + static_cast<double>(taken) * nsPerRow > ORDERING_NS;
+    const bool isFew = left == ROWS_PER_TURN;  // no more than the first step's
+    drain.isMore = isMore || (!isFew && spent() + static_cast<double>(taken) * nsPerRow > ORDERING_NS);
     if (!drain.isEmpty()) rows.apply(std::move(drain));
     left -= taken;
     nsPerRow = spent() / static_cast<double>(ROWS_PER_TURN - left + 1);

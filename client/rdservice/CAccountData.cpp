@@ -5,6 +5,7 @@
 #include "rdservice/CStructDes.h"
 #include "rdservice/data_centre_factory.h"
 #include "rdservice/prefetch.h"
+#include "rdservice/rdservice_enums.h"
 #include "rdservice/reply_marks.h"
 
 #include <boost/smart_ptr/make_shared.hpp>
@@ -52,7 +53,7 @@ void CAccountData::updateCompacts(int typeId, const std::vector<IDataPtr>& recor
   std::uint64_t mark = Private::ALWAYS;
   for (const IDataPtr& record : records)
     if (record != nullptr && CDataVersion::mark(*record) != 0) mark = std::min(mark, CDataVersion::mark(*record));
-  m_d->replaceAll(typeId, records, mark);
+  m_d->replaceAll(typeId, records, mark, Private::ESet::Any);
 }
 
 CAccountData::Private::CListeners& CAccountData::Private::listenersOf(int typeId) {
@@ -70,7 +71,9 @@ void noteMark(const std::vector<IDataPtr>& records, std::uint64_t mark) {
 }
 
 void replaceAsOf(CAccountData& account, int typeId, const std::vector<IDataPtr>& records, std::uint64_t mark) {
-  CAccountData::Private::of(account).replaceAll(typeId, records, mark);
+  using ESet = CAccountData::Private::ESet;
+  const ESet set = typeId == RecordStkUnClosedCompacts ? ESet::AllCompacts : ESet::Any;
+  CAccountData::Private::of(account).replaceAll(typeId, records, mark, set);
 }
 
 void CAccountData::removeMetaData(int typeId) {
@@ -78,6 +81,7 @@ void CAccountData::removeMetaData(int typeId) {
   {
     const utils::CWriteLock lock(m_d->mutex);
     const auto type = m_d->types.find(typeId);
+    m_d->forgetStatistics(typeId);
     if (type == m_d->types.end()) return;
     std::swap(removed, type->second.store);
     ++type->second.generation;
@@ -88,6 +92,7 @@ void CAccountData::removeMetaData(int typeId) {
 IDataPtr CAccountData::modifyData(int typeId, const std::string& key, const std::function<void(IData&)>& edit) {
   IDataPtr replaced;
   IDataPtr held;
+  Private::CChanges statistics;
   {
     const utils::CWriteLock lock(m_d->mutex);
     const auto type = m_d->types.find(typeId);
@@ -103,8 +108,11 @@ IDataPtr CAccountData::modifyData(int typeId, const std::string& key, const std:
     held = m_d->publish(edited, false);
     replaced = entry.store.replace(place, held, held->version());
     ++entry.generation;
+    m_d->countChange(typeId, replaced.get(), held.get());
+    m_d->storeStatistics(statistics);
   }
   m_d->listenersOf(typeId).call({key}, {held});
+  m_d->tell(RecordStkUnClosedCompactsStatics, statistics);
   return held;
 }
 

@@ -4,6 +4,7 @@
 #include "rdservice/CDataVersion.h"
 #include "rdservice/CStructDes.h"
 #include "rdservice/prefetch.h"
+#include "rdservice/rdservice_enums.h"
 
 #include <algorithm>
 #include <cassert>
@@ -25,7 +26,8 @@ struct CKey {
 
 /// What a store holds under the key of a record that is to replace it.
 struct CHeld {
-  IDataPtr unchanged{};     ///< the held record when it has the same values or is newer, else null
+  IDataPtr unchanged{};  ///< the held record when it has the same values or is newer, else null
+  bool isNewer = false;
   std::uint64_t basis = 0;  ///< of the held record; 0 without one
 };
 
@@ -40,7 +42,8 @@ std::vector<CHeld> compare(const CTypeStore& fresh, const std::vector<CKey>& key
     guess = place + 1;
     found[i].basis = held.basis(place);
     const IDataPtr& record = held.at(place);
-    if (found[i].basis > fresh.basis(i) || sameFields(*record, *fresh.records()[i])) found[i].unchanged = record;
+    found[i].isNewer = found[i].basis > fresh.basis(i);
+    if (found[i].isNewer || sameFields(*record, *fresh.records()[i])) found[i].unchanged = record;
   }
   return found;
 }
@@ -77,6 +80,7 @@ IDataPtr CAccountData::Private::storeItem(CTypeEntry& type, CItem& item, bool ke
     item.held = publish(record, mark != 0);
     replaced = store.replace(place, item.held, basis(item.held));
   }
+  countChange(item.typeId, replaced.get(), item.held.get());
   ++type.generation;
   item.isChanged = true;
   return replaced;
@@ -119,6 +123,7 @@ std::vector<CAccountData::Private::CItem> CAccountData::Private::itemsOf(const I
 std::vector<IDataPtr> CAccountData::Private::store(const IDataPtr* records, std::size_t count, bool keepNewer) {
   std::vector<std::size_t> itemOf;
   std::vector<CItem> items = itemsOf(records, count, itemOf);
+  std::map<int, CChanges> changed;
   std::size_t guess = 0;
   for (std::size_t begin = 0; begin < items.size(); begin += SLICE) {
     std::vector<IDataPtr> replaced;  // freed after the lock is given up
@@ -132,15 +137,12 @@ std::vector<IDataPtr> CAccountData::Private::store(const IDataPtr* records, std:
       if (type.store.size() == 0) type.store.reserve(items.size());
       if (IDataPtr old = storeItem(type, items[i], keepNewer, guess)) replaced.push_back(std::move(old));
     }
+    if (statistics) storeStatistics(changed[RecordStkUnClosedCompactsStatics]);
   }
-  std::map<int, std::pair<std::vector<std::string>, std::vector<IDataPtr>>> changed;
   for (CItem& item : items) {
-    if (!item.isChanged) continue;
-    auto& [keys, changedRecords] = changed[item.typeId];
-    keys.push_back(std::move(item.key));
-    changedRecords.push_back(item.held);
+    if (item.isChanged) changed[item.typeId].add(std::move(item.key), item.held);
   }
-  for (const auto& [typeId, change] : changed) listenersOf(typeId).call(change.first, change.second);
+  for (const auto& [typeId, changes] : changed) tell(typeId, changes);
 
   std::vector<IDataPtr> held(count);
   const bool isOneEach = items.size() == count;
@@ -152,7 +154,11 @@ std::vector<IDataPtr> CAccountData::Private::store(const IDataPtr* records, std:
   return held;
 }
 
-void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& records, std::uint64_t mark) {
+void CAccountData::Private::tell(int typeId, const CChanges& changes) {
+  if (!changes.keys.empty()) listenersOf(typeId).call(changes.keys, changes.records);
+}
+
+void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& records, std::uint64_t mark, ESet set) {
   CTypeStore fresh;  // holds the old set in the end, and frees it after the lock is given up
   fresh.reserve(records.size());
   std::vector<CKey> keys;
@@ -173,6 +179,9 @@ void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& 
     keys.push_back(std::move(key));
   }
 
+  std::unique_ptr<CCompactStatistics> anew;
+  if (set == ESet::AllCompacts) anew = statisticsOf(fresh.records());
+
   // Comparing a large set takes long: it is done while others may read, and again only when somebody stored meanwhile.
   std::vector<CHeld> held(fresh.size());
   std::uint64_t generation = 0;
@@ -185,12 +194,17 @@ void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& 
     }
   }
   std::vector<IDataPtr> changed(fresh.size());
+  CChanges statisticChanges;
   {
     const utils::CWriteLock lock(mutex);
+    if (typeId == RecordStkUnClosedCompactsStatics && statistics != nullptr) return;  // made of the compacts instead
+    forgetStatistics(typeId);
+    if (anew != nullptr) statistics = std::move(anew);
     CTypeEntry& entry = types[typeId];
     if (entry.generation != generation) held = compare(fresh, keys, entry.store);
     for (std::size_t i = 0; i < fresh.size(); ++i) {
       if (held[i].unchanged == nullptr) changed[i] = publish(fresh.records()[i], true);
+      if (held[i].isNewer) countChange(typeId, fresh.records()[i].get(), held[i].unchanged.get());
       const std::uint64_t basis = fresh.basis(i) != ALWAYS ? fresh.basis(i) : lastVersion.load();
       fresh.replace(i, held[i].unchanged == nullptr ? changed[i] : held[i].unchanged, std::max(held[i].basis, basis));
     }
@@ -198,19 +212,20 @@ void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& 
       if (entry.store.basis(i) <= mark) continue;
       const std::string key = entry.store.at(i)->getKey();
       const std::uint32_t hash = CHashedPlaces::hash(key);
-      if (fresh.find(hash, key) == CTypeStore::NONE) fresh.append(hash, entry.store.at(i), entry.store.basis(i));
+      if (fresh.find(hash, key) != CTypeStore::NONE) continue;
+      fresh.append(hash, entry.store.at(i), entry.store.basis(i));
+      countChange(typeId, nullptr, entry.store.at(i).get());
     }
     std::swap(fresh, entry.store);
     ++entry.generation;
+    storeStatistics(statisticChanges);
   }
-  std::vector<std::string> changedKeys;
-  std::vector<IDataPtr> changedRecords;
+  CChanges changes;
   for (std::size_t i = 0; i < changed.size(); ++i) {
-    if (changed[i] == nullptr) continue;
-    changedKeys.push_back(std::move(keys[i].text));
-    changedRecords.push_back(changed[i]);
+    if (changed[i] != nullptr) changes.add(std::move(keys[i].text), changed[i]);
   }
-  if (!changedKeys.empty()) listenersOf(typeId).call(changedKeys, changedRecords);
+  tell(typeId, changes);
+  tell(RecordStkUnClosedCompactsStatics, statisticChanges);
 }
 
 }  // namespace rdservice

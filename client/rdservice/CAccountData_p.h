@@ -1,6 +1,7 @@
 #pragma once
 
 #include "rdservice/CAccountData.h"
+#include "rdservice/CCompactStatistics.h"
 #include "rdservice/CTypeStore.h"
 #include "utils/CCallbackList.h"
 #include "utils/CMutex.h"
@@ -9,6 +10,7 @@
 
 #include <atomic>
 #include <limits>
+#include <memory>
 
 namespace rdservice {
 
@@ -50,15 +52,45 @@ struct CAccountData::Private {
   /// Mark of a set that replaces whatever is there.
   static constexpr std::uint64_t ALWAYS = std::numeric_limits<std::uint64_t>::max();
 
+  /// What a set of a type says of the others.
+  enum class ESet : std::uint8_t {
+    Any,
+    AllCompacts  ///< every unclosed compact of the account, so that the statistics follow from them
+  };
   /// See CAccountData::updateCompacts; records that are newer than `mark`, or than the mark noted with the record that
   /// would replace them, stay.
-  void replaceAll(int typeId, const std::vector<IDataPtr>& records, std::uint64_t mark);
+  void replaceAll(int typeId, const std::vector<IDataPtr>& records, std::uint64_t mark, ESet set);
+
+  // --- statistics of the unclosed compacts, in CAccountDataStatistics.cpp ---
+
+  /// What listeners are to be told.
+  struct CChanges {
+    std::vector<std::string> keys{};
+    std::vector<IDataPtr> records{};
+
+    void add(std::string key, IDataPtr record) {
+      keys.push_back(std::move(key));
+      records.push_back(std::move(record));
+    }
+  };
+
+  /// A record of the type came (`before` null), changed or went (`after` null).
+  void countChange(int typeId, const IData* before, const IData* after) TS_REQUIRES(mutex);
+  /// The set of a type is dropped, or replaced by one of which it is not known whether it is whole.
+  void forgetStatistics(int typeId) TS_REQUIRES(mutex);
+  static std::unique_ptr<CCompactStatistics> statisticsOf(const std::vector<IDataPtr>& compacts);
+  /// Brings the stored statistics up to date with what was counted.
+  void storeStatistics(CChanges& changes) TS_REQUIRES(mutex);
+
+  void tell(int typeId, const CChanges& changes);
 
   static Private& of(CAccountData& account) { return *account.m_d; }
 
   const CAccountInfoPtr accountInfo;
   mutable utils::CSharedMutex mutex;
   std::map<int, CTypeEntry> types TS_GUARDED_BY(mutex);
+  /// Since every unclosed compact is known. Until then the statistics stay as they were told.
+  std::unique_ptr<CCompactStatistics> statistics TS_GUARDED_BY(mutex);
   /// The last version or mark given: one count for both, so that they can be compared. Versions are given under the
   /// lock, marks without it, so that asking for one never waits.
   std::atomic<std::uint64_t> lastVersion{0};

@@ -6,20 +6,12 @@
 
 #include <fmt/format.h>
 
-#include <cmath>
 #include <string>
 
 namespace GW {
 
 using rdservice::EFieldFormat;
 using rdservice::EFieldType;
-
-namespace {
-
-constexpr std::int64_t PARTS = 100000000;
-constexpr std::int64_t CARRY_AT = PARTS * 1000000000;  ///< carrying is a division, so that it is seldom done
-
-}  // namespace
 
 bool CColumnSum::isSummable(const CTableColumn& column) {
   if (column.delegate) return false;
@@ -36,14 +28,14 @@ bool CColumnSum::isSummable(const CTableColumn& column) {
 
 void CColumnSum::change(const CTableColumn& column, const CCell& cell, int sign) {
   if (column.field == nullptr) {
-    m_units += CUnits{sign} * cell.value();
+    m_sum.changeUnits(cell.value(), sign);
     return;
   }
   const rdservice::IData& record = *cell.record;
   switch (column.field->type) {
-    case EFieldType::Int32: m_units += sign * std::int64_t{column.field->get<std::int32_t>(record)}; break;
-    case EFieldType::Int64: m_units += CUnits{sign} * column.field->get<std::int64_t>(record); break;
-    case EFieldType::Double: changeBy(column.field->get<double>(record), sign); break;
+    case EFieldType::Int32: m_sum.changeUnits(column.field->get<std::int32_t>(record), sign); break;
+    case EFieldType::Int64: m_sum.changeUnits(column.field->get<std::int64_t>(record), sign); break;
+    case EFieldType::Double: m_sum.change(column.field->get<double>(record), sign); break;
     default: break;
   }
 }
@@ -65,44 +57,21 @@ void CColumnSum::addAll(const CTableColumn& column, const std::vector<rdservice:
   }
   const CFieldReader reader(*column.field, *records[first]);
   if (column.field->type == EFieldType::Double)
-    reader.forEach<double>(records, first, records.size(), [this](double amount) { changeBy(amount, 1); });
+    reader.forEach<double>(records, first, records.size(), [this](double amount) { m_sum.change(amount, 1); });
   else if (column.field->type == EFieldType::Int64)
-    reader.forEach<std::int64_t>(records, first, records.size(), [this](std::int64_t volume) { m_units += volume; });
-}
-
-void CColumnSum::changeBy(double amount, int sign) {
-  if (amount == 0) return;  // most are
-  constexpr double LIMIT = 1e15;
-  if (!(std::fabs(amount) < LIMIT)) {
-    m_unsummable += sign;
-    return;
-  }
-  const auto units = static_cast<std::int64_t>(amount);
-  const double parts = (amount - static_cast<double>(units)) * double{PARTS};
-  m_units += sign * units;
-  m_parts += sign * static_cast<std::int64_t>(parts < 0 ? parts - 0.5 : parts + 0.5);
-  if (m_parts < CARRY_AT && m_parts > -CARRY_AT) return;
-  m_units += m_parts / PARTS;
-  m_parts %= PARTS;
+    reader.forEach<std::int64_t>(records, first, records.size(),
+                                 [this](std::int64_t volume) { m_sum.changeUnits(volume, 1); });
 }
 
 QString CColumnSum::text(const CTableColumn& column) const {
-  if (m_unsummable > 0) return QStringLiteral("-");
+  if (!m_sum.isKnown()) return QStringLiteral("-");
   if (column.field == nullptr || column.field->type != EFieldType::Double)
-    return QString::fromStdString(rdservice::groupedText(fmt::to_string(m_units)));
+    return QString::fromStdString(rdservice::groupedText(fmt::to_string(m_sum.units())));
   constexpr std::int64_t CENTS = 100;
-  constexpr std::int64_t PARTS_OF_CENT = PARTS / CENTS;
+  constexpr std::int64_t PARTS_OF_CENT = rdservice::CExactSum::PARTS / CENTS;
   const std::int64_t half = PARTS_OF_CENT / 2;
-  CUnits units = m_units + m_parts / PARTS;
-  std::int64_t parts = m_parts % PARTS;
-  // Units and parts may have different signs.
-  if (units > 0 && parts < 0) {
-    --units;
-    parts += PARTS;
-  } else if (units < 0 && parts > 0) {
-    ++units;
-    parts -= PARTS;
-  }
+  rdservice::CExactSum::CUnits units = m_sum.units();
+  const std::int64_t parts = m_sum.parts();
   const bool isNegative = units < 0 || parts < 0;
   std::int64_t cents = ((isNegative ? -parts : parts) + half) / PARTS_OF_CENT;
   units = (isNegative ? -units : units) + cents / CENTS;

@@ -3,6 +3,8 @@
 #include "gw/CTableColumn.h"
 #include "gw/table/CCell.h"
 
+#include "rdservice/CExactSum.h"
+
 #include <QString>
 
 #include <cstddef>
@@ -11,8 +13,7 @@
 
 namespace GW {
 
-/// The exact sum of a column's numbers, kept while rows come, change and go: whole units and 1e-8 parts are added as
-/// integers, so that nothing is lost however often. GUI thread.
+/// The exact sum of a column's numbers, kept while rows come, change and go. GUI thread.
 class CColumnSum {
  public:
   /// Whether the column's cells can be summed up: volumes, amounts and other numbers that are no codes, and added
@@ -31,15 +32,9 @@ class CColumnSum {
   QString text(const CTableColumn& column) const;
 
  private:
-  /// A million numbers of 64 bits do not fit into 64 bits.
-  __extension__ using CUnits = __int128;
-
   void change(const CTableColumn& column, const CCell& cell, int sign);
-  void changeBy(double amount, int sign);
 
-  CUnits m_units = 0;
-  std::int64_t m_parts = 0;  ///< of 1e-8, carried into the units when they become many
-  int m_unsummable = 0;
+  rdservice::CExactSum m_sum;
 };
 
 }  // namespace GW

@@ -34,10 +34,17 @@ bool isMerged(std::size_t added, std::size_t rows) {
   return added > FEW + rows / PART;
 }
 
-/// While more rows come at once, so many wait until they are a good part of all: each time, all are gone through.
+/// While more rows come at once, so many wait until they are as many as the others: each time, all are gone through.
 bool isWorthOrdering(std::size_t waiting, std::size_t ordered) {
   constexpr std::size_t MANY = 50000;
-  return waiting > std::max(MANY, ordered / 2);
+  return waiting > std::max(MANY, ordered);
+}
+
+/// More waiting rows than this are cheaper by sorting all: that goes through the keys one after the other, merging goes
+/// from one end of the memory to the other.
+bool isSortedAnew(std::size_t waiting, std::size_t ordered) {
+  constexpr std::size_t PART = 4;
+  return waiting > FEW + ordered / PART;
 }
 
 }  // namespace
@@ -257,6 +264,11 @@ void CShownRows::Private::addRows(CRowsDrain& drain, std::size_t oldCount) {
 
 /// Puts the rows that wait into the orders.
 void CShownRows::Private::orderWaiting() {
+  if (isSortedAnew(records.size() - ordered, ordered)) {
+    ordered = records.size();
+    rebuildOrders();
+    return;
+  }
   const auto put = [](CBlockOrder& to, std::vector<int> slots) {
     if (isMerged(slots.size(), at(to.size()))) {
       to.sort(slots);
