@@ -1,14 +1,17 @@
-// Statistics of a great many compacts: the fold beside a bare one over the same records, in turn in one run; then the
-// panel's statistics view on a real counter, and how long the event loop stands still meanwhile.
+// Statistics of a great many compacts: the fold beside a bare one over the same records, in turn in one run; pushes
+// into a data centre that keeps the statistics; then the panel's statistics view on a real counter, and how long the
+// event loop stands still meanwhile.
 
 #include "CBenchClient.h"
 #include "bench_options.h"
 #include "bench_records.h"
+#include "bench_times.h"
 
 #include "compacts/tables/CCompactsStaticsTable.h"
 #include "compacts/tables/compact_fold.h"
 #include "gw/widget_events.h"
 #include "rdservice/CStkUnClosedCompacts.h"
+#include "rdservice/data_centre_factory.h"
 #include "utils/CEventLoopMeter.h"
 
 #include <QApplication>
@@ -28,6 +31,7 @@ using rdservice::IDataPtr;
 
 constexpr int METER_MS = 2;
 constexpr int ROUNDS = 7;
+constexpr int PUSHES = 300;
 constexpr int STATISTICS_VIEW = 3;
 constexpr double RATIO_GOAL = 3;
 constexpr double GAP_GOAL_MS = 16;
@@ -61,11 +65,6 @@ double bareFold(const std::vector<IDataPtr>& records, std::size_t& groups) {
 
 double ms(const QElapsedTimer& timer) { return static_cast<double>(timer.nsecsElapsed()) / 1e6; }
 
-double median(std::vector<double> values) {
-  std::sort(values.begin(), values.end());
-  return values[values.size() / 2];
-}
-
 int fail(const std::string& why) {
   fmt::print(stderr, "bench_statistics: {}\n", why);
   return 1;
@@ -94,6 +93,29 @@ int foldBoth(int rows) {
   return 0;
 }
 
+/// The statistics that the data centre keeps: what pushes cost that change them too, beside pushes that do not.
+int keepStatistics(int rows) {
+  const std::vector<IDataPtr> records = makeRecords(rows, 1);
+  const auto pushMs = [&](bool isWholeSet) {
+    const auto store = rdservice::makeAccountData(benchAccount());
+    if (isWholeSet)
+      store->updateCompacts(rdservice::RecordStkUnClosedCompacts, records);
+    else
+      store->updateDatas(records);
+    std::vector<double> times;
+    for (const auto& changed : makePushes(records, PUSHES, 1))
+      times.push_back(msOf([&] { store->updateDatas(changed); }));
+    const bool isKept = !store->getData(rdservice::RecordStkUnClosedCompactsStatics).empty();
+    return isKept == isWholeSet ? median(times) : -1;
+  };
+  const double without = pushMs(false);
+  const double with = pushMs(true);
+  if (without < 0 || with < 0) return fail("statistics were kept that should not be, or were not");
+  fmt::print("a push of {} into {} compacts {:.3f} ms, {:.3f} ms without keeping their statistics\n", BENCH_PUSH, rows,
+             with, without);
+  return 0;
+}
+
 int showStatistics(int rows) {
   const CBenchClient desk({rows, 0, false});
   if (!desk.error().empty()) return fail(desk.error());
@@ -115,6 +137,8 @@ int showStatistics(int rows) {
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
   const std::vector<int> given = numbersGiven(application, {{"rows", "compacts of the account", 1000000}});
-  const int folded = foldBoth(given[0]);
-  return folded != 0 ? folded : showStatistics(given[0]);
+  for (const auto part : {foldBoth, keepStatistics, showStatistics}) {
+    if (const int error = part(given[0]); error != 0) return error;
+  }
+  return 0;
 }

@@ -53,7 +53,7 @@ void CAccountData::updateCompacts(int typeId, const std::vector<IDataPtr>& recor
   std::uint64_t mark = Private::ALWAYS;
   for (const IDataPtr& record : records)
     if (record != nullptr && CDataVersion::mark(*record) != 0) mark = std::min(mark, CDataVersion::mark(*record));
-  m_d->replaceAll(typeId, records, mark, Private::ESet::Any);
+  m_d->replaceAll(typeId, records, mark);
 }
 
 CAccountData::Private::CListeners& CAccountData::Private::listenersOf(int typeId) {
@@ -71,9 +71,7 @@ void noteMark(const std::vector<IDataPtr>& records, std::uint64_t mark) {
 }
 
 void replaceAsOf(CAccountData& account, int typeId, const std::vector<IDataPtr>& records, std::uint64_t mark) {
-  using ESet = CAccountData::Private::ESet;
-  const ESet set = typeId == RecordStkUnClosedCompacts ? ESet::AllCompacts : ESet::Any;
-  CAccountData::Private::of(account).replaceAll(typeId, records, mark, set);
+  CAccountData::Private::of(account).replaceAll(typeId, records, mark);
 }
 
 void CAccountData::removeMetaData(int typeId) {
@@ -81,7 +79,7 @@ void CAccountData::removeMetaData(int typeId) {
   {
     const utils::CWriteLock lock(m_d->mutex);
     const auto type = m_d->types.find(typeId);
-    m_d->forgetStatistics(typeId);
+    m_d->countAnew(typeId, {}, false);
     if (type == m_d->types.end()) return;
     std::swap(removed, type->second.store);
     ++type->second.generation;

@@ -4,6 +4,7 @@
 #include "rdservice/CAccountData_p.h"
 #include "rdservice/prefetch.h"
 #include "rdservice/rdservice_enums.h"
+#include "rdservice/reply_marks.h"
 
 #include <utility>
 
@@ -17,29 +18,43 @@ const CStkUnClosedCompacts& compact(const IData& record) { return static_cast<co
 
 }  // namespace
 
-std::unique_ptr<CCompactStatistics> CAccountData::Private::statisticsOf(const std::vector<IDataPtr>& compacts) {
-  auto statistics = std::make_unique<CCompactStatistics>();
-  for (std::size_t i = 0; i < compacts.size(); ++i) {
-    if (i + PREFETCH_AHEAD < compacts.size())
-      prefetch(compacts[i + PREFETCH_AHEAD].get(), sizeof(CStkUnClosedCompacts));
-    statistics->add(compact(*compacts[i]));
+CCompactStatistics CAccountData::Private::countOf(int typeId, const std::vector<IDataPtr>& records) {
+  CCompactStatistics counted;
+  if (typeId != RecordStkUnClosedCompacts) return counted;
+  for (std::size_t i = 0; i < records.size(); ++i) {
+    if (i + PREFETCH_AHEAD < records.size()) prefetch(records[i + PREFETCH_AHEAD].get(), sizeof(CStkUnClosedCompacts));
+    counted.add(compact(*records[i]));
   }
-  return statistics;
+  return counted;
 }
 
 void CAccountData::Private::countChange(int typeId, const IData* before, const IData* after) {
-  if (typeId != RecordStkUnClosedCompacts || statistics == nullptr) return;
-  if (before != nullptr) statistics->subtract(compact(*before));
-  if (after != nullptr) statistics->add(compact(*after));
+  if (typeId != RecordStkUnClosedCompacts) return;
+  if (before != nullptr) statistics.subtract(compact(*before));
+  if (after != nullptr) statistics.add(compact(*after));
 }
 
-void CAccountData::Private::forgetStatistics(int typeId) {
-  if (typeId == RecordStkUnClosedCompacts || typeId == STATISTICS) statistics.reset();
+void CAccountData::Private::countAnew(int typeId, CCompactStatistics&& counted, bool isWholeSet) {
+  if (typeId == RecordStkUnClosedCompacts) {
+    statistics = std::move(counted);
+    areStatisticsMade = false;
+    if (isWholeSet) makeStatistics();
+  } else if (typeId == STATISTICS && !isWholeSet) {
+    areStatisticsMade = false;
+  }
+}
+
+void CAccountData::Private::makeStatistics() {
+  if (!std::exchange(areStatisticsMade, true)) statistics.startOver();
+}
+
+void CAccountData::Private::takeWholeReply(std::size_t stored) {
+  if (stored == wholeCount && stored == types[RecordStkUnClosedCompacts].store.size()) makeStatistics();
 }
 
 void CAccountData::Private::storeStatistics(CChanges& changes) {
-  if (statistics == nullptr) return;
-  const CCompactStatistics::CChange change = statistics->takeChange();
+  if (!areStatisticsMade) return;
+  const CCompactStatistics::CChange change = statistics.takeChange();
   if (change.statistics.empty() && !change.isWholeSet) return;
   CTypeEntry& type = types[STATISTICS];
   CTypeStore held;
@@ -56,6 +71,13 @@ void CAccountData::Private::storeStatistics(CChanges& changes) {
     storeItem(type, item, false, guess);
     if (item.isChanged) changes.add(std::move(item.key), std::move(item.held));
   }
+}
+
+void noteWholeReply(CAccountData& account, const std::vector<IDataPtr>& records, std::uint64_t mark) {
+  CAccountData::Private& d = CAccountData::Private::of(account);
+  const utils::CWriteLock lock(d.mutex);
+  d.wholeMark = mark;
+  d.wholeCount = records.size();
 }
 
 }  // namespace rdservice

@@ -125,6 +125,7 @@ std::vector<IDataPtr> CAccountData::Private::store(const IDataPtr* records, std:
   std::vector<CItem> items = itemsOf(records, count, itemOf);
   std::map<int, CChanges> changed;
   std::size_t guess = 0;
+  std::size_t ofWhole = 0;
   for (std::size_t begin = 0; begin < items.size(); begin += SLICE) {
     std::vector<IDataPtr> replaced;  // freed after the lock is given up
     const utils::CWriteLock lock(mutex);
@@ -135,9 +136,11 @@ std::vector<IDataPtr> CAccountData::Private::store(const IDataPtr* records, std:
         type.store.expect(items[i + PREFETCH_AHEAD].hash, guess);
       }
       if (type.store.size() == 0) type.store.reserve(items.size());
+      if (wholeMark != 0 && CDataVersion::mark(**items[i].record) == wholeMark) ++ofWhole;
       if (IDataPtr old = storeItem(type, items[i], keepNewer, guess)) replaced.push_back(std::move(old));
     }
-    if (statistics) storeStatistics(changed[RecordStkUnClosedCompactsStatics]);
+    if (ofWhole > 0) takeWholeReply(ofWhole);
+    storeStatistics(changed[RecordStkUnClosedCompactsStatics]);
   }
   for (CItem& item : items) {
     if (item.isChanged) changed[item.typeId].add(std::move(item.key), item.held);
@@ -158,7 +161,7 @@ void CAccountData::Private::tell(int typeId, const CChanges& changes) {
   if (!changes.keys.empty()) listenersOf(typeId).call(changes.keys, changes.records);
 }
 
-void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& records, std::uint64_t mark, ESet set) {
+void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& records, std::uint64_t mark) {
   CTypeStore fresh;  // holds the old set in the end, and frees it after the lock is given up
   fresh.reserve(records.size());
   std::vector<CKey> keys;
@@ -179,8 +182,7 @@ void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& 
     keys.push_back(std::move(key));
   }
 
-  std::unique_ptr<CCompactStatistics> anew;
-  if (set == ESet::AllCompacts) anew = statisticsOf(fresh.records());
+  CCompactStatistics counted = countOf(typeId, fresh.records());
 
   // Comparing a large set takes long: it is done while others may read, and again only when somebody stored meanwhile.
   std::vector<CHeld> held(fresh.size());
@@ -197,9 +199,8 @@ void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& 
   CChanges statisticChanges;
   {
     const utils::CWriteLock lock(mutex);
-    if (typeId == RecordStkUnClosedCompactsStatics && statistics != nullptr) return;  // made of the compacts instead
-    forgetStatistics(typeId);
-    if (anew != nullptr) statistics = std::move(anew);
+    if (typeId == RecordStkUnClosedCompactsStatics && areStatisticsMade) return;  // of the compacts instead
+    countAnew(typeId, std::move(counted), true);
     CTypeEntry& entry = types[typeId];
     if (entry.generation != generation) held = compare(fresh, keys, entry.store);
     for (std::size_t i = 0; i < fresh.size(); ++i) {

@@ -10,7 +10,6 @@
 
 #include <atomic>
 #include <limits>
-#include <memory>
 
 namespace rdservice {
 
@@ -52,14 +51,9 @@ struct CAccountData::Private {
   /// Mark of a set that replaces whatever is there.
   static constexpr std::uint64_t ALWAYS = std::numeric_limits<std::uint64_t>::max();
 
-  /// What a set of a type says of the others.
-  enum class ESet : std::uint8_t {
-    Any,
-    AllCompacts  ///< every unclosed compact of the account, so that the statistics follow from them
-  };
   /// See CAccountData::updateCompacts; records that are newer than `mark`, or than the mark noted with the record that
   /// would replace them, stay.
-  void replaceAll(int typeId, const std::vector<IDataPtr>& records, std::uint64_t mark, ESet set);
+  void replaceAll(int typeId, const std::vector<IDataPtr>& records, std::uint64_t mark);
 
   // --- statistics of the unclosed compacts, in CAccountDataStatistics.cpp ---
 
@@ -76,10 +70,14 @@ struct CAccountData::Private {
 
   /// A record of the type came (`before` null), changed or went (`after` null).
   void countChange(int typeId, const IData* before, const IData* after) TS_REQUIRES(mutex);
-  /// The set of a type is dropped, or replaced by one of which it is not known whether it is whole.
-  void forgetStatistics(int typeId) TS_REQUIRES(mutex);
-  static std::unique_ptr<CCompactStatistics> statisticsOf(const std::vector<IDataPtr>& compacts);
-  /// Brings the stored statistics up to date with what was counted.
+  /// The records of a type are others: a whole set, or none at all.
+  void countAnew(int typeId, CCompactStatistics&& counted, bool isWholeSet) TS_REQUIRES(mutex);
+  static CCompactStatistics countOf(int typeId, const std::vector<IDataPtr>& records);
+  /// From now on the stored statistics are made of the compacts.
+  void makeStatistics() TS_REQUIRES(mutex);
+  /// So many records of the whole reply are stored.
+  void takeWholeReply(std::size_t stored) TS_REQUIRES(mutex);
+  /// Brings the stored statistics up to date with what was counted, when they are made of the compacts.
   void storeStatistics(CChanges& changes) TS_REQUIRES(mutex);
 
   void tell(int typeId, const CChanges& changes);
@@ -89,8 +87,13 @@ struct CAccountData::Private {
   const CAccountInfoPtr accountInfo;
   mutable utils::CSharedMutex mutex;
   std::map<int, CTypeEntry> types TS_GUARDED_BY(mutex);
-  /// Since every unclosed compact is known. Until then the statistics stay as they were told.
-  std::unique_ptr<CCompactStatistics> statistics TS_GUARDED_BY(mutex);
+  /// Of the unclosed compacts stored.
+  CCompactStatistics statistics TS_GUARDED_BY(mutex);
+  /// Whether these are all that there are, so that the stored statistics are made of them.
+  bool areStatisticsMade TS_GUARDED_BY(mutex) = false;
+  /// A reply with all unclosed compacts that is about to be stored.
+  std::uint64_t wholeMark TS_GUARDED_BY(mutex) = 0;
+  std::size_t wholeCount TS_GUARDED_BY(mutex) = 0;
   /// The last version or mark given: one count for both, so that they can be compared. Versions are given under the
   /// lock, marks without it, so that asking for one never waits.
   std::atomic<std::uint64_t> lastVersion{0};

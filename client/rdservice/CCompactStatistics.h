@@ -20,11 +20,13 @@ class CCompactStatistics {
   void subtract(const CStkUnClosedCompacts& compact) { change(compact, -1); }
 
   struct CChange {
-    bool isWholeSet = false;  ///< others are gone: the first call, and whenever a group has lost its last compact
+    bool isWholeSet = false;             ///< other statistics are gone, because a group has lost its last compact
     std::vector<IDataPtr> statistics{};  ///< new records, in any order
   };
   /// What has changed since the last call.
   CChange takeChange();
+  /// Has the next change be the whole set.
+  void startOver() { m_isOtherSet = true; }
 
  private:
   static constexpr std::size_t VOLUMES = 2;
@@ -59,7 +61,7 @@ class CCompactStatistics {
 
   CGroups m_groups;
   std::vector<CGroup> m_changed;
-  bool m_isOtherSet = true;
+  bool m_isOtherSet = false;
 };
 
 }  // namespace rdservice

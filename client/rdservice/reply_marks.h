@@ -22,4 +22,9 @@ void noteMark(const std::vector<IDataPtr>& records, std::uint64_t mark);
 /// know them.
 void replaceAsOf(CAccountData& account, int typeId, const std::vector<IDataPtr>& records, std::uint64_t mark);
 
+/// Announces that the records of a reply, which are going to be stored, are all unclosed compacts of the account. Once
+/// they are stored and there are no others, the account's statistics are made of its compacts, see
+/// CAccountDataStatistics.cpp.
+void noteWholeReply(CAccountData& account, const std::vector<IDataPtr>& records, std::uint64_t mark);
+
 }  // namespace rdservice

@@ -58,6 +58,18 @@ bool isCompactType(int dataType) {
   return dataType == rdservice::RecordStkUnClosedCompacts || dataType == rdservice::RecordStkClosedCompacts;
 }
 
+/// Whether a reply of so many records has every unclosed compact of the account.
+bool asksForAll(const rdservice::CQueryCompactReqV2& request, std::size_t records) {
+  return request.dataType == rdservice::RecordStkUnClosedCompacts && request.compactType == rdservice::CompactTypeAll &&
+         request.positionString.empty() && records < static_cast<std::size_t>(std::max(request.requestCount, 0));
+}
+
+void noteWholeReply(const std::string& accountKey, const std::vector<IDataPtr>& records, std::uint64_t mark) {
+  rdservice::CDataCenter* centre = dataCentre();
+  if (const auto account = centre != nullptr ? centre->getAccountData(accountKey) : nullptr)
+    rdservice::noteWholeReply(*account, records, mark);
+}
+
 /// Fetched when an account has logged in.
 constexpr int LOGIN_TYPES[] = {rdservice::RecordPositionStatics, rdservice::RecordStkUnClosedCompactsStatics,
                                rdservice::RecordStkOrder};
@@ -153,10 +165,12 @@ void CTradeClient::Private::queryCompacts(int dataType, const rdservice::CQueryC
   sent->dataType = dataType;
   const std::uint64_t mark = markOf(sent->accountKey);
   requests.send(sent,
-                [this, mark, account = sent->accountKey, reply = std::move(reply)](
+                [this, mark, sent, reply = std::move(reply)](
                     const utils::RDError& error, const std::vector<IDataPtr>& records, const bson::BSONObj& extra) {
-                  if (error.isSuccess() && hasGone(account)) return reply(goneError(), {}, 0, extra);
+                  if (error.isSuccess() && hasGone(sent->accountKey)) return reply(goneError(), {}, 0, extra);
                   rdservice::noteMark(records, mark);
+                  if (error.isSuccess() && asksForAll(*sent, records.size()))
+                    noteWholeReply(sent->accountKey, records, mark);
                   reply(error, records, 0, extra);
                 });
 }

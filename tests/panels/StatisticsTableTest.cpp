@@ -14,8 +14,10 @@
 #include "rdservice/COrderRequests.h"
 #include "rdservice/CPositionStatics.h"
 #include "rdservice/CPriceData.h"
+#include "rdservice/CQueryCompactReqV2.h"
 #include "rdservice/CStkCompactChange.h"
 #include "rdservice/TraderCenter.h"
+#include "vn/CTradeClient.h"
 #include "vn/CUserConfig.h"
 
 #include <QAction>
@@ -256,6 +258,29 @@ TEST_F(CStatisticsTest, EveryCombinationOfForceAndAccount) {
     }
   }
   EXPECT_EQ(m_runtime.logged("query fail").size(), 2U) << "a query that was stopped has not failed";
+}
+
+TEST_F(CStatisticsTest, AFailedQueryShowsWhatThePushesMadeOfTheStatistics) {
+  const auto all = boost::make_shared<rdservice::CQueryCompactReqV2>();
+  all->accountKey = A;
+  all->compactType = rdservice::CompactTypeAll;
+  all->requestCount = 100;
+  VN::CTradeClient::instance()->queryUnclosedCompacts(
+      all, [](const utils::RDError&, const std::vector<IDataPtr>& records, int, const bson::BSONObj&) {
+        dataOf(A)->updateDatas(records);
+      });
+  m_runtime.settle();
+  m_runtime.counter().reply(requests() - 1, {compact("C1", '0', '0'), compact("C2", '0', '0', "600000", 50)});
+  m_runtime.settle();
+  m_runtime.counter().push({compact("C1", '0', '0', "600000", 40), compact("C3", '1', '1', "000001", 7)});
+  m_runtime.settle();
+  m_table->setAccount(A, false, false);
+  m_table->refresh(A, true);
+  m_runtime.settle();
+  m_runtime.counter().fail(requests() - 1, 7, "柜台繁忙");
+  m_runtime.settle();
+  EXPECT_THAT(shown(), testing::UnorderedElementsAre("600000 | 融资 | 普通 | 90 | 0 | 500 | 浦发银行",
+                                                     "000001 | 融券 | 专项 | 0 | 7 | 30 | 平安银行"));
 }
 
 /// The fold against one that says the rule in the plainest way.

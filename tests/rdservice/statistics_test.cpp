@@ -134,10 +134,19 @@ TEST(Statistics, StayAsToldUntilEveryCompactIsKnown) {
   tell();
   store->updateDatas({openCompact("C1", 100)});
   EXPECT_THAT(volumesOf(*store), ElementsAre(7)) << "of one compact it is not known whether the counter counted it";
-  store->updateCompacts(OPEN, {openCompact("C1", 200)});
-  EXPECT_THAT(volumesOf(*store), ElementsAre(7)) << "a page is no whole set";
-
-  replaceAsOf(*store, OPEN, {openCompact("C1", 200), openCompact("C2", 50)}, takeMark(*store));
+  const auto reply = [&](const std::vector<IDataPtr>& records, bool isWhole) {
+    const std::uint64_t mark = takeMark(*store);
+    noteMark(records, mark);
+    if (isWhole) noteWholeReply(*store, records, mark);
+    store->updateDatas(records);
+  };
+  reply({openCompact("C1", 200), openCompact("C2", 50)}, false);
+  EXPECT_THAT(volumesOf(*store), ElementsAre(7)) << "there may be more";
+  reply({openCompact("C2", 50)}, true);
+  EXPECT_THAT(volumesOf(*store), ElementsAre(7)) << "the counter has one less";
+  reply({openCompact("C1", 210), openCompact("C2", 50)}, true);
+  EXPECT_THAT(volumesOf(*store), ElementsAre(260));
+  store->updateDatas({openCompact("C1", 200)});
   EXPECT_THAT(volumesOf(*store), ElementsAre(250));
   const std::uint64_t version = store->getData(STATISTICS).front()->version();
   tell();
@@ -150,6 +159,8 @@ TEST(Statistics, StayAsToldUntilEveryCompactIsKnown) {
   tell();
   store->updateDatas({openCompact("C3", 1)});
   EXPECT_THAT(volumesOf(*store), ElementsAre(7));
+  store->updateCompacts(OPEN, {openCompact("C4", 3)});
+  EXPECT_THAT(volumesOf(*store), ElementsAre(3));
   replaceAsOf(*store, OPEN, {}, takeMark(*store));
   EXPECT_THAT(volumesOf(*store), IsEmpty());
 }
