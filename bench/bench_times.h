@@ -6,12 +6,16 @@
 #include <utility>
 #include <vector>
 
+inline double msSince(std::chrono::steady_clock::time_point begin) {
+  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
+}
+
 /// Milliseconds that the call takes.
 template <class F>
 double msOf(F run) {
   const auto begin = std::chrono::steady_clock::now();
   run();
-  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
+  return msSince(begin);
 }
 
 /// The value that so great a part of all is not above; 0 of none.

@@ -7,6 +7,7 @@
 
 #include "CBenchClient.h"
 #include "bench_options.h"
+#include "stolen_time.h"
 
 #include "compacts/tables/CCompactsTable.h"
 #include "counter/ICounter.h"
@@ -194,15 +195,17 @@ double flood(const CBenchClient& desk, const CFloodingCounter& counter, CViewCou
   utils::CEventLoopMeter meter(METER_MS, nullptr);
   const CWorkMeter work;
   const double processor = CBenchClient::processorMs();
+  const double stolen = stolenMs();
   QTimer::singleShot(MINUTE_MS / 2, &meter, [holdMs] { holdStrand(holdMs); });
   QElapsedTimer timer;
   timer.start();
   while (timer.elapsed() < MINUTE_MS) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
   const VN::CPushLoad load = desk.panel().takePushLoad();
-  fmt::print("{:6} {:10} {:13.0f} {:13} {:7} {:14} {:9.1f} ms {:10.1f} ms {:8.1f} {:8.1f} %\n", minute,
+  fmt::print("{:6} {:10} {:13.0f} {:13} {:7} {:14} {:9.1f} ms {:10.1f} ms {:8.1f} {:8.1f} % {:6.1f} %\n", minute,
              counter.pushed() - before, view.takeChanged(), load.mostWaiting, load.folded, meter.missedFrames(),
              meter.longestGap(), work.longestMs(), residentMb(),
-             (CBenchClient::processorMs() - processor) / static_cast<double>(timer.elapsed()) * 100);
+             (CBenchClient::processorMs() - processor) / static_cast<double>(timer.elapsed()) * 100,
+             (stolenMs() - stolen) / static_cast<double>(timer.elapsed()) * 100);
   std::fflush(stdout);
   return meter.longestGap();
 }
@@ -235,7 +238,7 @@ int run(const COptions& options) {
              options.rows, options.holdMs, residentMb());
   fmt::print(
       "minute     pushed  rows changed  most waiting  folded  missed frames  longest gap  longest work       MB  "
-      "processor\n");
+      "processor   stolen\n");
   std::fflush(stdout);
 
   counter->beginFlood(options.perMinute * 1000 / MINUTE_MS);

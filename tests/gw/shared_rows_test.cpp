@@ -39,6 +39,10 @@ CTestRecordPtr makeRecord(const std::string& key, std::uint64_t version, char gr
   return record;
 }
 
+struct CPlanItem : CItemChange {
+  std::size_t records = 0;  ///< before it
+};
+
 /// One batch as data, so that it can be given to the real thing and to the naive model.
 struct CPlan {
   ERowRule rule = ERowRule::Ordinary;
@@ -46,7 +50,7 @@ struct CPlan {
   char dropGroup = 0;
   bool keepsCells = false;  ///< of dropped records with an even version
   std::vector<CTestRecordPtr> records;
-  std::vector<CItemChange> items;  ///< with the number of records before each
+  std::vector<CPlanItem> items;
 
   CChangeSet changes() const {
     CChangeSet set;
@@ -58,7 +62,13 @@ struct CPlan {
     if (keepsCells) set.keepsCells = [](const rdservice::IData& r) { return r.version() % 2 == 0; };
     std::size_t item = 0;
     for (std::size_t i = 0; i <= records.size(); ++i) {
-      while (item < items.size() && items[item].records == i) set.add(items[item++]);
+      for (; item < items.size() && items[item].records == i; ++item) {
+        // Keys come as either kind of text.
+        if (item % 2 == 0)
+          set.add(items[item]);
+        else
+          set.add(items[item], QString::fromStdString(items[item].key));
+      }
       if (i < records.size()) set.add(records[i]);
     }
     return set;
@@ -209,7 +219,7 @@ class CRun {
  private:
   int below(int end) { return std::uniform_int_distribution<int>(0, end - 1)(m_random); }
   bool isOneIn(int count) { return below(count) == 0; }
-  std::string key() { return "k" + std::to_string(below(isOneIn(4) ? 200 : 40)); }
+  std::string key() { return (isOneIn(5) ? "合约" : "k") + std::to_string(below(isOneIn(4) ? 200 : 40)); }
 
   CItemChange item() {
     CItemChange change;
@@ -233,8 +243,7 @@ class CRun {
     const int records = isBulk ? 300 : isEmpty && isOneIn(2) ? 0 : isOneIn(4) ? below(40) : below(5);
     for (int i = 0; i <= records; ++i) {
       for (int items = isOneIn(isBulk ? 100 : isEmpty ? 1 : 3) ? below(4) : 0; items > 0; --items) {
-        plan.items.push_back(item());
-        plan.items.back().records = plan.records.size();
+        plan.items.push_back({item(), plan.records.size()});
       }
       // Unpublished, older than most, or newest.
       const int kind = below(4);

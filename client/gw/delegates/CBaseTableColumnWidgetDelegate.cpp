@@ -13,16 +13,15 @@ struct CBaseTableColumnWidgetDelegate::Private {
   int columnId;
   CDelegateControl control;
 
-  void change(CItemChange item) {
+  void change(CItemChange& item, const QString& key) const {
     item.column = columnId;
-    control.rows->change([&item](CChangeSet& changes) { changes.add(std::move(item)); });
+    control.rows->change([&](CChangeSet& changes) { changes.add(item, key); });
   }
-  void change(EItemPart part, const QString& key, bool on) {
+  void change(EItemPart part, const QString& key, bool on) const {
     CItemChange item;
     item.part = part;
-    item.key = key.toStdString();
     item.on = on;
-    change(std::move(item));
+    change(item, key);
   }
   CItemState item(const QString& key) const { return control.rows->item(columnId, key.toStdString()); }
 };
@@ -46,9 +45,8 @@ int CBaseTableColumnWidgetDelegate::columnId() const { return m_d->columnId; }
 void CBaseTableColumnWidgetDelegate::setItemText(const QString& key, const QString& text, int) {
   CItemChange item;
   item.part = EItemPart::Text;
-  item.key = key.toStdString();
   item.text = text;
-  m_d->change(std::move(item));
+  m_d->change(item, key);
 }
 
 void CBaseTableColumnWidgetDelegate::setItemVisible(const QString& key, bool visible, int) {
@@ -81,9 +79,8 @@ void CBaseTableColumnWidgetDelegate::setValueOrder(std::function<qint64(std::opt
 void CBaseTableColumnWidgetDelegate::setItemValue(const QString& key, qint64 value) {
   CItemChange item;
   item.part = EItemPart::Value;
-  item.key = key.toStdString();
   item.value = value;
-  m_d->change(std::move(item));
+  m_d->change(item, key);
 }
 
 std::optional<qint64> CBaseTableColumnWidgetDelegate::itemValue(const QString& key) const {

@@ -22,20 +22,50 @@ thread_local CChangeGatherer* t_innermost = nullptr;
 void CChangeSet::add(const rdservice::IDataPtr& record) {
   if (!record) return;
   const std::string key = record->getKey();
-  assert(m_keys.size() + key.size() <= std::numeric_limits<std::uint32_t>::max() && "4 GiB of keys in one batch");
-  records.push_back({record, CHashedPlaces::hash(key), static_cast<std::uint32_t>(m_keys.size()),
-                     static_cast<std::uint32_t>(key.size())});
-  m_keys.insert(m_keys.end(), key.begin(), key.end());
+  records.push_back({record, CHashedPlaces::hash(key), appendKey(key), static_cast<std::uint32_t>(key.size())});
 }
 
-void CChangeSet::add(CItemChange item) {
-  item.records = records.size();
-  item.isOfLast = !records.empty() && item.key == key(records.back());
-  if (item.isOfLast)
-    item.key.clear();
+void CChangeSet::add(const CItemChange& item) {
+  gather(item, !records.empty() && item.key == key(records.back()), item.key);
+}
+
+void CChangeSet::add(const CItemChange& item, const QString& key) {
+  if (isOfLast(key))
+    gather(item, true, {});
   else
-    item.hash = CHashedPlaces::hash(item.key);
-  items.push_back(std::move(item));
+    gather(item, false, key.toStdString());
+}
+
+/// Without converting the key, which most often is.
+bool CChangeSet::isOfLast(const QString& key) const {
+  if (records.empty()) return false;
+  const std::string_view last = this->key(records.back());
+  constexpr ushort ASCII_END = 0x80;
+  bool isSame = static_cast<std::size_t>(key.size()) == last.size();
+  for (int i = 0; i < key.size(); ++i) {
+    const ushort character = key[i].unicode();
+    if (character >= ASCII_END) return key.toStdString() == last;
+    isSame = isSame && static_cast<char>(character) == last[static_cast<std::size_t>(i)];
+  }
+  return isSame;
+}
+
+void CChangeSet::gather(const CItemChange& item, bool isOfLast, std::string_view key) {
+  CItem gathered{item.text, item.value, static_cast<std::uint32_t>(records.size()), 0, 0, 0, item.column, item.part,
+                 item.on,   isOfLast};
+  if (!isOfLast) {
+    gathered.hash = CHashedPlaces::hash(key);
+    gathered.keyBegin = appendKey(key);
+    gathered.keySize = static_cast<std::uint32_t>(key.size());
+  }
+  items.push_back(std::move(gathered));
+}
+
+std::uint32_t CChangeSet::appendKey(std::string_view key) {
+  assert(m_keys.size() + key.size() <= std::numeric_limits<std::uint32_t>::max() && "4 GiB of keys in one batch");
+  const std::size_t begin = m_keys.size();
+  m_keys.insert(m_keys.end(), key.begin(), key.end());
+  return static_cast<std::uint32_t>(begin);
 }
 
 void CChangeSet::reserve(std::size_t count) {

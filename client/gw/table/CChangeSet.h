@@ -26,16 +26,14 @@ enum class EItemPart : unsigned char {
   ResetColumn,  ///< unsets every key of the column; without a key
 };
 
+/// Of the cell that a key has in a column.
 struct CItemChange {
   EItemPart part = EItemPart::Text;
   int column = -1;
-  std::string key;          ///< empty when `isOfLast`
-  QString text;             ///< part Text
-  bool on = false;          ///< parts Visible, Enabled, Checked, CheckedAlone
-  qint64 value = 0;         ///< part Value
-  std::size_t records = 0;  ///< how many records had been gathered before it
-  bool isOfLast = false;    ///< of the record gathered last before it; set when the change is gathered, also below
-  std::uint32_t hash = 0;   ///< of the key, unless `isOfLast`
+  std::string key;
+  QString text;      ///< part Text
+  bool on = false;   ///< parts Visible, Enabled, Checked, CheckedAlone
+  qint64 value = 0;  ///< part Value
 };
 
 /// What a batch has gathered. It is applied in this order: clear, drop, records and items as they were gathered. An
@@ -49,24 +47,48 @@ class CChangeSet {
     std::uint32_t keySize;
   };
 
+  /// A change of a cell as it is gathered: of a usual batch there are several a record.
+  struct CItem {
+    QString text;
+    qint64 value;
+    std::uint32_t records;  ///< how many had been gathered before it
+    std::uint32_t hash;     ///< of the key, unless `isOfLast`
+    std::uint32_t keyBegin;
+    std::uint32_t keySize;
+    int column;
+    EItemPart part;
+    bool on;
+    bool isOfLast;  ///< of the record gathered last before it; the key is empty then
+  };
+
   /// A null record is ignored.
   void add(const rdservice::IDataPtr& record);
-  void add(CItemChange item);
+  void add(const CItemChange& item);
+  /// For this key instead of the item's.
+  void add(const CItemChange& item, const QString& key);
   /// For so many records more.
   void reserve(std::size_t count);
 
-  std::string_view key(const CRecord& record) const { return {m_keys.data() + record.keyBegin, record.keySize}; }
+  template <class T>
+  std::string_view key(const T& one) const {
+    return {m_keys.data() + one.keyBegin, one.keySize};
+  }
   bool isEmpty() const { return records.empty() && items.empty(); }
 
   std::vector<CRecord> records;
-  std::vector<CItemChange> items;
+  std::vector<CItem> items;
   std::function<bool(const rdservice::IData&)> belongs;     ///< with it, such rows go unless they are gathered
   std::function<bool(const rdservice::IData&)> keepsCells;  ///< null: no cells of rows that go are kept
   bool clearFirst = false;
   bool refresh = false;  ///< wake the GUI thread after the commit
 
  private:
-  std::vector<char> m_keys;  ///< of the records, one after another
+  bool isOfLast(const QString& key) const;
+  void gather(const CItemChange& item, bool isOfLast, std::string_view key);
+  /// Returns where it begins.
+  std::uint32_t appendKey(std::string_view key);
+
+  std::vector<char> m_keys;  ///< one after another
 };
 
 /// While it lives, changes that this thread makes to a table are gathered in it. They nest, and stand on the stack of

@@ -22,7 +22,7 @@ constexpr int UNUSED_EARLY_KEYS = 16;
 
 std::size_t at(int index) { return static_cast<std::size_t>(index); }
 
-void writeCell(CItemColumn& column, int slot, const CItemChange& change) {
+void writeCell(CItemColumn& column, int slot, const CChangeSet::CItem& change) {
   switch (change.part) {
     case EItemPart::Text: column.setText(slot, change.text); break;
     case EItemPart::Visible: column.setVisible(slot, change.on); break;
@@ -90,12 +90,13 @@ bool CSharedRows::commit(CChangeSet& changes, const CScopeTest& accepts, ERowRul
         last = put(changes, changes.records[done], rule, refused);
       }
     };
-    for (CItemChange& change : changes.items) {
+    for (const CChangeSet::CItem& change : changes.items) {
       putUntil(change.records);
-      const int slot = !change.isOfLast ? m_rows.find(change.hash, change.key)
+      const std::string_view key = changes.key(change);
+      const int slot = !change.isOfLast ? m_rows.find(change.hash, key)
                        : isPrepared     ? static_cast<int>(change.records) - 1
                                         : last;
-      changeItem(change, slot);
+      changeItem(change, key, slot);
     }
     putUntil(changes.records.size());
     for (const int slot : refused) m_rows.marks[at(slot)] &= static_cast<std::uint8_t>(~Refused);
@@ -201,7 +202,7 @@ void CSharedRows::tidyEarlyItems(CGarbage& garbage) {
   for (auto& [id, column] : m_early.items) column.renumber(newSlots, kept);
 }
 
-void CSharedRows::changeItem(CItemChange& change, int slot) {
+void CSharedRows::changeItem(const CChangeSet::CItem& change, std::string_view key, int slot) {
   assert(change.column >= 0);
   if (change.part == EItemPart::ResetColumn) {
     resetItems(change.column);
@@ -212,7 +213,7 @@ void CSharedRows::changeItem(CItemChange& change, int slot) {
     return;  // nobody has set a cell of the column yet
   if (slot >= 0 && (m_rows.marks[at(slot)] & Refused) != 0) return;
   if (change.part == EItemPart::ResetCell) {
-    unsetCell(change, slot);
+    unsetCell(change, key, slot);
     return;
   }
   if (change.part == EItemPart::CheckedAlone && change.on) uncheckAll(change.column);
@@ -220,13 +221,13 @@ void CSharedRows::changeItem(CItemChange& change, int slot) {
     writeCell(columnOf(m_rows.items, change.column), slot, change);
     markDirty(slot);
   } else {
-    writeCell(columnOf(m_early.items, change.column), m_early.keys.findOrAdd(change.hash, change.key), change);
+    writeCell(columnOf(m_early.items, change.column), m_early.keys.findOrAdd(change.hash, key), change);
   }
 }
 
-void CSharedRows::unsetCell(const CItemChange& change, int slot) {
+void CSharedRows::unsetCell(const CChangeSet::CItem& change, std::string_view key, int slot) {
   CItemColumns& columns = slot >= 0 ? m_rows.items : m_early.items;
-  const int place = slot >= 0 ? slot : m_early.keys.find(change.hash, change.key);
+  const int place = slot >= 0 ? slot : m_early.keys.find(change.hash, key);
   const CItemColumn* cells = findColumn(columns, change.column);
   if (place < 0 || cells == nullptr || !cells->isSet(place)) return;
   columnOf(columns, change.column).copyCell(place, CItemColumn(), 0);

@@ -125,8 +125,8 @@ class CSharedRows {
       TS_REQUIRES(m_mutex);
   void takeEarlyItems(const CChangeSet::CRecord& change, std::string_view key, int slot) TS_REQUIRES(m_mutex);
   void tidyEarlyItems(CGarbage& garbage) TS_REQUIRES(m_mutex);
-  void changeItem(CItemChange& change, int slot) TS_REQUIRES(m_mutex);
-  void unsetCell(const CItemChange& change, int slot) TS_REQUIRES(m_mutex);
+  void changeItem(const CChangeSet::CItem& change, std::string_view key, int slot) TS_REQUIRES(m_mutex);
+  void unsetCell(const CChangeSet::CItem& change, std::string_view key, int slot) TS_REQUIRES(m_mutex);
   void uncheckAll(int column) TS_REQUIRES(m_mutex);
   void resetItems(int column) TS_REQUIRES(m_mutex);
   void markDirty(int slot) TS_REQUIRES(m_mutex);
