@@ -40,14 +40,16 @@ void CChangeSet::add(const CItemChange& item, const QString& key) {
 bool CChangeSet::isOfLast(const QString& key) const {
   if (records.empty()) return false;
   const std::string_view last = this->key(records.back());
-  constexpr ushort ASCII_END = 0x80;
-  bool isSame = static_cast<std::size_t>(key.size()) == last.size();
+  const bool isOfSize = static_cast<std::size_t>(key.size()) == last.size();
+  ushort bits = 0;
+  ushort differing = 0;
   for (int i = 0; i < key.size(); ++i) {
     const ushort character = key[i].unicode();
-    if (character >= ASCII_END) return key.toStdString() == last;
-    isSame = isSame && static_cast<char>(character) == last[static_cast<std::size_t>(i)];
+    bits |= character;
+    if (isOfSize) differing |= character ^ static_cast<unsigned char>(last[static_cast<std::size_t>(i)]);
   }
-  return isSame;
+  constexpr ushort ASCII_END = 0x80;
+  return bits < ASCII_END ? isOfSize && differing == 0 : key.toStdString() == last;
 }
 
 void CChangeSet::gather(const CItemChange& item, bool isOfLast, std::string_view key) {
