@@ -6,6 +6,7 @@
 #include "rdservice/rdservice_enums.h"
 #include "rdservice/reply_marks.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace rdservice {
@@ -38,7 +39,12 @@ void CAccountData::Private::countAnew(int typeId, CCompactStatistics&& counted, 
   if (typeId == RecordStkUnClosedCompacts) {
     statistics = std::move(counted);
     areStatisticsMade = false;
-    if (isWholeSet) makeStatistics();
+    if (isWholeSet) {
+      makeStatistics();
+    } else {
+      wholeReplies.clear();
+      droppedAt = ++lastVersion;
+    }
   } else if (typeId == STATISTICS && !isWholeSet) {
     areStatisticsMade = false;
   }
@@ -48,8 +54,9 @@ void CAccountData::Private::makeStatistics() {
   if (!std::exchange(areStatisticsMade, true)) statistics.startOver();
 }
 
-void CAccountData::Private::takeWholeReply(std::size_t stored) {
-  if (stored == wholeCount && stored == types[RecordStkUnClosedCompacts].store.size()) makeStatistics();
+void CAccountData::Private::takeReply(std::uint64_t mark, std::size_t stored) {
+  const auto whole = wholeReplies.find(mark);
+  if (whole != wholeReplies.end() && stored == whole->second && stored == statistics.compacts()) makeStatistics();
 }
 
 void CAccountData::Private::storeStatistics(CChanges& changes) {
@@ -62,10 +69,15 @@ void CAccountData::Private::storeStatistics(CChanges& changes) {
     std::swap(held, type.store);
     ++type.generation;
   }
-  std::size_t guess = 0;
+  std::vector<CItem> items;
+  items.reserve(change.statistics.size());
   for (const IDataPtr& statistic : change.statistics) {
-    CItem item{&statistic, statistic->getKey(), 0, STATISTICS};
-    item.hash = CHashedPlaces::hash(item.key);
+    items.push_back({&statistic, statistic->getKey(), 0, STATISTICS});
+    items.back().hash = CHashedPlaces::hash(items.back().key);
+  }
+  std::sort(items.begin(), items.end(), [](const CItem& a, const CItem& b) { return a.key < b.key; });
+  std::size_t guess = 0;
+  for (CItem& item : items) {
     const std::size_t before = held.find(item.hash, item.key);
     if (before != CTypeStore::NONE) type.store.append(item.hash, held.at(before), held.basis(before));
     storeItem(type, item, false, guess);
@@ -76,8 +88,10 @@ void CAccountData::Private::storeStatistics(CChanges& changes) {
 void noteWholeReply(CAccountData& account, const std::vector<IDataPtr>& records, std::uint64_t mark) {
   CAccountData::Private& d = CAccountData::Private::of(account);
   const utils::CWriteLock lock(d.mutex);
-  d.wholeMark = mark;
-  d.wholeCount = records.size();
+  if (mark < d.droppedAt) return;
+  constexpr std::size_t MOST = 8;  // of some replies nobody stores the records
+  d.wholeReplies[mark] = records.size();
+  if (d.wholeReplies.size() > MOST) d.wholeReplies.erase(d.wholeReplies.begin());
 }
 
 }  // namespace rdservice

@@ -125,7 +125,8 @@ std::vector<IDataPtr> CAccountData::Private::store(const IDataPtr* records, std:
   std::vector<CItem> items = itemsOf(records, count, itemOf);
   std::map<int, CChanges> changed;
   std::size_t guess = 0;
-  std::size_t ofWhole = 0;
+  const std::uint64_t mark = items.empty() ? 0 : CDataVersion::mark(**items.front().record);
+  std::size_t ofMark = 0;
   for (std::size_t begin = 0; begin < items.size(); begin += SLICE) {
     std::vector<IDataPtr> replaced;  // freed after the lock is given up
     const utils::CWriteLock lock(mutex);
@@ -136,10 +137,11 @@ std::vector<IDataPtr> CAccountData::Private::store(const IDataPtr* records, std:
         type.store.expect(items[i + PREFETCH_AHEAD].hash, guess);
       }
       if (type.store.size() == 0) type.store.reserve(items.size());
-      if (wholeMark != 0 && CDataVersion::mark(**items[i].record) == wholeMark) ++ofWhole;
+      if (mark != 0 && CDataVersion::mark(**items[i].record) == mark) ++ofMark;
       if (IDataPtr old = storeItem(type, items[i], keepNewer, guess)) replaced.push_back(std::move(old));
     }
-    if (ofWhole > 0) takeWholeReply(ofWhole);
+    if (begin + SLICE < items.size()) continue;
+    takeReply(mark, ofMark);
     storeStatistics(changed[RecordStkUnClosedCompactsStatics]);
   }
   for (CItem& item : items) {
@@ -200,7 +202,7 @@ void CAccountData::Private::replaceAll(int typeId, const std::vector<IDataPtr>& 
   {
     const utils::CWriteLock lock(mutex);
     if (typeId == RecordStkUnClosedCompactsStatics && areStatisticsMade) return;  // of the compacts instead
-    countAnew(typeId, std::move(counted), true);
+    countAnew(typeId, std::move(counted), mark > droppedAt);
     CTypeEntry& entry = types[typeId];
     if (entry.generation != generation) held = compare(fresh, keys, entry.store);
     for (std::size_t i = 0; i < fresh.size(); ++i) {

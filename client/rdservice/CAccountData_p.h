@@ -75,8 +75,8 @@ struct CAccountData::Private {
   static CCompactStatistics countOf(int typeId, const std::vector<IDataPtr>& records);
   /// From now on the stored statistics are made of the compacts.
   void makeStatistics() TS_REQUIRES(mutex);
-  /// So many records of the whole reply are stored.
-  void takeWholeReply(std::size_t stored) TS_REQUIRES(mutex);
+  /// So many records with the mark have been stored at once.
+  void takeReply(std::uint64_t mark, std::size_t stored) TS_REQUIRES(mutex);
   /// Brings the stored statistics up to date with what was counted, when they are made of the compacts.
   void storeStatistics(CChanges& changes) TS_REQUIRES(mutex);
 
@@ -91,9 +91,10 @@ struct CAccountData::Private {
   CCompactStatistics statistics TS_GUARDED_BY(mutex);
   /// Whether these are all that there are, so that the stored statistics are made of them.
   bool areStatisticsMade TS_GUARDED_BY(mutex) = false;
-  /// A reply with all unclosed compacts that is about to be stored.
-  std::uint64_t wholeMark TS_GUARDED_BY(mutex) = 0;
-  std::size_t wholeCount TS_GUARDED_BY(mutex) = 0;
+  /// Replies with all unclosed compacts that are about to be stored: how many records, by the reply's mark.
+  std::map<std::uint64_t, std::size_t> wholeReplies TS_GUARDED_BY(mutex);
+  /// Replies to what was asked before say nothing of what is: the account has logged out since.
+  std::uint64_t droppedAt TS_GUARDED_BY(mutex) = 0;
   /// The last version or mark given: one count for both, so that they can be compared. Versions are given under the
   /// lock, marks without it, so that asking for one never waits.
   std::atomic<std::uint64_t> lastVersion{0};

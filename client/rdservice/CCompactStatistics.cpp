@@ -30,6 +30,11 @@ constexpr CAmount AMOUNT_FIELDS[] = {
     {&CCompact::repaidAmount, &CStatistic::repaidAmount},   {&CCompact::interestAmount, &CStatistic::interestAmount},
     {&CCompact::feeAmount, &CStatistic::feeAmount},         {&CCompact::penaltyAmount, &CStatistic::penaltyAmount}};
 
+bool isOwed(const CCompact& compact) {
+  return compact.financingVolume != 0 || compact.lendingVolume != 0 || compact.unpaidAmount != 0 ||
+         compact.interestAmount != 0 || compact.feeAmount != 0 || compact.penaltyAmount != 0;
+}
+
 std::uint64_t number(const void* address) { return reinterpret_cast<std::uintptr_t>(address); }
 
 }  // namespace
@@ -46,6 +51,8 @@ std::size_t CCompactStatistics::CGroupHash::operator()(const CGroup& group) cons
 }
 
 void CCompactStatistics::change(const CStkUnClosedCompacts& compact, int sign) {
+  if (!isOwed(compact)) return;
+  m_compacts += static_cast<std::size_t>(sign);
   const CGroup group{&compact.exchangeId.str(), &compact.code.str(), compact.compactType, compact.source};
   CSums& sums = m_groups[group];
   if (sums.compacts == 0) {
@@ -74,19 +81,23 @@ IDataPtr CCompactStatistics::statisticOf(const CGroups::value_type& group) {
 
 CCompactStatistics::CChange CCompactStatistics::takeChange() {
   CChange change;
-  change.statistics.reserve(m_changed.size());
+  std::vector<CGroups::const_iterator> changed;
   for (const CGroup& group : std::exchange(m_changed, {})) {
     const auto found = m_groups.find(group);
     found->second.isChanged = false;
     if (found->second.compacts > 0) {
-      change.statistics.push_back(statisticOf(*found));
+      changed.push_back(found);
     } else {
-      m_groups.erase(found);
+      m_groups.erase(found);  // no iterator to another one suffers
       m_isOtherSet = true;
     }
   }
   change.isWholeSet = std::exchange(m_isOtherSet, false);
-  if (change.isWholeSet) change.statistics = all();
+  if (change.isWholeSet) {
+    change.statistics = all();
+  } else {
+    for (const auto& group : changed) change.statistics.push_back(statisticOf(*group));
+  }
   return change;
 }
 

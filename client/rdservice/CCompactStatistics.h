@@ -13,9 +13,13 @@
 namespace rdservice {
 
 /// What an account's unclosed compacts add up to for each security, type and source, kept exactly while compacts come,
-/// change and go: a change takes the same time however many there are. Whoever owns it locks.
+/// change and go: a change takes the same time however many there are. Compacts on which nothing is owed any more do
+/// not count: the counter has closed them. Whoever owns it locks.
 class CCompactStatistics {
  public:
+  /// How many count.
+  std::size_t compacts() const { return m_compacts; }
+
   void add(const CStkUnClosedCompacts& compact) { change(compact, 1); }
   void subtract(const CStkUnClosedCompacts& compact) { change(compact, -1); }
 
@@ -61,6 +65,7 @@ class CCompactStatistics {
 
   CGroups m_groups;
   std::vector<CGroup> m_changed;
+  std::size_t m_compacts = 0;
   bool m_isOtherSet = false;
 };
 

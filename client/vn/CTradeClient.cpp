@@ -2,6 +2,7 @@
 
 #include "rdservice/CErrorResp.h"
 #include "rdservice/CStructDes.h"
+#include "rdservice/ConfigCollector.h"
 #include "rdservice/TraderCenter.h"
 #include "rdservice/entry_list.h"
 #include "rdservice/reply_marks.h"
@@ -58,16 +59,20 @@ bool isCompactType(int dataType) {
   return dataType == rdservice::RecordStkUnClosedCompacts || dataType == rdservice::RecordStkClosedCompacts;
 }
 
-/// Whether a reply of so many records has every unclosed compact of the account.
-bool asksForAll(const rdservice::CQueryCompactReqV2& request, std::size_t records) {
-  return request.dataType == rdservice::RecordStkUnClosedCompacts && request.compactType == rdservice::CompactTypeAll &&
-         request.positionString.empty() && records < static_cast<std::size_t>(std::max(request.requestCount, 0));
-}
-
-void noteWholeReply(const std::string& accountKey, const std::vector<IDataPtr>& records, std::uint64_t mark) {
+/// A reply with every unclosed compact of the account is announced to its store.
+void noteIfWhole(const rdservice::CQueryCompactReqV2& request, const std::vector<IDataPtr>& records,
+                 std::uint64_t mark) {
+  if (request.dataType != rdservice::RecordStkUnClosedCompacts || request.compactType != rdservice::CompactTypeAll ||
+      !request.positionString.empty())
+    return;
   rdservice::CDataCenter* centre = dataCentre();
-  if (const auto account = centre != nullptr ? centre->getAccountData(accountKey) : nullptr)
-    rdservice::noteWholeReply(*account, records, mark);
+  const auto account = centre != nullptr ? centre->getAccountData(request.accountKey) : nullptr;
+  if (account == nullptr) return;
+  const auto* config = rdservice::ConfigCollector::instance();
+  const int limit =
+      config != nullptr ? config->getCounterMaxCompactsRespNum(account->getAccountInfo()->counterType) : 0;
+  const int most = limit > 0 ? std::min(limit, request.requestCount) : request.requestCount;
+  if (static_cast<int>(records.size()) < most) rdservice::noteWholeReply(*account, records, mark);
 }
 
 /// Fetched when an account has logged in.
@@ -169,8 +174,7 @@ void CTradeClient::Private::queryCompacts(int dataType, const rdservice::CQueryC
                     const utils::RDError& error, const std::vector<IDataPtr>& records, const bson::BSONObj& extra) {
                   if (error.isSuccess() && hasGone(sent->accountKey)) return reply(goneError(), {}, 0, extra);
                   rdservice::noteMark(records, mark);
-                  if (error.isSuccess() && asksForAll(*sent, records.size()))
-                    noteWholeReply(sent->accountKey, records, mark);
+                  if (error.isSuccess()) noteIfWhole(*sent, records, mark);
                   reply(error, records, 0, extra);
                 });
 }

@@ -28,6 +28,8 @@ namespace {
 constexpr int OPEN = RecordStkUnClosedCompacts;
 constexpr int STATISTICS = RecordStkUnClosedCompactsStatics;
 
+constexpr double SETTLED = 12345;  ///< repaid: nothing is owed, the counter has closed the compact
+
 /// A statistic by its key: volumes, then amounts in cents.
 using CNumbers = std::map<std::string, std::vector<std::int64_t>>;
 
@@ -54,6 +56,7 @@ CNumbers folded(const CAccountData& store) {
   CNumbers numbers;
   for (const IDataPtr& record : store.getData(OPEN)) {
     const auto& compact = static_cast<const CStkUnClosedCompacts&>(*record);
+    if (compact.repaidAmount == SETTLED) continue;
     auto& sums = numbers[CStkUnClosedCompactsStatics::genKey(compact.exchangeId.str(), compact.code.str(),
                                                              compact.compactType, compact.source, compact.accountInfo)];
     const std::vector<std::int64_t> one = numbersOfRecord(compact);
@@ -96,6 +99,11 @@ TEST(Statistics, FollowTheCompactsWhateverHappensToThem) {
           &CStkUnClosedCompacts::repaidAmount, &CStkUnClosedCompacts::interestAmount, &CStkUnClosedCompacts::feeAmount,
           &CStkUnClosedCompacts::penaltyAmount})
       (*compact).*amount = large + below(10000) / 100.0 - 50;
+    if (below(10) == 0) {
+      compact->financingVolume = compact->lendingVolume = 0;
+      compact->unpaidAmount = compact->interestAmount = compact->feeAmount = compact->penaltyAmount = 0;
+      compact->repaidAmount = SETTLED;
+    }
     return compact;
   };
   const auto makeSet = [&](int most) {
@@ -119,8 +127,10 @@ TEST(Statistics, FollowTheCompactsWhateverHappensToThem) {
     }
     if (act == 2) replaceAsOf(*store, STATISTICS, {statistic(7)}, takeMark(*store));
     if (act >= 3 && act < 8)
-      store->modifyData(OPEN, test::openKey("C" + std::to_string(below(COMPACTS))),
-                        [&](IData& data) { static_cast<CStkUnClosedCompacts&>(data).unpaidAmount += 0.01; });
+      store->modifyData(OPEN, test::openKey("C" + std::to_string(below(COMPACTS))), [&](IData& data) {
+        auto& compact = static_cast<CStkUnClosedCompacts&>(data);
+        if (compact.repaidAmount != SETTLED) compact.unpaidAmount += 0.01;
+      });
     if (act >= 8) store->updateDatas(makeSet(6));
     const CNumbers expected = folded(*store);
     ASSERT_EQ(stored(*store), expected) << "after act " << act << " at step " << step;
@@ -154,10 +164,21 @@ TEST(Statistics, StayAsToldUntilEveryCompactIsKnown) {
   EXPECT_THAT(volumesOf(*store), ElementsAre(250));
   EXPECT_EQ(store->getData(STATISTICS).front()->version(), version) << "nothing has changed";
 
-  // After a log-out the counter's word counts again, and nothing is made of the compacts of before.
+  // After a log-out the counter's word counts again, and nothing is made of the compacts of before, also of those in
+  // replies on their way.
+  const std::uint64_t before = takeMark(*store);
+  const std::vector<IDataPtr> noted{openCompact("C5", 5)};
+  noteMark(noted, before);
+  noteWholeReply(*store, noted, before);
   store->removeMetaData(OPEN);
   tell();
-  store->updateDatas({openCompact("C3", 1)});
+  store->updateDatas(noted);
+  EXPECT_THAT(volumesOf(*store), ElementsAre(7));
+  const std::vector<IDataPtr> late{openCompact("C5", 6)};
+  noteMark(late, before + 1);
+  noteWholeReply(*store, late, before);
+  store->updateDatas(late);
+  replaceAsOf(*store, OPEN, {openCompact("C3", 1)}, before);
   EXPECT_THAT(volumesOf(*store), ElementsAre(7));
   store->updateCompacts(OPEN, {openCompact("C4", 3)});
   EXPECT_THAT(volumesOf(*store), ElementsAre(3));

@@ -52,6 +52,45 @@ void query(CAnswers& answers) {
   CTradeClient::instance()->queryUnclosedCompacts(request, answers.handler());
 }
 
+/// Two compacts come; only a reply that has all of the account's tells its statistics.
+TEST(CTradeClient, OnlyAWholeReplyTellsTheStatistics) {
+  const struct {
+    const char* what;
+    int limit;
+    int requestCount;
+    rdservice::EKVCompactType type;
+    const char* position;
+    bool isWhole;
+  } cases[] = {
+      {"fewer than asked for", 0, 3, rdservice::CompactTypeAll, "", true},
+      {"fewer than the limit", 3, 100, rdservice::CompactTypeAll, "", true},
+      {"as many as asked for", 0, 2, rdservice::CompactTypeAll, "", false},
+      {"as many as the counter gives", 2, 100, rdservice::CompactTypeAll, "", false},
+      {"one type", 0, 100, rdservice::CompactTypeFinancing, "", false},
+      {"the rest", 0, 100, rdservice::CompactTypeAll, "C0", false},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    runtime::CClientConfig config = kit::testConfig();
+    config.broker.counterTypes[90].maxCompacts = c.limit;
+    CTestRuntime runtime(config);
+    const auto request = boost::make_shared<rdservice::CQueryCompactReqV2>();
+    request->accountKey = A;
+    request->requestCount = c.requestCount;
+    request->compactType = c.type;
+    request->positionString = c.position;
+    CTradeClient::instance()->queryUnclosedCompacts(
+        request, [](const RDError&, const std::vector<IDataPtr>& records, int, const bson::BSONObj&) {
+          dataOf(A)->updateDatas(records);
+        });
+    const auto info = dataOf(A)->getAccountInfo();
+    runtime.counter().reply(0, {kit::compact(info, "C1", 1000, '0'), kit::compact(info, "C2", 1000, '0')});
+    runtime.settle();
+    EXPECT_EQ(dataOf(A)->getData(rdservice::RecordStkUnClosedCompacts).size(), 2U);
+    EXPECT_EQ(dataOf(A)->getData(rdservice::RecordStkUnClosedCompactsStatics).size(), c.isWhole ? 1U : 0U);
+  }
+}
+
 TEST(CTradeClient, AnswersEveryRequestOnce) {
   CTestRuntime runtime;
   kit::CScriptedCounter& counter = runtime.counter();

@@ -57,6 +57,7 @@ void CHpfTableView::Private::takeRows(const CRowsChange& change) {
         areShadesSwapped = areShadesSwapped != ((top - topRow) % 2 != 0);
         topRow = top;
       }
+      if (rows.rowCount() == 0) areShadesSwapped = false;
     }
     isPlacing = false;
   }
