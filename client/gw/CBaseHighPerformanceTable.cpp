@@ -170,7 +170,7 @@ void CBaseHighPerformanceTable::setCellText(int columnId, const std::string& key
 void CBaseHighPerformanceTable::Private::changeCell(int columnId, const std::string& key, CItemChange item) const {
   item.column = columnId;
   item.key = key;
-  shared->change([&](CChangeSet& changes) { changes.add(std::move(item)); });
+  shared->change([&](CChangeSet& changes) { changes.add(item); });
 }
 
 void CBaseHighPerformanceTable::clear() {

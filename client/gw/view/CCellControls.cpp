@@ -26,10 +26,10 @@ bool CCellControls::Private::hasSlot(int slot) const { return slot >= 0 && slot 
 
 bool CCellControls::Private::isOpen(const CItemState& state) { return state.visible && state.enabled; }
 
-bool CCellControls::Private::store(const CDelegateControl& control, CItemChange item) {
+bool CCellControls::Private::store(const CDelegateControl& control, const CItemChange& item) {
   const QPointer<CCellControls> self(q);
   control.rows->change([&item](CChangeSet& changes) {
-    changes.add(std::move(item));
+    changes.add(item);
     changes.refresh = true;
   });
   Q_EMIT q->sigStored();
@@ -61,7 +61,7 @@ bool CCellControls::Private::check(int slot, int columnId) {
   item.on = !state.checked;
 
   const QString key = QString::fromStdString(item.key);
-  if (!store(control, std::move(item))) return true;
+  if (!store(control, item)) return true;
   if (!deliver(columnId, EventCheckChanged, state.checked ? 0 : 1, key, nullptr)) return true;
   Q_EMIT q->sigStored();
   return true;

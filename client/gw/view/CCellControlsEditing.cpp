@@ -110,7 +110,7 @@ bool CCellControls::Private::report(const QString& text) {
   item.column = columnId;
   item.key = editing->key;
   item.text = text;
-  if (!store(control, std::move(item))) return false;
+  if (!store(control, item)) return false;
   const bool isAlive = isNumber ? deliver(columnId, EventSpinChanged, text.toInt(), key, nullptr)
                                 : deliver(columnId, EventCellEdited, 0, text, &record);
   if (!isAlive) return false;

@@ -36,7 +36,7 @@ struct CCellControls::Private {
   static bool isOpen(const CItemState& state);
 
   // These return false when whoever was told has destroyed the view: then nothing may be touched any more.
-  bool store(const CDelegateControl& control, CItemChange item);
+  bool store(const CDelegateControl& control, const CItemChange& item);
   bool deliver(int columnId, int type, int p2, const QString& text, void* data);
   bool commit();
   /// Stores and reports what was typed, unless the cell is gone meanwhile.
