@@ -82,9 +82,10 @@ TEST(TableAgreement, EveryRowAfterEveryOperation) {
         rowCounts.push_back(tables.rowCount());
         ASSERT_TRUE(tables.agree(column)) << "after operation " << operation << ", look " << rowCounts.size();
       });
-  // Two loads, the pushes and six sorts of everything, two filters to a tenth of 200 names, everything again.
+  // Two loads, the pushes and six sorts of everything; filters to a tenth of 200 names, and everything again.
   std::vector<int> expected(2 + PUSHES + 6, ROWS);
-  expected.insert(expected.end(), {ROWS / 10, ROWS / 10, ROWS});
+  expected.push_back(ROWS / 10);
+  for (int again = 0; again < 3; ++again) expected.insert(expected.end(), {ROWS / 10, ROWS});
   EXPECT_EQ(rowCounts, expected);
 }
 
